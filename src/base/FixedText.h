@@ -1,0 +1,37 @@
+// A text of fixed width, padded with blanks.
+#pragma once
+
+#include <QString>
+
+namespace kalivor {
+
+/// Always exactly Width characters: shorter texts are padded with blanks on the right, longer ones cut.
+/// Comparing with a text pads the shorter side, so "int" equals "int     ".
+template <int Width>
+class FixedText {
+ public:
+  FixedText() : FixedText(QString()) {}
+  FixedText(const QString& text) : text_(text.leftJustified(Width, u' ', true)) {}
+
+  [[nodiscard]] const QString& Padded() const { return text_; }
+
+  /// Without the blanks at the end.
+  [[nodiscard]] QString Trimmed() const {
+    qsizetype length = text_.size();
+    while (length > 0 && text_.at(length - 1) == u' ')
+      --length;
+    return text_.left(length);
+  }
+
+  [[nodiscard]] bool StartsWith(QStringView beginning) const { return text_.startsWith(beginning); }
+
+  friend bool operator==(const FixedText&, const FixedText&) = default;
+  friend bool operator==(const FixedText& fixed, const QString& text) {
+    return fixed.text_.leftJustified(text.size(), u' ') == text.leftJustified(Width, u' ');
+  }
+
+ private:
+  QString text_;
+};
+
+}  // namespace kalivor

@@ -1,0 +1,91 @@
+// The tables, settings and flags that the whole program works on.
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "base/BoundedArray.h"
+#include "base/FixedText.h"
+
+namespace kalivor {
+
+/// 16-bit flags: all bits set is true.
+inline constexpr qint16 kTrue = -1;
+inline constexpr qint16 kFalse = 0;
+
+/// The last index of the parameter tables.
+inline constexpr int kLastParameter = 2000;
+
+/// One parameter: a line of a definition file and its current value. Records are copied whole.
+struct ParameterRecord {
+  QString Rubrik;        ///< group (branch of the tree); "NoRubrik" marks the plant-type record
+  QString Name;          ///< text shown to the user
+  qint32 Wert = 0;       ///< current value of a numeric parameter, times 10^(Zahl1 + Zahl2)
+  qint32 Min = 0;        ///< lower limit, scaled as Wert
+  qint32 Max = 0;        ///< upper limit, scaled as Wert
+  qint32 Standard = 0;   ///< default value, scaled as Wert
+  QString WertText;      ///< current value of a string parameter
+  QString StandardText;  ///< default of a string parameter
+  FixedText<4> Einheit;  ///< unit shown beside the value
+  qint16 Zahl1 = 0;      ///< decimal places shown
+  qint16 Zahl2 = 0;      ///< further low-order digits of Wert that are not shown
+  QString VarAdresse;    ///< controller address as hexadecimal text; empty: unknown
+  qint16 Offset = 0;     ///< byte offset added to a listed address (index of an array element)
+  QString Variable;      ///< name of the controller variable; key of the address list
+  FixedText<8> Typ;      ///< "long", "int", "char", or "string" and its length
+  QString Zusatz;        ///< plant types that the parameter belongs to
+  QString Hilfetext;     ///< help text shown in the editors; "\" separates lines
+
+  bool operator==(const ParameterRecord&) const = default;
+};
+
+/// One row of the version table.
+struct VersionRecord {
+  QString Version;       ///< text in the version list
+  QString AdrDatei;      ///< file name of the address list, "-" for none
+  QString DefDatei;      ///< file name of the definition file
+  QString Anlagen;       ///< plant types, separated by blanks, one blank in front
+  FixedText<2> Kennung;  ///< write and read command letter of the controller
+
+  bool operator==(const VersionRecord&) const = default;
+};
+
+/// One instance per running program, created in main and handed down by reference. A copy is a snapshot.
+struct Module1 {
+  // The parameter table. Written by the definition reader, the engines, the editors and value files.
+  BoundedArray<ParameterRecord, kLastParameter> Par;  ///< 1..ParCount-1; element 0: the plant-type record
+  qint16 ParCount = 1;                                ///< next free index of Par
+
+  // The version table. Written by its reader and the version list's change handler.
+  std::vector<VersionRecord> Versionen = std::vector<VersionRecord>(1);  ///< rows 1..; 0 and the last: empty
+  qint16 VersionCount = 1;  ///< row counter while the table is read
+  qint16 VersionIndex = 0;  ///< selected row; 0 before the first selection
+
+  // The tree's state. Written by the tree's handlers and the refresh routine.
+  BoundedArray<qint16, kLastParameter> NodeState;  ///< group n is expanded
+  BoundedArray<qint16, kLastParameter> ParNode;  ///< check mark of parameter i; 0: the root; also of group n
+  qint16 TreeUpdating = kFalse;                  ///< an editor is open or the program itself changes a tree
+
+  // Settings. Read at start, changed by the options dialog, stored when the main window closes.
+  qint16 Adresse = 1;                          ///< station address of the controller, 0..255
+  qint16 Schnittstelle = 1;                    ///< serial port number, 1..8
+  QString Userpath;                            ///< folder of value files, without separator at its end
+  QString Inipath;                             ///< folder of the version table and definition files
+  QString Inifile = QStringLiteral("VF.INI");  ///< file name of the version table
+
+  // Conversation with the user.
+  qint16 Abbruch = kFalse;  ///< abort request; set by the report's button, polled by the walks
+  qint16 Antwort = -1;      ///< answer of a question; -1 while pending
+  qint16 Kopien = 1;        ///< copies to print, from the print dialog
+  int BusyDepth = 0;        ///< how many operations are under way inside each other
+  QString ReglerVersion;    ///< last answer of the version query
+  QString Dateiname;        ///< current value file; empty when none is open
+
+  /// Row `row` of the version table; throws RuntimeError (Bounds) outside it.
+  [[nodiscard]] const VersionRecord& VersionRow(int row) const {
+    if (row < 0 || row >= static_cast<int>(Versionen.size())) throw RuntimeError(RuntimeError::Kind::Bounds);
+    return Versionen[static_cast<std::size_t>(row)];
+  }
+};
+
+}  // namespace kalivor

@@ -1,0 +1,16 @@
+// Folder separators: both kinds are understood on every platform.
+#pragma once
+
+#include <QString>
+
+namespace kalivor {
+
+[[nodiscard]] bool IsSeparator(QChar c);
+
+/// The separator to append to `directory`: the kind that it uses already, else the platform's own.
+[[nodiscard]] QChar SeparatorFor(QStringView directory);
+
+/// `directory` with a separator at its end, appended when there is none. An empty text gets one as well.
+[[nodiscard]] QString WithSeparator(const QString& directory);
+
+}  // namespace kalivor

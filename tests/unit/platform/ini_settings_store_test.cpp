@@ -1,0 +1,107 @@
+// Settings in an INI file: what was saved is there the next time.
+#include "platform/plain/IniSettingsStore.h"
+
+#include <gtest/gtest.h>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include "fakes/QtPrinters.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::platform {
+namespace {
+
+class IniSettingsStoreTest : public testing::Test {
+ protected:
+  // What a program reads that is started anew.
+  [[nodiscard]] QString ReadAnew(const QString& key, const QString& fallback = u"fallback"_s) const {
+    return IniSettingsStore(path).Get(u"Settings"_s, key, fallback);
+  }
+
+  void SaveAndEnd(const QString& key, const QString& value) const {
+    IniSettingsStore(path).Save(u"Settings"_s, key, value);
+  }
+
+  void WriteFile(const QByteArray& content) const {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(content), content.size());
+  }
+
+  QTemporaryDir folder;
+  QString path = folder.filePath(u"test.ini"_s);
+};
+
+TEST_F(IniSettingsStoreTest, AnAbsentKeyGivesTheFallback) {
+  EXPECT_EQ(ReadAnew(u"Adresse"_s, u"1"_s), u"1"_s);
+  EXPECT_EQ(ReadAnew(u"Userpath"_s, u""_s), u""_s);
+  SaveAndEnd(u"Adresse"_s, u"17"_s);
+  EXPECT_EQ(ReadAnew(u"Schnittstelle"_s, u"3"_s), u"3"_s);
+}
+
+TEST_F(IniSettingsStoreTest, ASavedTextIsThereAtOnce) {
+  IniSettingsStore store(path);
+  store.Save(u"Settings"_s, u"Adresse"_s, u"17"_s);
+  EXPECT_EQ(store.Get(u"Settings"_s, u"Adresse"_s, u"1"_s), u"17"_s);
+}
+
+TEST_F(IniSettingsStoreTest, ASavedTextIsThereTheNextTime) {
+  for (const QString& value : {u"17"_s, u""_s, u"C:\\Daten\\Regler"_s, u"/opt/daten"_s, u"Größe äöüß €"_s,
+                               u"a,b"_s, u"a, b"_s, u"12,5"_s, u"  Ränder  "_s, u"a;b=c"_s, u"\"x\""_s,
+                               u"@Invalid()"_s, u"100%"_s, u"true"_s, u"[Ports]"_s}) {
+    SaveAndEnd(u"Userpath"_s, value);
+    EXPECT_EQ(ReadAnew(u"Userpath"_s), value);
+  }
+}
+
+TEST_F(IniSettingsStoreTest, TheLastTextCounts) {
+  SaveAndEnd(u"Adresse"_s, u"17"_s);
+  SaveAndEnd(u"Adresse"_s, u"18"_s);
+  EXPECT_EQ(ReadAnew(u"Adresse"_s), u"18"_s);
+}
+
+TEST_F(IniSettingsStoreTest, SectionsAreSeparate) {
+  {
+    IniSettingsStore store(path);
+    store.Save(u"Settings"_s, u"COM1"_s, u"a"_s);
+    store.Save(u"Ports"_s, u"COM1"_s, u"/dev/ttyUSB0"_s);
+  }
+  const IniSettingsStore store(path);
+  EXPECT_EQ(store.Get(u"Settings"_s, u"COM1"_s, u""_s), u"a"_s);
+  EXPECT_EQ(store.Get(u"Ports"_s, u"COM1"_s, u""_s), u"/dev/ttyUSB0"_s);
+  EXPECT_EQ(store.Get(u"Other"_s, u"COM1"_s, u"none"_s), u"none"_s);
+}
+
+TEST_F(IniSettingsStoreTest, TheFileCanBeWrittenByHand) {
+  WriteFile("[Settings]\nAdresse=17\nMainLeft=12,5\nInifile=VF.INI\n[Ports]\nCOM2=/dev/ttyS4\n");
+  EXPECT_EQ(ReadAnew(u"Adresse"_s), u"17"_s);
+  EXPECT_EQ(ReadAnew(u"MainLeft"_s), u"12,5"_s) << "a comma makes no list of it";
+  EXPECT_EQ(ReadAnew(u"Inifile"_s), u"VF.INI"_s);
+  EXPECT_EQ(IniSettingsStore(path).Get(u"Ports"_s, u"COM2"_s, u""_s), u"/dev/ttyS4"_s);
+}
+
+TEST_F(IniSettingsStoreTest, TheFileIsReadableByHand) {
+  SaveAndEnd(u"Adresse"_s, u"17"_s);
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.readAll().replace("\r\n", "\n"), QByteArray("[Settings]\nAdresse=17\n"));
+}
+
+TEST_F(IniSettingsStoreTest, AFileThatIsNoIniFileGivesTheFallbacks) {
+  WriteFile(QByteArray("\x00\xFF[[[==\n\n]]\x01", 13));
+  EXPECT_EQ(ReadAnew(u"Adresse"_s, u"1"_s), u"1"_s);
+}
+
+TEST_F(IniSettingsStoreTest, TheUsersOwnFileIsNamedAfterTheProgram) {
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+  IniSettingsStore().Save(u"Settings"_s, u"Adresse"_s, u"17"_s);
+  EXPECT_EQ(IniSettingsStore().Get(u"Settings"_s, u"Adresse"_s, u""_s), u"17"_s);
+  const QString own = folder.filePath(u"KALIVOR/KALIVOR.ini"_s);
+  EXPECT_TRUE(QFileInfo::exists(own));
+  EXPECT_EQ(IniSettingsStore(own).Get(u"Settings"_s, u"Adresse"_s, u""_s), u"17"_s);
+}
+
+}  // namespace
+}  // namespace kalivor::platform

@@ -1,0 +1,86 @@
+#include "comm/COM_A.h"
+
+#include "base/Numbers.h"
+#include "base/su.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+constexpr int kTries = 3;
+
+// "AB1-04D2…" becomes "AB1-123.4": type text, "-", the number with its last digit behind a point.
+QString VersionText(const QString& payload) {
+  QString type = payload.left(4);
+  if (type.size() < 4 || type.at(3) != u'-') type += u'-';
+  const auto number = static_cast<qint64>(su::HexToNumber(payload.mid(4, 4)));
+  const QString digits = su::Align(QString::number(number), 4, u"R", u"0");
+  return type + digits.left(3) + u'.' + digits.right(1);
+}
+
+}  // namespace
+
+QString COM_A::Configure(qint16 slot, QStringView settings) {
+  return host_.ConfigurePort(slot, kControllerProtocol, module_.Adresse, module_.Schnittstelle,
+                             settings.toString());
+}
+
+QString COM_A::ReadVersion(qint16 slot) {
+  QString payload;
+  if (host_.Ports[slot].Protokoll == kControllerProtocol) payload = transport_.Transact(slot, u"v00"_s, true);
+  return IsError(payload) ? payload : VersionText(payload);
+}
+
+QString COM_A::Identify(qint16 slot) {
+  QString version = ReadVersion(slot);
+  for (const QStringView settings : {kSettings19200, kSettings9600}) {
+    if (!IsError(version)) break;
+    // Whether the port could be opened shows in the next query.
+    (void)Configure(slot, settings);
+    version = ReadVersion(slot);
+  }
+  return version;
+}
+
+// Letter 0 writes, letter 1 reads. Without a selected version row 0 is used, whose letters are blanks.
+QString COM_A::CommandLetter(int index) const {
+  return module_.VersionRow(main_.ComboVN().Position() + 1).Kennung.Padded().mid(index, 1);
+}
+
+bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
+  if (host_.Ports[slot].Protokoll != kControllerProtocol) return true;
+  const QString body = CommandLetter(0) + address.right(4) + su::HexPad(value, 4);
+  const QString result = transport_.SendWithRetry(slot, body, true, kTries);
+  if (!IsError(result)) return true;
+  report_.Add(result);
+  return false;
+}
+
+bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
+  digits.clear();
+  if (host_.Ports[slot].Protokoll == kControllerProtocol) {
+    digits = transport_.SendWithRetry(slot, CommandLetter(1) + address.right(4), true, kTries);
+  }
+  if (IsError(digits)) {
+    report_.Add(digits);
+    return false;
+  }
+  return digits.size() == 4;
+}
+
+bool COM_A::ReadInt(qint16 slot, qint16& result, const QString& address) {
+  QString digits;
+  if (!ReadWord(slot, digits, address)) return false;
+  result = RoundToInt16(su::SignedHexToNumber(digits));
+  return true;
+}
+
+bool COM_A::ReadLong(qint16 slot, qint32& result, const QString& address) {
+  QString digits;
+  if (!ReadWord(slot, digits, address)) return false;
+  result = RoundToInt32(su::HexToNumber(digits));
+  return true;
+}
+
+}  // namespace kalivor

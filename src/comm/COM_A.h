@@ -1,0 +1,49 @@
+// What the controller understands: its version, reading a word, writing a word.
+#pragma once
+
+#include <QString>
+
+#include "base/Forms.h"
+#include "base/Module1.h"
+#include "comm/COM_T.h"
+
+namespace kalivor {
+
+/// Words are 16 bits. An address is hexadecimal text, of which the last four characters are sent. Command
+/// letters come from the version table's row of the selected version.
+class COM_A {
+ public:
+  COM_A(const Module1& module, COM_T_frm& host, MainForm& main, ReportForm& report)
+      : module_(module), host_(host), transport_(host), main_(main), report_(report) {}
+
+  /// The version text of the connected controller ("AB1-123.4"), or a failure ("ERROR: …"). Tries the
+  /// current line rate, then 19200, then 9600 baud; the line keeps the rate that was tried last.
+  [[nodiscard]] QString Identify(qint16 slot);
+
+  /// One version query without retries.
+  [[nodiscard]] QString ReadVersion(qint16 slot);
+
+  /// Writes the low 16 bits of `value`. A failure is added to the report, and false returned.
+  [[nodiscard]] bool WriteWord(qint16 slot, qint32 value, const QString& address);
+
+  /// Read a word, signed or as 0..65535. On success `result` is set and true returned. A failure of the line
+  /// is added to the report; a reply of the wrong length is not.
+  /// Throws RuntimeError (Overflow) when a reply that is no hexadecimal number leaves the 16-bit range.
+  [[nodiscard]] bool ReadInt(qint16 slot, qint16& result, const QString& address);
+  [[nodiscard]] bool ReadLong(qint16 slot, qint32& result, const QString& address);
+
+  /// Configures the slot for the controller at the stored address and port.
+  QString Configure(qint16 slot, QStringView settings);
+
+ private:
+  [[nodiscard]] QString CommandLetter(int index) const;
+  bool ReadWord(qint16 slot, QString& digits, const QString& address);
+
+  const Module1& module_;
+  COM_T_frm& host_;
+  COM_T transport_;
+  MainForm& main_;
+  ReportForm& report_;
+};
+
+}  // namespace kalivor

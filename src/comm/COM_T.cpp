@@ -1,0 +1,193 @@
+#include "comm/COM_T.h"
+
+#include <algorithm>
+
+#include "base/Numbers.h"
+#include "base/Windows1252.h"
+#include "base/su.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+constexpr QChar kLineFeed = u'\n';
+constexpr QChar kCarriageReturn = u'\r';
+
+// The start character of a request, by which its echo is known.
+QChar EchoStart(qint16 protocol) {
+  return protocol == 18 ? QChar(2) : QChar(u'#');
+}
+
+bool ReceivesLines(qint16 protocol) {
+  return protocol >= 15 && protocol <= 17;
+}
+
+bool IsTerminator(QChar c) {
+  return c >= kLineFeed && c <= kCarriageReturn;
+}
+
+// Two hexadecimal digits of the sum of all character codes.
+QString Checksum(QStringView characters) {
+  qint16 sum = 0;
+  for (const QChar c : characters)
+    sum = ToInt16(sum + ByteFromCharacter(c));
+  return su::HexPad(sum, 2);
+}
+
+QString ReplyCodeText(const QString& code) {
+  if (code == u"02") return u" Code 02 Falscher Serialmode"_s;
+  if (code == u"04") return u" Code 04 Falsches Kennzeichen"_s;
+  if (code == u"05") return u" Code 05 Falsche Anzahl Parameter"_s;
+  if (code == u"06") return u" Code 06 Falsches Zeichen"_s;
+  if (code == u"07") return u" Code 07 Falsche Datensatznummer"_s;
+  return u" Code "_s + code;
+}
+
+// The German text of a line error, empty for any other event.
+QString LineErrorText(int event) {
+  switch (event) {
+    case platform::kCommEventBreak:
+      return u" Es wurde ein Anhaltesignal (Break-Signal) empfangen."_s;
+    case platform::kCommEventFraming:
+      return u" Datenblockfehler (Framing Error). Die Hardware hat einen Datenblockfehler entdeckt."_s;
+    case platform::kCommEventOverrun:
+      return u" Anschlußüberlauf (Port Overrun). Es ist ein Zeichen verlorengegangen, da die Hardware nicht "
+             u"in "
+             "der Lage war, dieses Zeichen zu lesen, bevor das nächste Zeichen eintraf."_s;
+    case platform::kCommEventReceiveOverflow:
+      return u" Überlauf des Empfangspuffers (Receive Buffer Overflow). Der Empfangspuffer ist voll."_s;
+    case platform::kCommEventParity:
+      return u" Paritätsfehler (Parity Error). Die Hardware hat einen Paritätsfehler entdeckt."_s;
+    case platform::kCommEventTransmitFull:
+      return u" Sendepuffer voll (Transmit Buffer Full). Bei dem Versuch, ein Zeichen in die Warteschlange "
+             "aufzunehmen, wurde festgestellt, daß der Sendepuffer voll war."_s;
+    case platform::kCommEventDeviceControlBlock:
+      return u" Unerwarteter Fehler beim Abrufen des Device Control Block (DCB) für den Anschluß."_s;
+    default:
+      return {};
+  }
+}
+
+// Closes the port when an exchange ends, however it ends.
+class PortGuard {
+ public:
+  explicit PortGuard(COM_T_frm& host) : host_(host) {}
+  ~PortGuard() { host_.ClosePort(); }
+  PortGuard(const PortGuard&) = delete;
+  PortGuard& operator=(const PortGuard&) = delete;
+
+ private:
+  COM_T_frm& host_;
+};
+
+}  // namespace
+
+QString COM_T::SendWithRetry(qint16 slot, const QString& body, bool wantReply, int maxTries) {
+  QString result;
+  RetryCount = 0;
+  do {
+    result = Transact(slot, body, wantReply);
+    ++RetryCount;
+  } while (IsError(result) && RetryCount < maxTries);
+  RetryCount = 0;
+  return result;
+}
+
+QString COM_T::Transact(qint16 slot, const QString& body, bool wantReply) {
+  host_.Timers().Wait(kPauseTimer);
+  QString frame = u'#' + su::HexPad(host_.Ports[slot].Adr, 2) + u"02"_s + body;
+  frame += Checksum(frame) + kCarriageReturn;
+
+  QString reply = SendReceive(slot, frame, wantReply);
+  if (!wantReply || IsError(reply)) return reply;
+  if (reply.size() < 9) return u"ERROR: unvollständige Antwort: "_s + reply;
+  // An error reply counts as such even when its checksum is wrong.
+  if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));
+  const QStringView summed = QStringView(reply).chopped(3);
+  if (Checksum(summed) != reply.mid(reply.size() - 3, 2)) return u"ERROR:  Checksumme Falsch"_s;
+  return summed.mid(6).toString();
+}
+
+QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
+  const PortGuard closesThePort(host_);
+  return Exchange(slot, frame, wantReply);
+}
+
+QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
+  platform::SerialControl& line = host_.Control();
+  TH& timers = host_.Timers();
+  const PortRecord& port = host_.Ports[slot];
+
+  if (IsError(host_.OpenPort(slot))) {
+    return WithLineError(u"ERROR: COM"_s + BlankNumber(port.PortNr) + u" nicht verfügber"_s, {});
+  }
+  line.SetRts(true);
+  line.Output(BytesFromText(frame));
+  line.SetSThreshold(1);
+  host_.SendDone = kFalse;
+
+  const int timeout_ms = (!wantReply ? 1 : slot == 2 ? 12 : 4) * 100;
+  // However often an echo sends us back to waiting, the exchange takes no longer than this.
+  const SoftTimer bound(timers.GetClock(), 3 * timeout_ms);
+  while (bound.Remaining() > 0) {
+    timers.StartTimer(kReplyTimer, timeout_ms);
+    if (!WaitForFirstCharacter(bound)) break;
+    timers.StartTimer(kReplyTimer, timeout_ms);
+    if (!ReceivesLines(port.Protokoll)) return ReceiveRaw();
+
+    QString reply = TextFromBytes(line.Input());
+    while (!reply.isEmpty() && reply.back() > kCarriageReturn && bound.Remaining() > 0) {
+      const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
+      const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
+      reply += TextFromBytes(line.Input());
+      if (gone || timers.TimerExpired(kReplyTimer)) {
+        return WithLineError(u"ERROR: ungültiger Empfang:  ("_s + reply + u")."_s, reply);
+      }
+    }
+    if (!reply.isEmpty() && reply.back() > kCarriageReturn) break;
+
+    if (!wantReply) return {};
+    if (host_.KeepOpen == kFalse) line.SetRts(false);
+    if (!reply.startsWith(EchoStart(port.Protokoll))) return reply;
+    reply.remove(0, frame.size());
+    if (!reply.isEmpty() && IsTerminator(reply.back())) return reply;
+    // A fragment behind the echo is dropped: the next line is taken as a whole.
+  }
+  return wantReply ? WithLineError(u"ERROR: kein Empfang"_s, {}) : QString();
+}
+
+bool COM_T::WaitForFirstCharacter(const SoftTimer& bound) {
+  for (;;) {
+    const double left = std::min(host_.Timers().Remaining(kReplyTimer), bound.Remaining());
+    switch (host_.Control().WaitForInput(left)) {
+      case platform::InputWait::Input:
+        return true;
+      case platform::InputWait::LineGone:
+        return false;
+      case platform::InputWait::TimedOut:
+        if (left <= 0) return false;
+    }
+  }
+}
+
+QString COM_T::ReceiveRaw() {
+  platform::SerialControl& line = host_.Control();
+  TH& timers = host_.Timers();
+  QString reply;
+  do {
+    if (line.InBufferCount() != 0) {
+      reply += TextFromBytes(line.Input());
+      timers.StartTimer(kRawQuietTimer, 1000);
+    }
+    if (line.WaitForInput(timers.Remaining(kRawQuietTimer)) == platform::InputWait::LineGone) break;
+  } while (line.InBufferCount() != 0 || !timers.TimerExpired(kRawQuietTimer));
+  return reply;
+}
+
+QString COM_T::WithLineError(const QString& result, const QString& reply) {
+  const QString text = LineErrorText(host_.Control().CommEvent());
+  return text.isEmpty() ? result : result + u" ("_s + reply + u") "_s + text;
+}
+
+}  // namespace kalivor

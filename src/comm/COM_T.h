@@ -1,0 +1,36 @@
+// One telegram to the controller and its reply.
+#pragma once
+
+#include <QString>
+
+#include "comm/COM_T_frm.h"
+
+namespace kalivor {
+
+/// A request is "#", the station address, "02", a body, a checksum and a carriage return. Every failure is a
+/// returned text that begins "ERROR: ".
+class COM_T {
+ public:
+  explicit COM_T(COM_T_frm& host) : host_(host) {}
+
+  /// Transact up to `maxTries` times; returns the first good result or the last failure.
+  [[nodiscard]] QString SendWithRetry(qint16 slot, const QString& body, bool wantReply, int maxTries);
+
+  /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted.
+  [[nodiscard]] QString Transact(qint16 slot, const QString& body, bool wantReply);
+
+  /// Sends the complete `frame` and returns the reply without the echo of the frame. Opens the port before
+  /// and closes it after.
+  [[nodiscard]] QString SendReceive(qint16 slot, const QString& frame, bool wantReply);
+
+ private:
+  QString Exchange(qint16 slot, const QString& frame, bool wantReply);
+  bool WaitForFirstCharacter(const SoftTimer& bound);
+  QString ReceiveRaw();
+  QString WithLineError(const QString& result, const QString& reply);
+
+  COM_T_frm& host_;
+  int RetryCount = 0;
+};
+
+}  // namespace kalivor

@@ -1,0 +1,74 @@
+#include "comm/COM_T_frm.h"
+
+#include "base/Numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+
+bool IsError(QStringView text) {
+  return text.startsWith(u"ERROR: ");
+}
+
+COM_T_frm::COM_T_frm(const Module1& module, platform::SerialControl& control, TH& timers)
+    : module_(module), control_(control), timers_(timers) {
+  control_.OnComm = [this] { OnComm(); };
+}
+
+COM_T_frm::~COM_T_frm() {
+  control_.OnComm = nullptr;
+}
+
+QString COM_T_frm::ConfigurePort(qint16 slot, qint16 protocol, qint16 address, qint16 portNumber,
+                                 const QString& settings) {
+  if (module_.Abbruch != kFalse) return {};
+  QString result = SetupPort(slot, address, portNumber, settings);
+  Ports[slot].Protokoll = protocol;
+  return result;
+}
+
+QString COM_T_frm::SetupPort(qint16 slot, qint16 address, qint16 portNumber, const QString& settings) {
+  PortRecord& port = Ports[slot];
+  port.Adr = address;
+  port.PortNr = portNumber;
+  port.Settings = settings;
+  QString result = OpenPort(slot);
+  if (IsError(result)) {
+    result = u"ERROR: COM"_s + BlankNumber(portNumber) +
+             u" nicht verfügbar. Ändern Sie die 'CommPort'-Einstellung in einen anderen Anschluß."_s;
+  }
+  ClosePort();
+  return result;
+}
+
+QString COM_T_frm::OpenPort(qint16 slot) {
+  PortRecord& port = Ports[slot];
+  if (port.Offen != kFalse) return {};
+  if (!control_.Open(port.PortNr, port.Settings)) return u"ERROR: "_s;
+  port.Offen = kTrue;
+  if (!control_.ClearOutBuffer() || !control_.ClearInBuffer()) return u"ERROR: "_s;
+  return {};
+}
+
+void COM_T_frm::ClosePort() {
+  if (KeepOpen == kFalse) {
+    if (control_.IsOpen()) {
+      control_.SetRts(false);
+      // Results do not matter any more: the port is given up.
+      (void)control_.ClearOutBuffer();
+      (void)control_.ClearInBuffer();
+      control_.Close();
+    }
+    // Slot 3 is left as it is on purpose.
+    for (int slot = 0; slot <= 2; ++slot)
+      Ports[slot].Offen = kFalse;
+  }
+  timers_.StartTimer(kPauseTimer, 20);
+  timers_.StartTimer(kCloseTimer, 10);
+}
+
+void COM_T_frm::OnComm() {
+  if (control_.CommEvent() == platform::kCommEventSendDone) SendDone = kTrue;
+}
+
+}  // namespace kalivor

@@ -1,0 +1,76 @@
+// The serial channel: which port with which settings, opened and closed around every telegram.
+#pragma once
+
+#include <QString>
+
+#include "base/BoundedArray.h"
+#include "base/Module1.h"
+#include "comm/TH.h"
+#include "platform/SerialControl.h"
+
+namespace kalivor {
+
+/// The protocol that controllers speak; 15..17 are received line by line, all others raw.
+inline constexpr qint16 kControllerProtocol = 16;
+
+/// The one channel slot that the program uses.
+inline constexpr qint16 kSlot = 1;
+
+/// Line settings: the rate after start, and the one that identification falls back to.
+inline constexpr QStringView kSettings9600 = u"9600,o,7,1";
+inline constexpr QStringView kSettings19200 = u"19200,o,7,1";
+
+struct PortRecord {
+  qint16 Offen = kFalse;  ///< the port is open for this slot
+  qint16 PortNr = 0;      ///< serial port number, 1..8
+  qint16 Protokoll = 0;   ///< protocol type code
+  qint16 Adr = 0;         ///< station address
+  QString Settings;       ///< "baud,parity,data bits,stop bits"
+
+  bool operator==(const PortRecord&) const = default;
+};
+
+/// True when `text` is a failure: every routine of this layer reports one as a text that begins "ERROR: ".
+[[nodiscard]] bool IsError(QStringView text);
+
+class COM_T_frm {
+ public:
+  COM_T_frm(const Module1& module, platform::SerialControl& control, TH& timers);
+  ~COM_T_frm();
+  COM_T_frm(const COM_T_frm&) = delete;
+  COM_T_frm& operator=(const COM_T_frm&) = delete;
+
+  /// Slots 0..3; any other throws RuntimeError (Bounds).
+  BoundedArray<PortRecord, 3> Ports;
+
+  /// When set, the port and its RTS line stay up between telegrams. Nothing in the program sets it.
+  qint16 KeepOpen = kFalse;
+
+  /// Set when everything queued has been sent; cleared before each output. Nothing reads it.
+  qint16 SendDone = kFalse;
+
+  /// Stores the channel's data and tries the port once. Does nothing while an abort is requested.
+  /// Returns "" or the failure for the user; the data is stored in either case.
+  QString ConfigurePort(qint16 slot, qint16 protocol, qint16 address, qint16 portNumber,
+                        const QString& settings);
+
+  /// Opens the slot's port unless it is open. Returns "" or exactly "ERROR: ".
+  [[nodiscard]] QString OpenPort(qint16 slot);
+
+  /// Closes the port (unless KeepOpen) and starts the pause that the next telegram waits out.
+  void ClosePort();
+
+  /// The port itself, for the telegram layer.
+  [[nodiscard]] platform::SerialControl& Control() { return control_; }
+  [[nodiscard]] TH& Timers() { return timers_; }
+
+ private:
+  QString SetupPort(qint16 slot, qint16 address, qint16 portNumber, const QString& settings);
+  void OnComm();
+
+  const Module1& module_;
+  platform::SerialControl& control_;
+  TH& timers_;
+};
+
+}  // namespace kalivor

@@ -1,0 +1,302 @@
+// A serial port through the terminal driver.
+#include "platform/posix/PosixSerialControl.h"
+
+#include <fcntl.h>
+#include <linux/serial.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include "platform/posix/MonotonicTime.h"
+
+namespace kalivor::platform {
+namespace {
+
+constexpr tcflag_t kCharacterFlags = CSIZE | PARENB | PARODD | CMSPAR;
+
+// The device numbers reserved for pseudo-terminals.
+bool IsPseudoTerminal(int fd) {
+  struct stat status {};
+  if (fstat(fd, &status) != 0) return false;
+  const unsigned int number = major(status.st_rdev);
+  return number >= 136 && number <= 143;
+}
+
+Descriptor OpenDevice(const QString& path) {
+  const QByteArray name = QFile::encodeName(path);
+  int fd = -1;
+  do {
+    fd = open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  } while (fd < 0 && errno == EINTR);
+  return Descriptor(fd);
+}
+
+// Raw characters with marked errors, no flow control, no modem lines.
+termios WithSettings(termios attributes, const LineSettings& settings) {
+  cfmakeraw(&attributes);
+  attributes.c_iflag &= ~static_cast<tcflag_t>(IGNPAR | IXOFF | IXANY);
+  attributes.c_iflag |= INPCK | PARMRK;
+  attributes.c_cflag &= ~static_cast<tcflag_t>(kCharacterFlags | CSTOPB | CRTSCTS);
+  attributes.c_cflag |= CREAD | CLOCAL | settings.flags;
+  // One character satisfies a read: so nothing waiting is an error of its own, and only a line that is gone
+  // reads as the end of the file.
+  attributes.c_cc[VMIN] = 1;
+  attributes.c_cc[VTIME] = 0;
+  (void)cfsetispeed(&attributes, settings.speed);
+  (void)cfsetospeed(&attributes, settings.speed);
+  return attributes;
+}
+
+bool SameSettings(const termios& a, const termios& b, tcflag_t overlooked) {
+  return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_lflag == b.c_lflag &&
+         ((a.c_cflag ^ b.c_cflag) & ~overlooked) == 0 && a.c_cc[VMIN] == b.c_cc[VMIN] &&
+         a.c_cc[VTIME] == b.c_cc[VTIME] && cfgetispeed(&a) == cfgetispeed(&b) &&
+         cfgetospeed(&a) == cfgetospeed(&b);
+}
+
+}  // namespace
+
+PosixSerialControl::PosixSerialControl(DeviceResolver resolver, std::unique_ptr<LineErrorCounters> counters)
+    : resolver_(std::move(resolver)), counters_(std::move(counters)) {
+  constexpr qsizetype kTelegram_bytes = 256;
+  output_.reserve(kTelegram_bytes);
+  input_.reserve(kTelegram_bytes);
+}
+
+PosixSerialControl::~PosixSerialControl() {
+  Close();
+}
+
+bool PosixSerialControl::Open(int number, const QString& settings) {
+  Close();
+  event_ = kCommEventNone;
+  const std::optional<LineSettings> wanted = ParseLineSettings(settings);
+  if (!wanted) return false;
+  const QString path = resolver_(number);
+  if (path.isEmpty()) return false;
+
+  Descriptor device = OpenDevice(path);
+  termios present{};
+  if (!device.Valid() || tcgetattr(device.Get(), &present) != 0) return false;
+  // Before anything is touched: another program may be in the middle of a transfer.
+  if (flock(device.Get(), LOCK_EX | LOCK_NB) != 0) return false;
+
+  port_ = std::move(device);
+  isPseudoTerminal_ = IsPseudoTerminal(port_.Get());
+  if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*wanted, present)) {
+    Close();
+    return false;
+  }
+  if (!isPseudoTerminal_) LowerLatency();
+  hasParity_ = wanted->HasParity();
+  lineGone_ = false;
+  driverCountsErrors_ = false;
+  counted_ = counters_->Read(port_.Get());
+  return true;
+}
+
+bool PosixSerialControl::Configure(const LineSettings& settings, const termios& present) {
+  const termios wanted = WithSettings(present, settings);
+  // A pseudo-terminal does not keep these.
+  const tcflag_t overlooked = isPseudoTerminal_ ? kCharacterFlags : 0;
+  // Setting costs an adapter several transfers on its bus, and a port mostly comes back as it was left.
+  if (SameSettings(present, wanted, overlooked)) return true;
+  if (tcsetattr(port_.Get(), TCSANOW, &wanted) != 0 && !(isPseudoTerminal_ && errno == EINVAL)) return false;
+  // Success means that something was set, not that everything was.
+  termios actual{};
+  return tcgetattr(port_.Get(), &actual) == 0 && SameSettings(actual, wanted, overlooked);
+}
+
+// USB adapters otherwise keep a reply back for up to 16 ms. Where the driver cannot, it stays as it is.
+void PosixSerialControl::LowerLatency() const {
+  serial_struct driver{};
+  if (ioctl(port_.Get(), TIOCGSERIAL, &driver) != 0 || (driver.flags & ASYNC_LOW_LATENCY) != 0) return;
+  driver.flags |= ASYNC_LOW_LATENCY;
+  (void)ioctl(port_.Get(), TIOCSSERIAL, &driver);
+}
+
+void PosixSerialControl::Close() {
+  if (!port_.Valid()) return;
+  // Without unsent characters there is nothing that closing could wait for.
+  (void)tcflush(port_.Get(), TCIOFLUSH);
+  (void)ioctl(port_.Get(), TIOCNXCL);
+  port_.Close();
+  output_.resize(0);
+  input_.resize(0);
+  marks_.Reset();
+  sendDoneDue_ = false;
+}
+
+bool PosixSerialControl::SetRts(bool raised) {
+  if (!port_.Valid()) return false;
+  const int line = TIOCM_RTS;
+  if (ioctl(port_.Get(), raised ? TIOCMBIS : TIOCMBIC, &line) == 0) return true;
+  return isPseudoTerminal_ && (errno == ENOTTY || errno == EINVAL);
+}
+
+bool PosixSerialControl::ClearInBuffer() {
+  if (!port_.Valid()) return false;
+  input_.resize(0);
+  marks_.Reset();
+  return tcflush(port_.Get(), TCIFLUSH) == 0;
+}
+
+bool PosixSerialControl::ClearOutBuffer() {
+  if (!port_.Valid()) return false;
+  output_.resize(0);
+  sendDoneDue_ = false;
+  return tcflush(port_.Get(), TCOFLUSH) == 0;
+}
+
+void PosixSerialControl::SetSThreshold(int characters) {
+  threshold_ = characters;
+  ReportSendDone();
+}
+
+void PosixSerialControl::Output(const QByteArray& characters) {
+  if (!port_.Valid() || characters.isEmpty()) return;
+  if (output_.size() + characters.size() > kOutputLimit_bytes) {
+    ReportError(kCommEventTransmitFull);
+    return;
+  }
+  output_.append(characters);
+  sendDoneDue_ = true;
+  FlushOutput();
+}
+
+void PosixSerialControl::FlushOutput() {
+  qsizetype taken = 0;
+  while (taken < output_.size()) {
+    const ssize_t count =
+        write(port_.Get(), output_.constData() + taken, static_cast<size_t>(output_.size() - taken));
+    if (count > 0) {
+      taken += count;
+    } else if (count == 0 || errno == EAGAIN) {
+      break;
+    } else if (errno != EINTR) {
+      // The device is gone, which the next wait reports; nothing can be sent any more.
+      output_.resize(0);
+      sendDoneDue_ = false;
+      return;
+    }
+  }
+  output_.remove(0, taken);
+  ReportSendDone();
+}
+
+void PosixSerialControl::ReportSendDone() {
+  if (threshold_ <= 0 || !sendDoneDue_ || !output_.isEmpty()) return;
+  sendDoneDue_ = false;
+  if (event_ == kCommEventNone) event_ = kCommEventSendDone;
+  if (OnComm) OnComm();
+}
+
+// Takes what one read gives; false when that is nothing.
+bool PosixSerialControl::ReadPiece() {
+  if (lineGone_ || input_.size() >= kInputLimit_bytes) return false;
+  char piece[4096];
+  ssize_t count = -1;
+  do {
+    count = read(port_.Get(), piece, sizeof piece);
+  } while (count < 0 && errno == EINTR);
+  if (count <= 0) {
+    lineGone_ = count == 0 || errno != EAGAIN;
+    return false;
+  }
+  NoteMark(marks_.Decode(QByteArrayView(piece, count), input_));
+  return true;
+}
+
+void PosixSerialControl::ReadAll() {
+  if (!port_.Valid()) return;
+  while (ReadPiece()) {
+  }
+}
+
+int PosixSerialControl::InBufferCount() {
+  ReadAll();
+  return static_cast<int>(input_.size());
+}
+
+QByteArray PosixSerialControl::Input() {
+  ReadAll();
+  // A copy, so that the buffer keeps its memory.
+  QByteArray taken(input_.constData(), input_.size());
+  input_.resize(0);
+  return taken;
+}
+
+InputWait PosixSerialControl::WaitForInput(double seconds) {
+  if (!port_.Valid()) return InputWait::LineGone;
+  const std::int64_t end_ns = MonotonicNow_ns() + NanosecondsOf(seconds);
+  while (input_.isEmpty()) {
+    if (lineGone_) return InputWait::LineGone;
+    const short events = output_.isEmpty() ? POLLIN : POLLIN | POLLOUT;
+    pollfd wait{port_.Get(), events, 0};
+    const timespec left = ToTimespec(std::max<std::int64_t>(0, end_ns - MonotonicNow_ns()));
+    const int ready = ppoll(&wait, 1, &left, nullptr);
+    if (ready == 0) return InputWait::TimedOut;
+    if (ready < 0) {
+      // Interrupted by a signal: goes on with the time that is left.
+      if (errno == EINTR) continue;
+      return InputWait::LineGone;
+    }
+    if ((wait.revents & POLLOUT) != 0) FlushOutput();
+    if ((wait.revents & POLLIN) != 0) ReadPiece();
+    if ((wait.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
+      // What came before the end is delivered first.
+      ReadAll();
+      lineGone_ = true;
+    }
+  }
+  return InputWait::Input;
+}
+
+int PosixSerialControl::CommEvent() {
+  if (!port_.Valid()) return event_;
+  if (const int error = NewlyCountedError(); error != kCommEventNone) event_ = error;
+  termios attributes{};
+  if (tcgetattr(port_.Get(), &attributes) != 0) event_ = kCommEventDeviceControlBlock;
+  return event_;
+}
+
+// Marks do not tell a parity from a framing error. Where the driver counts them, its counters do.
+void PosixSerialControl::NoteMark(MarkedInput::Mark mark) {
+  if (mark == MarkedInput::Mark::None) return;
+  if (const int error = NewlyCountedError(); error != kCommEventNone) {
+    ReportError(error);
+  } else if (!driverCountsErrors_) {
+    const int damage = hasParity_ ? kCommEventParity : kCommEventFraming;
+    ReportError(mark == MarkedInput::Mark::Break ? kCommEventBreak : damage);
+  }
+}
+
+// The error whose counter has moved since the last call. Of several, the one that explains the others: a
+// break also looks like damaged characters.
+int PosixSerialControl::NewlyCountedError() {
+  const std::optional<LineErrorCounts> now = counters_->Read(port_.Get());
+  if (!now) return kCommEventNone;
+  const LineErrorCounts before = std::exchange(counted_, now).value_or(*now);
+  int error = kCommEventNone;
+  if (now->buf_overrun != before.buf_overrun) error = kCommEventReceiveOverflow;
+  if (now->overrun != before.overrun) error = kCommEventOverrun;
+  if (now->frame != before.frame) error = kCommEventFraming;
+  if (now->parity != before.parity) error = kCommEventParity;
+  if (now->brk != before.brk) error = kCommEventBreak;
+  if (error != kCommEventNone) driverCountsErrors_ = true;
+  return error;
+}
+
+void PosixSerialControl::ReportError(int event) {
+  event_ = event;
+  if (OnComm) OnComm();
+}
+
+}  // namespace kalivor::platform

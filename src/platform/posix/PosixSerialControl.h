@@ -1,0 +1,88 @@
+// A serial port through the terminal driver.
+#pragma once
+
+#include <QByteArray>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "platform/SerialControl.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/LineErrorCounters.h"
+#include "platform/posix/LineSettings.h"
+#include "platform/posix/MarkedInput.h"
+
+namespace kalivor::platform {
+
+/// Exclusive use is claimed twice: from programs that lock the device file, and from all others of users
+/// without privileges. Pseudo-terminals are accepted as ports; as they know neither parity nor data bits nor
+/// modem lines, those are not insisted on there.
+///
+/// Single-threaded. OnComm must neither open nor close the port. Every operation on a closed port does
+/// nothing and fails, or reports an empty buffer.
+class PosixSerialControl final : public SerialControl {
+ public:
+  /// The device path of a port number, "" when there is none.
+  using DeviceResolver = std::function<QString(int number)>;
+
+  explicit PosixSerialControl(DeviceResolver resolver, std::unique_ptr<LineErrorCounters> counters =
+                                                           std::make_unique<DriverLineErrorCounters>());
+  ~PosixSerialControl() override;
+  PosixSerialControl(const PosixSerialControl&) = delete;
+  PosixSerialControl& operator=(const PosixSerialControl&) = delete;
+
+  /// Characters that wait because the driver takes no more; Output() refuses what would exceed it, and
+  /// reports kCommEventTransmitFull.
+  static constexpr qsizetype kOutputLimit_bytes = 65536;
+
+  /// Characters kept for Input(); more are left to the driver, which reports an overflow of its own buffer.
+  static constexpr qsizetype kInputLimit_bytes = 65536;
+
+  /// Closes the port first when it is open.
+  [[nodiscard]] bool Open(int number, const QString& settings) override;
+  void Close() override;
+  [[nodiscard]] bool IsOpen() const override { return port_.Valid(); }
+
+  bool SetRts(bool raised) override;
+  bool ClearInBuffer() override;
+  bool ClearOutBuffer() override;
+
+  /// kCommEventSendDone is reported when the driver has taken the last character of what Output() queued: at
+  /// once, or during a later wait. The threshold outlasts Close().
+  void SetSThreshold(int characters) override;
+  void Output(const QByteArray& characters) override;
+  [[nodiscard]] int InBufferCount() override;
+  [[nodiscard]] QByteArray Input() override;
+
+  /// Sends what is queued meanwhile.
+  [[nodiscard]] InputWait WaitForInput(double seconds) override;
+  [[nodiscard]] int CommEvent() override;
+
+ private:
+  bool Configure(const LineSettings& settings, const termios& present);
+  void LowerLatency() const;
+  void FlushOutput();
+  void ReportSendDone();
+  bool ReadPiece();
+  void ReadAll();
+  void NoteMark(MarkedInput::Mark mark);
+  [[nodiscard]] int NewlyCountedError();
+  void ReportError(int event);
+
+  DeviceResolver resolver_;
+  std::unique_ptr<LineErrorCounters> counters_;
+  Descriptor port_;
+  bool isPseudoTerminal_ = false;
+  bool hasParity_ = false;
+  bool lineGone_ = false;
+  int event_ = kCommEventNone;
+  int threshold_ = 0;
+  bool sendDoneDue_ = false;         // something was queued since the last kCommEventSendDone
+  bool driverCountsErrors_ = false;  // a counter has moved since Open()
+  std::optional<LineErrorCounts> counted_;
+  QByteArray output_;  // queued, not yet taken by the driver
+  QByteArray input_;   // received, not yet taken by Input()
+  MarkedInput marks_;
+};
+
+}  // namespace kalivor::platform

@@ -1,0 +1,121 @@
+// The computer's clock.
+#include "platform/posix/SystemClock.h"
+
+#include <sys/prctl.h>
+
+#include <gtest/gtest.h>
+#include <QByteArray>
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+
+#include "platform/posix/MonotonicTime.h"
+#include "unit/posix/RepeatedSignal.h"
+
+namespace kalivor::platform {
+namespace {
+
+class TimeZone {
+ public:
+  explicit TimeZone(const char* name) : before_(qgetenv("TZ")) {
+    setenv("TZ", name, 1);
+    tzset();
+  }
+  ~TimeZone() {
+    if (before_.isNull()) {
+      unsetenv("TZ");
+    } else {
+      setenv("TZ", before_.constData(), 1);
+    }
+    tzset();
+  }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+
+ private:
+  QByteArray before_;
+};
+
+double SecondsSinceUtcMidnight() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return static_cast<double>(now.tv_sec % 86400) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+void ExpectOffset(const char* zone, int offset_s) {
+  const TimeZone set(zone);
+  const SystemClock clock;
+  const double before = SecondsSinceUtcMidnight();
+  const double local = clock.SecondsSinceMidnight();
+  const double after = SecondsSinceUtcMidnight();
+  EXPECT_GE(local, 0);
+  EXPECT_LT(local, 86400);
+  const auto since = [&](double start) { return std::fmod(local - start - offset_s + 3 * 86400.0, 86400.0); };
+  // The reading lies between the two others, all taken around the same day.
+  EXPECT_LE(since(before), std::fmod(after - before + 86400.0, 86400.0) + 1e-6) << zone;
+}
+
+TEST(SystemClock, TellsLocalTimeOfDay) {
+  ExpectOffset("UTC0", 0);
+  ExpectOffset("TST-5:30", 5 * 3600 + 1800);
+  ExpectOffset("TST11", -11 * 3600);
+}
+
+TEST(SystemClock, ResolvesMicroseconds) {
+  const SystemClock clock;
+  // Whole multiples of 10 µs could only come from a coarser clock, not a hundred times in a row.
+  int finer = 0;
+  for (int i = 0; i < 100; ++i) {
+    const double steps = clock.SecondsSinceMidnight() * 1e5;
+    if (std::abs(steps - std::round(steps)) > 1e-3) ++finer;
+  }
+  EXPECT_GT(finer, 0);
+}
+
+TEST(SystemClock, SleepsAtLeastAsLongAsAsked) {
+  SystemClock clock;
+  for (const double seconds : {0.0001, 0.002, 0.02}) {
+    const auto start = MonotonicNow_ns();
+    clock.Sleep(seconds);
+    EXPECT_GE(MonotonicNow_ns() - start, NanosecondsOf(seconds));
+  }
+}
+
+TEST(SystemClock, SignalsDoNotCutASleepShort) {
+  SystemClock clock;
+  const test::RepeatedSignal signal(5);
+  const auto start = MonotonicNow_ns();
+  clock.Sleep(0.06);
+  EXPECT_GE(MonotonicNow_ns() - start, 60'000'000);
+  EXPECT_GT(signal.Count(), 1);
+}
+
+// Would never return if these were taken for long times.
+TEST(SystemClock, DoesNotSleepForNothing) {
+  SystemClock clock;
+  clock.Sleep(0);
+  clock.Sleep(-1);
+  clock.Sleep(std::numeric_limits<double>::quiet_NaN());
+  clock.Sleep(-std::numeric_limits<double>::infinity());
+}
+
+TEST(SystemClock, LowersTheTimerSlack) {
+  ASSERT_EQ(prctl(PR_SET_TIMERSLACK, 50000UL, 0UL, 0UL, 0UL), 0);
+  const SystemClock clock;
+  EXPECT_EQ(prctl(PR_GET_TIMERSLACK, 0UL, 0UL, 0UL, 0UL), 1);
+}
+
+TEST(MonotonicTime, RoundsUpAndBoundsDurations) {
+  EXPECT_EQ(NanosecondsOf(0), 0);
+  EXPECT_EQ(NanosecondsOf(-1), 0);
+  EXPECT_EQ(NanosecondsOf(std::numeric_limits<double>::quiet_NaN()), 0);
+  EXPECT_EQ(NanosecondsOf(1.5), 1'500'000'000);
+  EXPECT_EQ(NanosecondsOf(1e-12), 1);
+  EXPECT_EQ(NanosecondsOf(std::numeric_limits<double>::infinity()), 365LL * 86400 * kNanosecondsPerSecond);
+  EXPECT_EQ(ToTimespec(2'000'000'007).tv_sec, 2);
+  EXPECT_EQ(ToTimespec(2'000'000'007).tv_nsec, 7);
+}
+
+}  // namespace
+}  // namespace kalivor::platform

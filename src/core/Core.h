@@ -1,0 +1,27 @@
+// What every operation of the core works with.
+#pragma once
+
+#include "base/Forms.h"
+#include "base/Module1.h"
+#include "comm/COM_A.h"
+#include "platform/Events.h"
+#include "platform/FileSystem.h"
+#include "platform/MessageBox.h"
+
+namespace kalivor {
+
+/// State and collaborators, wired together once by the program (or a test) and handed to the operations.
+/// Owns nothing; everything must outlive it.
+struct Core {
+  Module1& module;
+  MainForm& main;
+  ReportForm& report;
+  ChoiceForm& choice;
+  EditorForms& editors;
+  platform::MessageBox& box;
+  platform::FileSystem& files;
+  platform::Events& events;
+  COM_A& controller;
+};
+
+}  // namespace kalivor

@@ -1,0 +1,265 @@
+#include "core/DefinitionFiles.h"
+
+#include <QHash>
+#include <algorithm>
+
+#include "base/Numbers.h"
+#include "base/Paths.h"
+#include "base/su.h"
+#include "core/TextFile.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+constexpr QStringView kNoList = u"-";
+constexpr qsizetype kLongestUnwrappedName = 20;
+
+// Where the column that begins at `start` ends: before two blanks or at the end of the line.
+qsizetype ColumnEnd(QStringView line, qsizetype start) {
+  const qsizetype end = line.indexOf(u"  ", start);
+  return end < 0 ? line.size() : end;
+}
+
+// Where the column after the one that ends at `end` begins.
+qsizetype NextColumn(QStringView line, qsizetype end) {
+  while (end < line.size() && line.at(end) == u' ')
+    ++end;
+  return end;
+}
+
+qsizetype ColumnStart(QStringView line, int n) {
+  qsizetype start = 0;
+  for (int column = 0; column < n; ++column)
+    start = NextColumn(line, ColumnEnd(line, start));
+  return start;
+}
+
+// Takes the columns of a line one after the other.
+class Columns {
+ public:
+  explicit Columns(QStringView line) : line_(line) {}
+
+  QStringView Next() {
+    const qsizetype end = ColumnEnd(line_, start_);
+    const QStringView column = line_.sliced(start_, end - start_);
+    start_ = NextColumn(line_, end);
+    return column;
+  }
+
+  QStringView Rest() const { return line_.sliced(start_); }
+
+ private:
+  QStringView line_;
+  qsizetype start_ = 0;
+};
+
+QString TextUnlessDash(QStringView text) {
+  return text == u"-" ? QString() : text.toString();
+}
+
+// The byte offset that an index in square brackets at the end of a variable expression stands for.
+qint16 OffsetOf(QStringView expression, const FixedText<8>& type) {
+  if (!expression.endsWith(u']')) return 0;
+  const qsizetype bracket = expression.lastIndexOf(u'[');
+  if (bracket < 0) return 0;
+  const qint16 index = LeadingInt16(expression.sliced(bracket + 1).chopped(1));
+  const int size = type == u"long"_s ? 4 : type == u"int"_s ? 2 : type == u"char"_s ? 1 : 0;
+  return ToInt16(qint64{index} * size);
+}
+
+// The parameters 1..ParCount, the free slot behind the last included, as far as the table reaches.
+int LastTouchedSlot(const Module1& module) {
+  return std::min<int>(module.ParCount, kLastParameter);
+}
+
+const VersionRecord& SelectedVersion(Core& core) {
+  return core.module.VersionRow(core.main.ComboVN().Position() + 1);
+}
+
+bool IsAddress(QStringView text) {
+  return text.size() == 4 || text.size() == 8;
+}
+
+void GiveAddress(ParameterRecord& record, const QString& value) {
+  record.VarAdresse = record.Offset == 0 ? value : AddOffset(value, record.Offset);
+}
+
+// The items of a definition file; a failure names the path, as it may show in the box of another file.
+std::vector<TextItem> ReadDefinitionItems(platform::FileSystem& files, const QString& path) {
+  try {
+    return ReadItems(files, path);
+  } catch (const RuntimeError& error) {
+    throw RuntimeError(error.GetKind(), error.Description() + u": "_s + path);
+  }
+}
+
+// Which slots bear which variable name, in table order, so that a long list needs no search per line.
+class AddressBook {
+ public:
+  explicit AddressBook(Module1& module) : module_(module) {
+    // Built from the end, as a QMultiHash returns the values of a key last in, first out.
+    for (int i = LastTouchedSlot(module); i >= 1; --i)
+      slots_.insert(module.Par[i].Variable, i);
+  }
+
+  void SetAddress(QStringView value, QStringView name) {
+    const auto [first, last] = slots_.equal_range(name.toString());
+    for (auto slot = first; slot != last; ++slot)
+      GiveAddress(module_.Par[*slot], value.toString());
+  }
+
+ private:
+  Module1& module_;
+  QMultiHash<QString, int> slots_;
+};
+
+void ReadAddressLines(const std::vector<TextItem>& items, AddressBook& book) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    Columns columns(items[i].text);
+    const QStringView name = columns.Next();
+    const QStringView address = columns.Next();
+    if (IsAddress(address)) {
+      book.SetAddress(address, name);
+    } else if (name.size() > kLongestUnwrappedName && address.isEmpty()) {
+      // A wrapped entry: its address stands first in the next line, which is then examined for itself too.
+      if (i + 1 == items.size()) {
+        throw RuntimeError(
+            RuntimeError::Kind::FileError,
+            u"Die Datei endet nach einem umgebrochenen Namen (Zeile %1)."_s.arg(items[i].line));
+      }
+      const QStringView wrapped = Columns(items[i + 1].text).Next();
+      if (IsAddress(wrapped)) book.SetAddress(wrapped, name);
+    }
+  }
+}
+
+}  // namespace
+
+QString GetField(QStringView line, int n) {
+  const qsizetype start = ColumnStart(line, n);
+  return line.sliced(start, ColumnEnd(line, start) - start).toString();
+}
+
+QString GetRest(QStringView line, int n) {
+  return line.sliced(ColumnStart(line, n)).toString();
+}
+
+QString AddOffset(const QString& hex, qint32 offset) {
+  return su::HexPad(su::HexToNumber(hex) + offset, static_cast<int>(hex.size()));
+}
+
+ParameterRecord ParseDefinition(QStringView line, bool hasAddressList) {
+  Columns columns(line);
+  ParameterRecord record;
+  record.Rubrik = columns.Next().toString();
+  record.Name = columns.Next().toString();
+  record.Min = LeadingInt32(columns.Next());
+  record.Max = LeadingInt32(columns.Next());
+  const QStringView standard = columns.Next();
+  record.Einheit = TextUnlessDash(columns.Next());
+  record.Zahl1 = LeadingInt16(columns.Next());
+  record.Zahl2 = LeadingInt16(columns.Next());
+  record.Typ = columns.Next().toString();
+  if (record.Typ.StartsWith(u"str")) {
+    record.StandardText = standard.toString();
+  } else {
+    record.Standard = LeadingInt32(standard);
+  }
+  const QStringView expression = columns.Next();
+  if (hasAddressList) {
+    record.Offset = OffsetOf(expression, record.Typ);
+  } else {
+    record.VarAdresse = expression.toString();
+  }
+  record.Variable = columns.Next().toString();
+  record.Zusatz = columns.Next().toString();
+  record.Hilfetext = TextUnlessDash(columns.Rest());
+  return record;
+}
+
+VersionRecord ParseVersion(QStringView line) {
+  Columns columns(line);
+  VersionRecord record;
+  record.Version = columns.Next().toString();
+  record.AdrDatei = columns.Next().toString();
+  record.DefDatei = columns.Next().toString();
+  record.Anlagen = u' ' + columns.Next().toString();
+  record.Kennung = columns.Next().toString();
+  return record;
+}
+
+QString VersionTablePath(const Module1& module) {
+  return WithSeparator(module.Inipath) + module.Inifile;
+}
+
+QString DefinitionPath(const Module1& module, const QString& fileName) {
+  return module.Inipath + SeparatorFor(module.Inipath) + fileName;
+}
+
+bool ReadVersionTable(Core& core) {
+  Module1& module = core.module;
+  module.VersionCount = 1;
+  module.Inipath = WithSeparator(module.Inipath);
+  const QString path = VersionTablePath(module);
+  try {
+    const std::vector<TextItem> items = ReadItems(core.files, path);
+    module.Versionen.assign(items.size() + 2, VersionRecord());
+    for (const TextItem& item : items) {
+      VersionRecord& row = module.Versionen[static_cast<std::size_t>(module.VersionCount)];
+      row = ParseVersion(item.text);
+      core.main.ComboVN().Add(row.Version);
+      module.VersionCount = ToInt16(module.VersionCount + 1);
+    }
+    core.main.ComboVN().Select(0);
+  } catch (const RuntimeError& error) {
+    core.box.Show(u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() +
+                  u"\r\nUeberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s);
+  }
+  return false;
+}
+
+void ReadDefinitions(Core& core) {
+  Module1& module = core.module;
+  module.ParCount = 1;
+  module.Par[0].Variable.clear();
+  module.Par[0].VarAdresse.clear();
+  const VersionRecord version = SelectedVersion(core);
+  const bool hasAddressList = version.AdrDatei != kNoList;
+  for (const TextItem& item : ReadDefinitionItems(core.files, DefinitionPath(module, version.DefDatei))) {
+    ParameterRecord record = ParseDefinition(item.text, hasAddressList);
+    // Values survive a re-read of the same version: they are those of the slot, also for element 0.
+    if (module.ParCount <= kLastParameter) {
+      record.Wert = module.Par[module.ParCount].Wert;
+      record.WertText = module.Par[module.ParCount].WertText;
+    }
+    if (record.Rubrik == u"NoRubrik") {
+      module.Par[0] = std::move(record);
+    } else {
+      module.Par[module.ParCount] = std::move(record);
+      module.ParCount = ToInt16(module.ParCount + 1);
+    }
+  }
+}
+
+void ReadAddressList(Core& core) {
+  const VersionRecord version = SelectedVersion(core);
+  if (version.AdrDatei == kNoList) return;
+  const QString path = DefinitionPath(core.module, version.AdrDatei);
+  try {
+    const std::vector<TextItem> items = ReadItems(core.files, path);
+    AddressBook book(core.module);
+    ReadAddressLines(items, book);
+  } catch (const RuntimeError& error) {
+    core.box.Show(u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() + u"\r\n"_s);
+  }
+}
+
+void SetAddress(Module1& module, const QString& value, const QString& name) {
+  for (int i = 1; i <= LastTouchedSlot(module); ++i) {
+    if (module.Par[i].Variable == name) GiveAddress(module.Par[i], value);
+  }
+}
+
+}  // namespace kalivor

@@ -1,0 +1,25 @@
+// The items of a text file: one line is one item, unless commas or quotes cut it.
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "core/Core.h"
+
+namespace kalivor {
+
+/// An item and where it stands.
+struct TextItem {
+  QString text;
+  int line = 0;  ///< line of the file, counted from 1
+};
+
+/// Reads a definition text. The first line is a heading and dropped; blank lines are skipped. Leading blanks
+/// of an item are dropped, a comma ends it and the rest of the line is the next one; an item that begins with
+/// a double quote runs to the closing quote. Lines end with LF or CR LF. The bytes are windows-1252, or UTF-8
+/// after a byte order mark.
+/// Throws RuntimeError (FileError) when the file cannot be read, has no heading, or is no text; its
+/// description does not name the path.
+[[nodiscard]] std::vector<TextItem> ReadItems(platform::FileSystem& files, const QString& path);
+
+}  // namespace kalivor

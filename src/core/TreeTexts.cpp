@@ -1,0 +1,111 @@
+#include "core/TreeTexts.h"
+
+#include "base/Numbers.h"
+#include "base/su.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+// Column headings; "Wert" stands above the last digits of the values.
+constexpr QStringView kRootText =
+    u"Anlage                                                         "
+    u"Wert          Min.       Max.       Standard";
+
+QString Scaled(const ParameterRecord& record, qint32 value) {
+  return su::ScaledNumber(value, record.Zahl2, record.Zahl1, 6, 2, u" ");
+}
+
+QString NameColumn(const ParameterRecord& record) {
+  return su::Align(record.Name, 50, u"L", u".");
+}
+
+// Marks the tree as being changed by the program and hides it for as long as it lives.
+class TreeChange {
+ public:
+  explicit TreeChange(Core& core) : core_(core) {
+    core_.module.TreeUpdating = kTrue;
+    core_.main.Tree().SetVisible(false);
+  }
+  ~TreeChange() {
+    core_.main.Tree().SetVisible(true);
+    core_.module.TreeUpdating = kFalse;
+  }
+  TreeChange(const TreeChange&) = delete;
+  TreeChange& operator=(const TreeChange&) = delete;
+
+ private:
+  Core& core_;
+};
+
+}  // namespace
+
+bool ShowParam(QStringView selectedPlantType, QStringView plantTypes) {
+  return plantTypes.contains(selectedPlantType);
+}
+
+bool ShowParam(Core& core, const ParameterRecord& record) {
+  return ShowParam(core.main.ComboArt().SelectedText(), record.Zusatz);
+}
+
+bool IsStringForTree(const ParameterRecord& record) {
+  return record.Typ.StartsWith(u"string");
+}
+
+QString ParamTextShort(const ParameterRecord& record) {
+  if (IsStringForTree(record)) return NameColumn(record) + u' ' + record.WertText;
+  return NameColumn(record) + Scaled(record, record.Wert) + record.Einheit.Padded();
+}
+
+QString ParamText(const ParameterRecord& record) {
+  if (IsStringForTree(record)) return ParamTextShort(record);
+  return ParamTextShort(record) + u'|' + Scaled(record, record.Min) + u'|' + Scaled(record, record.Max) +
+         u'|' + Scaled(record, record.Standard);
+}
+
+QString GroupText(const QString& group) {
+  return su::Align(group, 63, u"L", u" ") + u"|      |      |"_s;
+}
+
+QString RootKey() {
+  return u"R"_s;
+}
+QString GroupKey(int group) {
+  return u"K"_s + BlankNumber(group);
+}
+QString ParameterKey(int index) {
+  return u"sK"_s + BlankNumber(index);
+}
+
+void BuildTree(Core& core) {
+  Module1& module = core.module;
+  platform::TreeView& tree = core.main.Tree();
+  const TreeChange change(core);
+  const QString plantType = core.main.ComboArt().SelectedText();
+
+  tree.Clear();
+  const int root = tree.Add(0, RootKey(), kRootText.toString());
+  tree.SetExpanded(root, true);
+  tree.SetChecked(root, module.ParNode[0] != kFalse);
+
+  QString lastGroup;
+  int group = 0;
+  int parent = root;
+  for (int i = 1; i < module.ParCount; ++i) {
+    const ParameterRecord& record = module.Par[i];
+    if (!ShowParam(plantType, record.Zusatz)) continue;
+    const bool checked = module.ParNode[i] != kFalse;
+    if (record.Rubrik != lastGroup) {
+      lastGroup = record.Rubrik;
+      ++group;
+      parent = tree.Add(root, GroupKey(group), GroupText(record.Rubrik));
+      tree.SetExpanded(parent, module.NodeState[group] != kFalse);
+      tree.SetChecked(parent, checked);
+    }
+    const int node = tree.Add(parent, ParameterKey(i), ParamText(record));
+    tree.SetChecked(node, checked);
+  }
+}
+
+}  // namespace kalivor

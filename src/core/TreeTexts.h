@@ -1,0 +1,35 @@
+// The parameter tree: node keys, node texts, and building it.
+#pragma once
+
+#include <QString>
+
+#include "core/Core.h"
+
+namespace kalivor {
+
+/// True when the selected plant type occurs in `plantTypes` (a record's Zusatz). An empty one matches all.
+[[nodiscard]] bool ShowParam(QStringView selectedPlantType, QStringView plantTypes);
+[[nodiscard]] bool ShowParam(Core& core, const ParameterRecord& record);
+
+/// The parameter line: name, value, unit, minimum, maximum, standard in columns.
+/// Throws RuntimeError (Overflow) when Zahl1 + Zahl2 is above 9; the short line does as well.
+[[nodiscard]] QString ParamText(const ParameterRecord& record);
+
+/// The same without minimum, maximum and standard, for printing.
+[[nodiscard]] QString ParamTextShort(const ParameterRecord& record);
+
+/// The text of a group node.
+[[nodiscard]] QString GroupText(const QString& group);
+
+/// True when the tree and the editors treat the record as a text.
+[[nodiscard]] bool IsStringForTree(const ParameterRecord& record);
+
+/// Node keys: root "R", group "K 3", parameter "sK 17".
+[[nodiscard]] QString RootKey();
+[[nodiscard]] QString GroupKey(int group);
+[[nodiscard]] QString ParameterKey(int index);
+
+/// Rebuilds the main window's tree from Par. The tree is visible afterwards, also after an error.
+void BuildTree(Core& core);
+
+}  // namespace kalivor

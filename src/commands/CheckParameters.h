@@ -1,0 +1,44 @@
+// Checking the lines of a definition file.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "commands/CheckText.h"
+
+namespace kalivor {
+
+/// What is known about a parameter after its line was checked.
+struct CheckedParameter {
+  int line = 0;
+  QString name;
+  QString variable;
+  QString address;           ///< column 9 as it stands, in versions without an address list
+  int offset = 0;            ///< to be added to a listed address, in bytes
+  int size = 0;              ///< bytes of controller memory; 0 when the type is unknown
+  bool isChar = false;       ///< may lie at an odd address
+  bool isPlantType = false;  ///< the "NoRubrik" record
+  qint32 lowest = 0;         ///< of limits and standard
+  qint32 highest = 0;
+};
+
+/// A plant name in the column Zusatz, and the line where it stands first.
+struct UsedPlant {
+  QString name;
+  int line = 0;
+};
+
+struct CheckedDefinitions {
+  std::vector<CheckedParameter> parameters;  ///< those whose line has enough columns
+  std::vector<UsedPlant> plants;             ///< each name once
+  QStringList plantColumns;                  ///< each content of the column Zusatz once
+  bool complete = true;                      ///< no line was left out
+};
+
+/// Checks every line of the definition file `file`; `hasAddressList` decides what column 9 means. Addresses
+/// are not looked at.
+[[nodiscard]] CheckedDefinitions CheckParameters(const CheckedText& text, const QString& file,
+                                                 bool hasAddressList, Findings& findings);
+
+}  // namespace kalivor

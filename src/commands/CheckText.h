@@ -1,0 +1,28 @@
+// Reading a definition text for its check: the items, and what disturbs them.
+#pragma once
+
+#include <QSet>
+#include <QString>
+#include <vector>
+
+#include "commands/CheckFindings.h"
+#include "core/TextFile.h"
+
+namespace kalivor {
+
+/// A definition text as the program sees it.
+struct CheckedText {
+  QString heading;              ///< the first line, which the program drops
+  std::vector<TextItem> items;  ///< without those of lines that commas or quotes have torn apart
+  bool torn = false;            ///< there were such lines
+};
+
+/// Reads the text at `path` and reports, under the name `file`, what disturbs its lines: commas, quotes,
+/// tabs, a wrong encoding. Throws RuntimeError (FileError) like ReadItems().
+[[nodiscard]] CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path,
+                                          const QString& file, Findings& findings);
+
+/// How many columns `line` has, counted up to `most`. Blanks at its end do not begin a column.
+[[nodiscard]] int ColumnCount(QStringView line, int most);
+
+}  // namespace kalivor

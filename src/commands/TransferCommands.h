@@ -1,0 +1,32 @@
+// The four transfer buttons.
+#pragma once
+
+#include "core/Engines.h"
+
+namespace kalivor {
+
+/// How a transfer command ended; the report holds the lines for the user.
+struct TransferOutcome {
+  bool transferred = false;  ///< the engine ran to its end
+  WalkResult walk;           ///< failures and deviations, those of the plant type included
+};
+
+/// Receive and compare follow the controller: its plant type is taken over; receive also switches to its
+/// version, compare refuses another one. Send asks the user where the two sides differ.
+/// All return at once while another operation is under way. A RuntimeError inside adds the line of an abort
+/// and passes on.
+TransferOutcome CommandEmpfangen_Click(Core& core);
+TransferOutcome CommandVergleichen_Click(Core& core);
+TransferOutcome CommandSenden_Click(Core& core);
+
+/// Sets all parameters of the table to their standard values, checked or not. No controller traffic.
+void CommandStandard_Click(Core& core);
+
+/// True when the controller's version is the selected one. Otherwise the user may take over the controller's
+/// version and values; the send does not go on in either case.
+[[nodiscard]] bool VersionVergleichen(Core& core, TransferOutcome& outcome);
+
+/// True when the plant types agree or the user decided for the PC's, which is then written.
+[[nodiscard]] bool AnlagenVergleichen(Core& core, TransferOutcome& outcome);
+
+}  // namespace kalivor

@@ -1,0 +1,162 @@
+// Options of the command line and their complaints.
+#include "sim/Arguments.h"
+
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::sim {
+namespace {
+
+// A number in decimal within its limits.
+std::optional<qint64> NumberWithin(const QString& text, qint64 lowest, qint64 highest) {
+  bool valid = false;
+  const qint64 number = text.toLongLong(&valid);
+  if (!valid || number < lowest || number > highest) return {};
+  return number;
+}
+
+// Each of the following takes one option's value and returns "" or what is wrong with it.
+
+QString TakeAddress(Arguments& arguments, const QString& value) {
+  const std::optional<qint64> number = NumberWithin(value, 0, 255);
+  if (!number) return u"keine Adresse von 0 bis 255: "_s + value;
+  arguments.address = static_cast<int>(*number);
+  return {};
+}
+
+QString TakeRate(Arguments& arguments, const QString& value) {
+  if (value != u"9600" && value != u"19200") return u"erwartet 9600 oder 19200 statt "_s + value;
+  arguments.line.rate = value.toInt();
+  return {};
+}
+
+QString TakePlant(Arguments& arguments, const QString& value) {
+  const std::optional<qint64> number = NumberWithin(value, -32768, 32767);
+  if (!number) return u"keine Zahl von -32768 bis 32767: "_s + value;
+  arguments.plant = static_cast<qint16>(*number);
+  arguments.plantGiven = true;
+  return {};
+}
+
+QString TakeSeed(Arguments& arguments, const QString& value) {
+  const std::optional<qint64> number = NumberWithin(value, 0, 4294967295);
+  if (!number) return u"keine Zahl von 0 bis 4294967295: "_s + value;
+  arguments.seed = static_cast<quint32>(*number);
+  return {};
+}
+
+QString TakeFault(Arguments& arguments, const QString& value) {
+  const std::optional<FaultRule> rule = ParseFault(value);
+  if (!rule) return u"keine Störung der Form ART[:RATE[:ANZAHL]]: "_s + value;
+  arguments.faults.push_back(*rule);
+  return {};
+}
+
+template <QString Arguments::*Member>
+QString TakeText(Arguments& arguments, const QString& value) {
+  if (value.isEmpty()) return u"darf nicht leer sein"_s;
+  arguments.*Member = value;
+  return {};
+}
+
+struct ValueOption {
+  QStringView name;
+  QString (*take)(Arguments& arguments, const QString& value) = nullptr;
+};
+
+constexpr ValueOption kValueOptions[] = {
+    {u"--ini-path", TakeText<&Arguments::iniPath>},
+    {u"--ini-file", TakeText<&Arguments::iniFile>},
+    {u"--controller", TakeText<&Arguments::controller>},
+    {u"--link", TakeText<&Arguments::link>},
+    {u"--values", TakeText<&Arguments::values>},
+    {u"--dump", TakeText<&Arguments::dump>},
+    {u"--address", TakeAddress},
+    {u"--rate", TakeRate},
+    {u"--plant", TakePlant},
+    {u"--seed", TakeSeed},
+    {u"--fault", TakeFault},
+};
+
+// The switch of a name; nullptr when there is none.
+bool* SwitchOf(Arguments& arguments, QStringView name) {
+  if (name == u"--paced") return &arguments.line.paced;
+  if (name == u"--echo") return &arguments.line.echo;
+  if (name == u"--trace") return &arguments.trace;
+  if (name == u"--help") return &arguments.help;
+  if (name == u"--program-version") return &arguments.programVersion;
+  return nullptr;
+}
+
+// Takes the option at `at` and leaves `at` on its last word. Returns "" or the fault in German.
+QString TakeOption(Arguments& arguments, const QStringList& list, qsizetype& at, QSet<QString>& seen) {
+  const QString& word = list.at(at);
+  if (!word.startsWith(u"--")) return u"Überzähliges Argument: "_s + word;
+  const qsizetype equals = word.indexOf(u'=');
+  const QString name = word.left(equals);
+  if (name != u"--fault" && seen.contains(name)) return u"Option "_s + name + u": mehrfach angegeben."_s;
+  seen.insert(name);
+
+  if (bool* option = SwitchOf(arguments, name)) {
+    if (equals >= 0) return u"Option "_s + name + u" nimmt keinen Wert."_s;
+    *option = true;
+    return {};
+  }
+  for (const ValueOption& option : kValueOptions) {
+    if (option.name != name) continue;
+    if (equals < 0 && (at + 1 == list.size() || list.at(at + 1).startsWith(u"--"))) {
+      return u"Option "_s + name + u": Wert fehlt."_s;
+    }
+    const QString value = equals >= 0 ? word.mid(equals + 1) : list.at(++at);
+    const QString complaint = option.take(arguments, value);
+    return complaint.isEmpty() ? QString() : u"Option "_s + name + u": "_s + complaint + u'.';
+  }
+  return u"Unbekannte Option: "_s + name;
+}
+
+}  // namespace
+
+Arguments ParseArguments(const QStringList& list) {
+  Arguments arguments;
+  QSet<QString> seen;
+  for (qsizetype at = 0; at < list.size(); ++at) {
+    arguments.error = TakeOption(arguments, list, at, seen);
+    if (!arguments.error.isEmpty()) return arguments;
+  }
+  if (arguments.iniPath.isEmpty() && !arguments.help && !arguments.programVersion) {
+    arguments.error = u"Es fehlt die Option --ini-path."_s;
+  }
+  return arguments;
+}
+
+QString HelpText() {
+  return uR"(Aufruf: kalivor-sim --ini-path ORDNER [OPTIONEN]
+
+Ein simulierter Regler an einem Pseudo-Terminal. Die erste Ausgabezeile nennt das
+Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das Programm.
+
+  --ini-path ORDNER      Ordner der Versionstabelle und der Definitionen
+  --ini-file NAME        Dateiname der Versionstabelle (sonst VF.INI)
+  --controller TEXT      Reglerversion, genau wie in der Tabelle (sonst die erste)
+  --link PFAD            symbolischer Link, der auf das Gerät zeigt
+  --address N            Stationsadresse 0 bis 255 (sonst 1)
+  --rate 9600|19200      die einzige Baudrate, die der Regler versteht (sonst jede)
+  --paced                Zeichen brauchen so lange wie auf einer echten Leitung
+  --echo                 jede Anfrage kommt vor der Antwort zurück (Zweidraht-Adapter)
+  --plant N              Anlagennummer im Speicher (sonst 0)
+  --values DATEI.qpf     Anfangswerte aus einer Wertedatei statt der Standardwerte
+  --dump DATEI           schreibt beim Beenden den Speicher: Adresse, TAB, Wort
+  --fault ART[:RATE[:ANZAHL]]
+                         stört Antworten, mehrfach möglich; RATE 0 bis 1 je Anfrage
+                         (sonst 1), höchstens ANZAHL mal. ART: silent, late:MS,
+                         lost-byte, doubled-byte, flipped-bit, bad-checksum, split,
+                         noise, error-NN, wrong-length, echo-only, unplug,
+                         foreign-reply
+  --seed N               Startwert für die Störungen: gleicher Wert, gleicher Ablauf
+  --trace                jedes Telegramm mit Zeit auf der Fehlerausgabe
+  --help                 diese Hilfe
+  --program-version      Name und Version des Programms)"_s;
+}
+
+}  // namespace kalivor::sim

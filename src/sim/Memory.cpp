@@ -1,0 +1,116 @@
+// How parameter values lie in words and bytes.
+#include "sim/Memory.h"
+
+#include "base/Windows1252.h"
+#include "base/su.h"
+#include "core/ControllerValue.h"
+#include "sim/Telegram.h"
+
+namespace kalivor::sim {
+namespace {
+
+constexpr int kNameInOldFiles = 20;
+
+// Telegrams carry the last four digits of an address.
+quint16 AddressOf(const ParameterRecord& record) {
+  return static_cast<quint16>(su::HexToNumber(record.VarAdresse.right(4)));
+}
+
+bool IsNamed(const ParameterRecord& record, const QString& name, bool oldFile) {
+  if (record.Variable == name) return true;
+  return oldFile && record.Variable.size() > kNameInOldFiles && record.Variable.left(kNameInOldFiles) == name;
+}
+
+}  // namespace
+
+quint16 Memory::Word(quint16 address) const {
+  const std::size_t high = address & 0xFFFEU;
+  return static_cast<quint16>(bytes_[high] << 8 | bytes_[high + 1]);
+}
+
+void Memory::SetWord(quint16 address, quint16 value) {
+  const auto high = static_cast<quint16>(address & 0xFFFEU);
+  SetByte(high, static_cast<quint8>(value >> 8));
+  SetByte(static_cast<quint16>(high + 1), static_cast<quint8>(value & 0xFF));
+}
+
+void Memory::SetByte(quint16 address, quint8 value) {
+  bytes_[address] = value;
+  stored_[address / 2U] = true;
+}
+
+void Memory::LoadStandards(const Module1& module) {
+  for (int i = 1; i < module.ParCount; ++i) {
+    const ParameterRecord& record = module.Par[i];
+    Set(record, record.Standard, record.StandardText);
+  }
+}
+
+int Memory::LoadValues(const Module1& module, const ValueFileContent& content) {
+  const bool oldFile = content.recordLength == kOldRecord_bytes;
+  int found = 0;
+  for (const ValueRecord& value : content.records) {
+    for (int i = 1; i < module.ParCount; ++i) {
+      if (!IsNamed(module.Par[i], value.Variable, oldFile)) continue;
+      Set(module.Par[i], value.Wert, value.WertText);
+      ++found;
+      break;
+    }
+  }
+  return found;
+}
+
+bool Memory::SetPlantNumber(const Module1& module, qint16 number) {
+  if (module.Par[0].VarAdresse.isEmpty()) return false;
+  SetWord(AddressOf(module.Par[0]), static_cast<quint16>(number));
+  return true;
+}
+
+QString Memory::Dump() const {
+  QByteArray text;
+  for (std::size_t word = 0; word < stored_.size(); ++word) {
+    if (!stored_[word]) continue;
+    const auto address = static_cast<quint16>(2 * word);
+    text += Hex(address, 4) + '\t' + Hex(Word(address), 4) + '\n';
+  }
+  return QString::fromLatin1(text);
+}
+
+void Memory::Set(const ParameterRecord& record, qint32 value, const QString& text) {
+  if (record.VarAdresse.isEmpty()) return;
+  if (TransferOf(record) == Transfer::String) {
+    SetText(record, text);
+  } else {
+    SetNumber(record, value);
+  }
+}
+
+void Memory::SetNumber(const ParameterRecord& record, qint32 value) {
+  const quint16 address = AddressOf(record);
+  const auto bits = static_cast<quint32>(value);
+  switch (TransferOf(record)) {
+    case Transfer::Long:
+      SetWord(address, static_cast<quint16>(bits >> 16));
+      SetWord(static_cast<quint16>(address + 2), static_cast<quint16>(bits & 0xFFFF));
+      break;
+    case Transfer::Int:
+      SetWord(address, static_cast<quint16>(bits & 0xFFFF));
+      break;
+    case Transfer::Char:
+      SetByte(address, static_cast<quint8>(bits & 0xFF));
+      break;
+    case Transfer::String:
+    case Transfer::None:
+      break;
+  }
+}
+
+void Memory::SetText(const ParameterRecord& record, const QString& text) {
+  const auto address = static_cast<quint16>(AddressOf(record) & 0xFFFEU);  // texts begin with a whole word
+  const int length = StringLength(record) / 2 * 2;
+  const QByteArray bytes = BytesFromText(text).leftJustified(length, ' ');
+  for (int i = 0; i < length; ++i)
+    SetByte(static_cast<quint16>(address + i), static_cast<quint8>(bytes.at(i)));
+}
+
+}  // namespace kalivor::sim

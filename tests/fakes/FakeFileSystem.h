@@ -1,0 +1,28 @@
+// Files in memory, each readable or failing with a given text.
+#pragma once
+
+#include <QHash>
+
+#include "base/Windows1252.h"
+#include "platform/FileSystem.h"
+
+namespace kalivor::test {
+
+class FakeFileSystem final : public platform::FileSystem {
+ public:
+  QHash<QString, platform::FileContent> files;
+  QStringList reads;  ///< every path that was asked for, in order
+
+  /// Adds a file of windows-1252 text.
+  void AddText(const QString& path, const QString& text) { files[path] = {BytesFromText(text), {}}; }
+
+  void AddFailure(const QString& path, const QString& error) { files[path] = {{}, error}; }
+
+  [[nodiscard]] platform::FileContent Read(const QString& path) override {
+    reads.append(path);
+    const auto found = files.constFind(path);
+    return found == files.constEnd() ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden.")} : *found;
+  }
+};
+
+}  // namespace kalivor::test

@@ -1,0 +1,150 @@
+// Forms, boxes and events that record what they are asked and answer as the test says.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <QStringList>
+#include <functional>
+
+#include "base/Forms.h"
+#include "base/Module1.h"
+#include "platform/Events.h"
+#include "platform/MessageBox.h"
+#include "platform/plain/PlainListBox.h"
+#include "platform/plain/PlainTreeView.h"
+
+namespace kalivor::test {
+
+/// A tree that counts how often it was rebuilt.
+class FakeTree final : public platform::PlainTreeView {
+ public:
+  int rebuilt = 0;
+
+  void Clear() override {
+    ++rebuilt;
+    PlainTreeView::Clear();
+  }
+
+  /// The number of the node with this key, 0 when there is none.
+  [[nodiscard]] int Find(const QString& key) const {
+    for (int node = 1; node <= Count(); ++node) {
+      if (Key(node) == key) return node;
+    }
+    return 0;
+  }
+};
+
+class FakeMainForm final : public MainForm {
+ public:
+  platform::PlainListBox versions;
+  platform::PlainListBox plants;
+  FakeTree tree;
+  bool plantSelectorVisible = true;
+  bool enabled = true;
+  QString state;
+  int shownAgain = 0;
+
+  [[nodiscard]] platform::ListBox& ComboVN() override { return versions; }
+  [[nodiscard]] platform::ListBox& ComboArt() override { return plants; }
+  [[nodiscard]] platform::TreeView& Tree() override { return tree; }
+  void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible = visible; }
+  void SetEnabled(bool on) override { enabled = on; }
+  void ShowState(const QString& text) override { state = text; }
+  void ShowAgain() override { ++shownAgain; }
+};
+
+/// Keeps the lines as the report dialog would show them.
+class FakeReportForm final : public ReportForm {
+ public:
+  QStringList lines;
+  bool shown = false;
+  bool okEnabled = true;
+  bool abortEnabled = false;
+  std::function<void()> onDot;  ///< runs at every continuation: the moment at which an abort can arrive
+
+  void Show() override { shown = true; }
+  void Add(const QString& text) override { lines.append(text); }
+  void AddC(const QString& text) override {
+    if (lines.isEmpty()) throw RuntimeError(RuntimeError::Kind::InvalidArgument);
+    lines.last() += text;
+    if (onDot) onDot();
+  }
+  void SetOkEnabled(bool on) override { okEnabled = on; }
+  void SetAbortEnabled(bool on) override { abortEnabled = on; }
+};
+
+/// Answers questions in the order given; a question without an answer left fails the test.
+class FakeChoiceForm final : public ChoiceForm {
+ public:
+  explicit FakeChoiceForm(Module1& module) : module_(module) {}
+
+  struct Question {
+    QString question, first, second;
+  };
+  std::vector<Question> asked;
+  std::vector<qint16> answers;
+
+  void Show(const QString& question, const QString& first, const QString& second) override {
+    asked.push_back({question, first, second});
+    if (asked.size() > answers.size()) {
+      ADD_FAILURE() << "unexpected question: " << question.toStdString();
+      module_.Antwort = 1;
+      return;
+    }
+    module_.Antwort = answers[asked.size() - 1];
+  }
+
+ private:
+  Module1& module_;
+};
+
+class FakeEditorForms final : public EditorForms {
+ public:
+  std::vector<NumberEdit> numberEdits;
+  std::vector<TextEdit> textEdits;
+  int hidden = 0;
+
+  void ShowNumberEditor(const NumberEdit& content) override { numberEdits.push_back(content); }
+  void ShowTextEditor(const TextEdit& content) override { textEdits.push_back(content); }
+  void HideEditors() override { ++hidden; }
+};
+
+/// Collects boxes. One that the test has not looked at when it ends fails the test.
+class FakeMessageBox final : public platform::MessageBox {
+ public:
+  struct Box {
+    QString text, title;
+  };
+
+  FakeMessageBox() = default;
+  FakeMessageBox(const FakeMessageBox&) = delete;
+  FakeMessageBox& operator=(const FakeMessageBox&) = delete;
+  ~FakeMessageBox() override {
+    for (const Box& box : shown_)
+      ADD_FAILURE() << "unexpected box: " << box.text.toStdString();
+  }
+
+  void Show(const QString& text, const QString& title) override { shown_.push_back({text, title}); }
+
+  /// All boxes since the last call.
+  [[nodiscard]] std::vector<Box> Take() { return std::exchange(shown_, {}); }
+
+ private:
+  std::vector<Box> shown_;
+};
+
+class FakeEvents final : public platform::Events {
+ public:
+  int processed = 0;
+  std::function<void()> onProcess;
+
+  void ProcessPending() override {
+    ++processed;
+    if (onProcess) onProcess();
+  }
+  void WaitForNext() override {
+    ADD_FAILURE() << "waits for an event that no test sends";
+    throw RuntimeError(RuntimeError::Kind::MissingObject);
+  }
+};
+
+}  // namespace kalivor::test

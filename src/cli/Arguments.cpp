@@ -1,0 +1,196 @@
+#include "cli/Arguments.h"
+
+#include <functional>
+
+#include "base/Numbers.h"
+#include "platform/RuntimeError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::cli {
+namespace {
+
+// The commands, and whether they can answer in JSON.
+struct Command {
+  QStringView name;
+  bool json = false;
+};
+constexpr Command kCommands[] = {
+    {u"versions", true},  {u"plants", true},
+    {u"params", true},    {u"tree", false},
+    {u"identify", false}, {u"receive", false},
+    {u"send", false},     {u"compare", true},
+    {u"standard", false}, {u"check-definitions", false},
+};
+
+const Command* FindCommand(QStringView name) {
+  for (const Command& command : kCommands) {
+    if (command.name == name) return &command;
+  }
+  return nullptr;
+}
+
+// Takes over the value of one option; returns a German complaint or "".
+using TakeValue = QString (*)(Arguments&, const QString& value);
+
+template <std::optional<QString> Arguments::*Member>
+QString TakeText(Arguments& arguments, const QString& value) {
+  if (arguments.*Member) return u"mehrfach angegeben"_s;
+  arguments.*Member = value;
+  return {};
+}
+
+QString TakeAddress(Arguments& arguments, const QString& value) {
+  if (arguments.address) return u"mehrfach angegeben"_s;
+  try {
+    const qint16 address = StrictInt16(value);
+    if (address < 0 || address > 255) return u"keine Adresse von 0 bis 255: "_s + value;
+    arguments.address = address;
+  } catch (const RuntimeError&) {
+    return u"keine Adresse von 0 bis 255: "_s + value;
+  }
+  return {};
+}
+
+QString TakeSet(Arguments& arguments, const QString& value) {
+  if (value.indexOf(u'=') < 1) return u"erwartet VARIABLE=WERT statt "_s + value;
+  arguments.set.append(value);
+  return {};
+}
+
+template <bool Checked>
+QString TakeMark(Arguments& arguments, const QString& value) {
+  arguments.marks.push_back({value, Checked});
+  return {};
+}
+
+QString TakeAnswer(Arguments& arguments, const QString& value) {
+  if (value != u"first" && value != u"second") return u"erwartet first oder second statt "_s + value;
+  arguments.answers.push_back(value == u"first" ? 1 : 2);
+  return {};
+}
+
+struct ValueOption {
+  QStringView name;
+  TakeValue take = nullptr;
+};
+constexpr ValueOption kValueOptions[] = {
+    {u"--ini-path", TakeText<&Arguments::iniPath>},
+    {u"--ini-file", TakeText<&Arguments::iniFile>},
+    {u"--controller", TakeText<&Arguments::controller>},
+    {u"--plant", TakeText<&Arguments::plant>},
+    {u"--port", TakeText<&Arguments::port>},
+    {u"--address", TakeAddress},
+    {u"--set", TakeSet},
+    {u"--check", TakeMark<true>},
+    {u"--uncheck", TakeMark<false>},
+    {u"--answer", TakeAnswer},
+};
+
+struct Switch {
+  QStringView name;
+  bool Arguments::*member = nullptr;
+};
+constexpr Switch kSwitches[] = {
+    {u"--json", &Arguments::json},
+    {u"--help", &Arguments::help},
+    {u"--program-version", &Arguments::programVersion},
+};
+
+// Reads one option at `at`, moving it on to the last argument that belongs to it.
+QString TakeOption(const QStringList& list, qsizetype& at, Arguments& arguments) {
+  const QString& text = list.at(at);
+  const qsizetype equals = text.indexOf(u'=');
+  const QString name = text.left(equals < 0 ? text.size() : equals);
+  for (const Switch& known : kSwitches) {
+    if (known.name != name) continue;
+    if (equals >= 0) return u"Option "_s + name + u" nimmt keinen Wert."_s;
+    arguments.*known.member = true;
+    return {};
+  }
+  for (const ValueOption& known : kValueOptions) {
+    if (known.name != name) continue;
+    if (equals < 0 && (at + 1 == list.size() || list.at(at + 1).startsWith(u"--"))) {
+      return u"Option "_s + name + u": Wert fehlt."_s;
+    }
+    const QString complaint = known.take(arguments, equals < 0 ? list.at(++at) : text.sliced(equals + 1));
+    return complaint.isEmpty() ? QString() : u"Option "_s + name + u": "_s + complaint + u'.';
+  }
+  return u"Unbekannte Option: "_s + name;
+}
+
+void CheckCommand(const QStringList& words, Arguments& arguments) {
+  if (words.isEmpty()) {
+    arguments.error = u"Es fehlt der Befehl; --help zeigt, welche es gibt."_s;
+    return;
+  }
+  arguments.command = words.first();
+  const Command* command = FindCommand(arguments.command);
+  if (command == nullptr) {
+    arguments.error = u"Unbekannter Befehl: "_s + arguments.command;
+  } else if (words.size() > 1) {
+    arguments.error = u"Überzähliges Argument: "_s + words.at(1);
+  } else if (arguments.json && !command->json) {
+    arguments.error = u"Option --json gilt nicht für den Befehl "_s + arguments.command + u'.';
+  }
+}
+
+}  // namespace
+
+Arguments ParseArguments(const QStringList& list) {
+  Arguments arguments;
+  QStringList words;
+  bool optionsEnded = false;
+  for (qsizetype at = 0; at < list.size() && arguments.error.isEmpty(); ++at) {
+    if (!optionsEnded && list.at(at) == u"--") {
+      optionsEnded = true;
+    } else if (!optionsEnded && list.at(at).startsWith(u'-')) {
+      arguments.error = TakeOption(list, at, arguments);
+    } else {
+      words.append(list.at(at));
+    }
+  }
+  if (arguments.error.isEmpty() && !arguments.help && !arguments.programVersion) {
+    CheckCommand(words, arguments);
+  }
+  return arguments;
+}
+
+QString HelpText() {
+  return uR"(Aufruf: kalivor-cli [OPTIONEN] BEFEHL
+
+Parametriert einen Regler über eine serielle Leitung, ohne Fenster.
+
+Befehle:
+  versions            Zeilen der Versionstabelle
+  plants              Einträge der Anlagenarten: Position, Text
+  params              alle Parameter als Tabelle
+  tree                der Parameterbaum, wie ihn das Fenster zeigt
+  identify            Version des angeschlossenen Reglers
+  receive             angekreuzte Parameter vom Regler empfangen
+  send                angekreuzte Parameter an den Regler senden
+  compare             angekreuzte Parameter mit dem Regler vergleichen
+  standard            alle Parameter auf ihre Standardwerte setzen
+  check-definitions   Definitionsdateien auf Fehler prüfen
+
+Optionen (vor oder nach dem Befehl):
+  --ini-path VERZEICHNIS     Verzeichnis der Versionstabelle und der Definitionsdateien
+  --ini-file NAME            Dateiname der Versionstabelle
+  --controller TEXT          Reglerversion, genau wie in der Versionstabelle
+  --plant TEXT | '#N'        Anlagenart, als Text oder als Position ab 0
+  --port N | GERÄT           serielle Schnittstelle 1 bis 8 oder ein Gerät
+  --address N                Geräteadresse 0 bis 255
+  --set VARIABLE=WERT        einen Parameter ändern wie im Editor (mehrfach)
+  --check WAS                ankreuzen: all, Nummer, Variable oder group=RUBRIK (mehrfach)
+  --uncheck WAS              Kreuz entfernen, ebenso
+  --answer first | second    Antwort auf die nächste Frage (mehrfach)
+  --json                     Ausgabe als JSON (versions, plants, params, compare)
+  --help                     diese Hilfe
+  --program-version          Version des Programms
+
+Rückgabewert: 0 erledigt; 1 erledigt, mit Befund; 2 Eingabe fehlerhaft;
+3 Übertragung nicht zustande gekommen oder abgebrochen; 4 Frage unbeantwortet.
+)"_s;
+}
+
+}  // namespace kalivor::cli

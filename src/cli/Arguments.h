@@ -1,0 +1,40 @@
+// The command line of kalivor-cli as data.
+#pragma once
+
+#include <QStringList>
+#include <optional>
+#include <vector>
+
+namespace kalivor::cli {
+
+/// `--check` or `--uncheck`, in the order given.
+struct MarkChange {
+  QString what;
+  bool checked = false;
+};
+
+struct Arguments {
+  QString command;
+  bool help = false;
+  bool programVersion = false;
+  bool json = false;
+  std::optional<QString> iniPath;
+  std::optional<QString> iniFile;
+  std::optional<QString> controller;
+  std::optional<QString> plant;
+  std::optional<QString> port;
+  std::optional<qint16> address;  ///< 0..255
+  QStringList set;                ///< "VARIABLE=VALUE"
+  std::vector<MarkChange> marks;
+  std::vector<qint16> answers;  ///< 1: first, 2: second
+  QString error;                ///< German; not empty when the command line is at fault
+};
+
+/// Reads the arguments behind the program's name. Options may stand before and after the command, as
+/// "--name value" or "--name=value"; "--" ends them.
+[[nodiscard]] Arguments ParseArguments(const QStringList& arguments);
+
+/// The text of --help.
+[[nodiscard]] QString HelpText();
+
+}  // namespace kalivor::cli

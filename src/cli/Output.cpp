@@ -1,0 +1,164 @@
+#include "cli/Output.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QStringList>
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::cli {
+namespace {
+
+QString Escaped(QString text) {
+  return text.replace(u"\\"_s, u"\\\\"_s)
+      .replace(u"\t"_s, u"\\t"_s)
+      .replace(u"\r"_s, u"\\r"_s)
+      .replace(u"\n"_s, u"\\n"_s);
+}
+
+QString Line(const QStringList& columns) {
+  QStringList escaped;
+  for (const QString& column : columns)
+    escaped.append(Escaped(column));
+  return escaped.join(u'\t') + u'\n';
+}
+
+// The rows of the version table that were read.
+template <typename Do>
+void ForVersions(const Module1& module, Do&& act) {
+  for (int row = 1; row < module.VersionCount; ++row)
+    act(module.VersionRow(row));
+}
+
+// One parameter as named columns, in the order of the table. Numbers stay numbers for JSON.
+using NamedValues = std::vector<std::pair<QString, QJsonValue>>;
+
+NamedValues ValuesOf(const Module1& module, int index) {
+  const ParameterRecord& record = module.Par[index];
+  return {{u"Nr"_s, index},
+          {u"Rubrik"_s, record.Rubrik},
+          {u"Name"_s, record.Name},
+          {u"Wert"_s, record.Wert},
+          {u"Min"_s, record.Min},
+          {u"Max"_s, record.Max},
+          {u"Standard"_s, record.Standard},
+          {u"WertText"_s, record.WertText},
+          {u"StandardText"_s, record.StandardText},
+          {u"Einheit"_s, record.Einheit.Trimmed()},
+          {u"Zahl1"_s, record.Zahl1},
+          {u"Zahl2"_s, record.Zahl2},
+          {u"VarAdresse"_s, record.VarAdresse},
+          {u"Offset"_s, record.Offset},
+          {u"Variable"_s, record.Variable},
+          {u"Typ"_s, record.Typ.Trimmed()},
+          {u"Zusatz"_s, record.Zusatz},
+          {u"Hilfetext"_s, record.Hilfetext},
+          {u"Checked"_s, module.ParNode[index] != kFalse ? 1 : 0}};
+}
+
+// Element 0 comes first when a plant-type record was read: each reading of definitions clears what tells.
+template <typename Do>
+void ForParameters(const Module1& module, Do&& act) {
+  if (!module.Par[0].Variable.isEmpty() || !module.Par[0].VarAdresse.isEmpty()) act(0);
+  for (int i = 1; i < module.ParCount; ++i)
+    act(i);
+}
+
+QString TextOf(const QJsonValue& value) {
+  return value.isDouble() ? QString::number(value.toInteger()) : value.toString();
+}
+
+}  // namespace
+
+QString VersionsText(const Module1& module) {
+  QString text;
+  ForVersions(module, [&](const VersionRecord& row) {
+    text += Line({row.Version, row.AdrDatei, row.DefDatei, row.Anlagen, row.Kennung.Padded()});
+  });
+  return text;
+}
+
+QString PlantsText(Core& core) {
+  QString text;
+  for (int i = 0; i < core.main.ComboArt().Count(); ++i) {
+    text += Line({QString::number(i), core.main.ComboArt().Text(i)});
+  }
+  return text;
+}
+
+QString ParametersText(const Module1& module) {
+  QStringList names;
+  for (const auto& [name, value] : ValuesOf(module, 0))
+    names.append(name);
+  QString text = Line(names);
+  ForParameters(module, [&](int index) {
+    QStringList columns;
+    for (const auto& [name, value] : ValuesOf(module, index))
+      columns.append(TextOf(value));
+    text += Line(columns);
+  });
+  return text;
+}
+
+QString TreeText(Core& core) {
+  const platform::TreeView& tree = core.main.Tree();
+  QString text;
+  for (int node = 1; node <= tree.Count(); ++node)
+    text += tree.Key(node) + u'\t' + tree.Text(node) + u'\n';
+  return text;
+}
+
+QJsonDocument VersionsJson(const Module1& module) {
+  QJsonArray rows;
+  ForVersions(module, [&](const VersionRecord& row) {
+    rows.append(QJsonObject{{u"Version"_s, row.Version},
+                            {u"AdrDatei"_s, row.AdrDatei},
+                            {u"DefDatei"_s, row.DefDatei},
+                            {u"Anlagen"_s, row.Anlagen},
+                            {u"Kennung"_s, row.Kennung.Padded()}});
+  });
+  return QJsonDocument(rows);
+}
+
+QJsonDocument PlantsJson(Core& core) {
+  QJsonArray entries;
+  for (int i = 0; i < core.main.ComboArt().Count(); ++i) {
+    entries.append(QJsonObject{{u"Position"_s, i}, {u"Text"_s, core.main.ComboArt().Text(i)}});
+  }
+  return QJsonDocument(entries);
+}
+
+QJsonDocument ParametersJson(const Module1& module) {
+  QJsonArray parameters;
+  ForParameters(module, [&](int index) {
+    QJsonObject parameter;
+    for (const auto& [name, value] : ValuesOf(module, index))
+      parameter.insert(name, value);
+    parameters.append(parameter);
+  });
+  return QJsonDocument(parameters);
+}
+
+QJsonDocument CompareJson(const QString& report, int failures, bool transferred) {
+  const QString change = u"Änderung bei: "_s;
+  const QString pc = u"   PC    : "_s;
+  const QString controller = u"   Regler: "_s;
+  QJsonArray lines;
+  QJsonArray deviations;
+  QJsonObject deviation;
+  for (const QString& line : report.split(u"\r\n"_s, Qt::SkipEmptyParts)) {
+    lines.append(line);
+    if (line.startsWith(change)) deviation = {{u"Name"_s, line.sliced(change.size())}};
+    if (line.startsWith(pc)) deviation.insert(u"PC"_s, line.sliced(pc.size()));
+    if (line.startsWith(controller)) {
+      deviation.insert(u"Regler"_s, line.sliced(controller.size()));
+      deviations.append(deviation);
+    }
+  }
+  return QJsonDocument(QJsonObject{{u"transferred"_s, transferred},
+                                   {u"failures"_s, failures},
+                                   {u"deviations"_s, deviations},
+                                   {u"lines"_s, lines}});
+}
+
+}  // namespace kalivor::cli

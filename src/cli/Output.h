@@ -1,0 +1,25 @@
+// The tables that the commands print, as text and as JSON.
+#pragma once
+
+#include <QJsonDocument>
+#include <QString>
+
+#include "core/Core.h"
+
+namespace kalivor::cli {
+
+/// Columns are separated by TAB, lines end with LF; TAB, CR, LF and backslash inside a text are written as
+/// \t \r \n \\.
+[[nodiscard]] QString VersionsText(const Module1& module);
+[[nodiscard]] QString PlantsText(Core& core);
+[[nodiscard]] QString ParametersText(const Module1& module);
+[[nodiscard]] QString TreeText(Core& core);
+
+[[nodiscard]] QJsonDocument VersionsJson(const Module1& module);
+[[nodiscard]] QJsonDocument PlantsJson(Core& core);
+[[nodiscard]] QJsonDocument ParametersJson(const Module1& module);
+
+/// A report of a comparison, its lines separated by CR LF.
+[[nodiscard]] QJsonDocument CompareJson(const QString& report, int failures, bool transferred);
+
+}  // namespace kalivor::cli

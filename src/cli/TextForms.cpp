@@ -1,0 +1,44 @@
+#include "cli/TextForms.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::cli {
+
+QString OnOneLine(const QString& text) {
+  QString line = text;
+  line.replace(u"\n\r"_s, u"\n"_s).replace(u"\r\n"_s, u"\n"_s);
+  while (line.endsWith(u'\n'))
+    line.chop(1);
+  return line.replace(u"\n"_s, u" | "_s);
+}
+
+void TextReportView::AppendLine(const QString& text) {
+  if (out_ == nullptr) return;
+  if (lineOpen_) *out_ << '\n';
+  *out_ << text.toStdString() << std::flush;
+  lineOpen_ = true;
+}
+
+void TextReportView::ContinueLine(const QString& text) {
+  if (out_ != nullptr) *out_ << text.toStdString() << std::flush;
+}
+
+void TextReportView::Finish() {
+  if (lineOpen_) *out_ << '\n' << std::flush;
+  lineOpen_ = false;
+}
+
+void TextMessageBox::Show(const QString& text, const QString& title) {
+  ++count_;
+  if (!title.isEmpty()) err_ << title.toStdString() << ": ";
+  err_ << OnOneLine(text).toStdString() << std::endl;
+}
+
+void TextChoiceForm::Show(const QString& question, const QString& first, const QString& second) {
+  err_ << OnOneLine(question).toStdString() << " | 1: " << first.toStdString()
+       << " | 2: " << second.toStdString() << std::endl;
+  if (asked_ == answers_.size()) throw UnansweredQuestion();
+  module_.Antwort = answers_[asked_++];
+}
+
+}  // namespace kalivor::cli

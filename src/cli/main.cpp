@@ -1,0 +1,44 @@
+// kalivor-cli: the commands of KALIVOR without a window.
+#include <QCoreApplication>
+#include <csignal>
+#include <iostream>
+
+#include "cli/Cli.h"
+#include "platform/plain/IniSettingsStore.h"
+#include "platform/posix/PosixFileSystem.h"
+#include "platform/posix/PosixSerialControl.h"
+#include "platform/posix/SerialDevices.h"
+#include "platform/posix/SystemClock.h"
+
+namespace {
+
+volatile std::sig_atomic_t interrupts = 0;
+
+// The first Ctrl+C asks the transfer to stop; the second one ends the program.
+void OnInterrupt(int /*signal*/) {
+  if (interrupts != 0) std::_Exit(kalivor::cli::kNoTransfer);
+  interrupts = 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  using namespace kalivor;
+  std::signal(SIGINT, OnInterrupt);
+  QCoreApplication application(argc, argv);
+  platform::IniSettingsStore settings;
+  platform::PosixFileSystem files;
+  platform::SystemClock clock;
+  platform::SerialDevices devices(platform::StoredDevices(settings));
+  platform::PosixSerialControl line([&devices](int number) { return devices.Device(number); });
+  cli::World world{std::cout,
+                   std::cerr,
+                   settings,
+                   files,
+                   line,
+                   clock,
+                   QCoreApplication::applicationDirPath(),
+                   [&devices](int number, const QString& device) { devices.Override(number, device); },
+                   [] { return interrupts != 0; }};
+  return cli::Run(QCoreApplication::arguments().sliced(1), world);
+}

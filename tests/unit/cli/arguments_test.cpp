@@ -1,0 +1,115 @@
+// The command line of kalivor-cli: what is understood, and what each mistake is called.
+#include "cli/Arguments.h"
+
+#include <gtest/gtest.h>
+
+#include "fakes/QtPrinters.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::cli {
+namespace {
+
+struct Mistake {
+  QStringList arguments;
+  QString message;
+};
+
+void PrintTo(const Mistake& mistake, std::ostream* out) {
+  *out << mistake.message.toStdString();
+}
+
+class CommandLineMistakes : public testing::TestWithParam<Mistake> {};
+
+TEST_P(CommandLineMistakes, AreNamed) {
+  EXPECT_EQ(ParseArguments(GetParam().arguments).error, GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, CommandLineMistakes,
+    testing::Values(
+        Mistake{{}, u"Es fehlt der Befehl; --help zeigt, welche es gibt."_s},
+        Mistake{{u"recieve"_s}, u"Unbekannter Befehl: recieve"_s},
+        Mistake{{u"receive"_s, u"send"_s}, u"Überzähliges Argument: send"_s},
+        Mistake{{u"--bogus"_s, u"tree"_s}, u"Unbekannte Option: --bogus"_s},
+        Mistake{{u"-v"_s, u"tree"_s}, u"Unbekannte Option: -v"_s},
+        Mistake{{u"tree"_s, u"--port"_s}, u"Option --port: Wert fehlt."_s},
+        Mistake{{u"--port"_s, u"--json"_s, u"params"_s}, u"Option --port: Wert fehlt."_s},
+        Mistake{{u"--json=1"_s, u"params"_s}, u"Option --json nimmt keinen Wert."_s},
+        Mistake{{u"--port"_s, u"1"_s, u"--port"_s, u"2"_s, u"tree"_s},
+                u"Option --port: mehrfach angegeben."_s},
+        Mistake{{u"--address"_s, u"1"_s, u"--address"_s, u"1"_s, u"tree"_s},
+                u"Option --address: mehrfach angegeben."_s},
+        Mistake{{u"--address"_s, u"256"_s, u"tree"_s},
+                u"Option --address: keine Adresse von 0 bis 255: 256."_s},
+        Mistake{{u"--address"_s, u"-1"_s, u"tree"_s},
+                u"Option --address: keine Adresse von 0 bis 255: -1."_s},
+        Mistake{{u"--address"_s, u"elf"_s, u"tree"_s},
+                u"Option --address: keine Adresse von 0 bis 255: elf."_s},
+        Mistake{{u"--address"_s, u"70000"_s, u"tree"_s},
+                u"Option --address: keine Adresse von 0 bis 255: 70000."_s},
+        Mistake{{u"--set"_s, u"SOLL"_s, u"send"_s}, u"Option --set: erwartet VARIABLE=WERT statt SOLL."_s},
+        Mistake{{u"--set"_s, u"=5"_s, u"send"_s}, u"Option --set: erwartet VARIABLE=WERT statt =5."_s},
+        Mistake{{u"--answer"_s, u"yes"_s, u"send"_s},
+                u"Option --answer: erwartet first oder second statt yes."_s},
+        Mistake{{u"--json"_s, u"tree"_s}, u"Option --json gilt nicht für den Befehl tree."_s}));
+
+TEST(CommandLine, OptionsStandBeforeAndAfterTheCommandWithBlankOrEqualsSign) {
+  const Arguments arguments =
+      ParseArguments({u"--ini-path"_s, u"/opt/d"_s, u"send"_s, u"--ini-file=V.INI"_s, u"--controller"_s,
+                      u"AB1-123.4"_s, u"--plant=#2"_s, u"--port"_s, u"3"_s, u"--address=17"_s});
+  EXPECT_EQ(arguments.error, QString());
+  EXPECT_EQ(arguments.command, u"send"_s);
+  EXPECT_EQ(arguments.iniPath, u"/opt/d"_s);
+  EXPECT_EQ(arguments.iniFile, u"V.INI"_s);
+  EXPECT_EQ(arguments.controller, u"AB1-123.4"_s);
+  EXPECT_EQ(arguments.plant, u"#2"_s);
+  EXPECT_EQ(arguments.port, u"3"_s);
+  EXPECT_EQ(arguments.address, qint16{17});
+}
+
+TEST(CommandLine, RepeatedOptionsKeepTheirOrder) {
+  const Arguments arguments =
+      ParseArguments({u"--uncheck"_s, u"all"_s, u"--set"_s, u"A=1"_s, u"--check"_s, u"7"_s, u"--set"_s,
+                      u"B=x=y"_s, u"--answer"_s, u"second"_s, u"--answer"_s, u"first"_s, u"send"_s});
+  EXPECT_EQ(arguments.error, QString());
+  EXPECT_EQ(arguments.set, QStringList({u"A=1"_s, u"B=x=y"_s}));
+  ASSERT_EQ(arguments.marks.size(), 2U);
+  EXPECT_EQ(arguments.marks[0].what, u"all"_s);
+  EXPECT_FALSE(arguments.marks[0].checked);
+  EXPECT_EQ(arguments.marks[1].what, u"7"_s);
+  EXPECT_TRUE(arguments.marks[1].checked);
+  EXPECT_EQ(arguments.answers, (std::vector<qint16>{2, 1}));
+}
+
+TEST(CommandLine, HelpAndProgramVersionNeedNoCommand) {
+  EXPECT_TRUE(ParseArguments({u"--help"_s}).help);
+  EXPECT_EQ(ParseArguments({u"--help"_s}).error, QString());
+  EXPECT_TRUE(ParseArguments({u"--program-version"_s}).programVersion);
+  EXPECT_EQ(ParseArguments({u"--program-version"_s}).error, QString());
+}
+
+TEST(CommandLine, TwoDashesEndTheOptions) {
+  EXPECT_EQ(ParseArguments({u"--"_s, u"--json"_s}).error, u"Unbekannter Befehl: --json"_s);
+}
+
+TEST(CommandLine, JsonIsForTables) {
+  for (const QString& command : {u"versions"_s, u"plants"_s, u"params"_s, u"compare"_s}) {
+    EXPECT_EQ(ParseArguments({command, u"--json"_s}).error, QString()) << command.toStdString();
+  }
+}
+
+TEST(CommandLine, HelpNamesEveryOptionAndCommand) {
+  const QString help = HelpText();
+  for (const QString& word :
+       {u"versions"_s,   u"plants"_s,     u"params"_s,           u"tree"_s,      u"identify"_s,
+        u"receive"_s,    u"send"_s,       u"compare"_s,          u"standard"_s,  u"check-definitions"_s,
+        u"--ini-path"_s, u"--ini-file"_s, u"--controller"_s,     u"--plant"_s,   u"--port"_s,
+        u"--address"_s,  u"--set"_s,      u"--check"_s,          u"--uncheck"_s, u"--answer"_s,
+        u"--json"_s,     u"--help"_s,     u"--program-version"_s}) {
+    EXPECT_TRUE(help.contains(word)) << word.toStdString();
+  }
+}
+
+}  // namespace
+}  // namespace kalivor::cli

@@ -28,7 +28,7 @@ void TextReportView::Finish() {
   lineOpen_ = false;
 }
 
-void TextMessageBox::Show(const QString& text, const QString& title) {
+void TextMessageBox::Show(const QString& text, const QString& title, Icon /*icon*/) {
   ++count_;
   if (!title.isEmpty()) err_ << title.toStdString() << ": ";
   err_ << OnOneLine(text).toStdString() << std::endl;

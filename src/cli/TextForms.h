@@ -66,7 +66,7 @@ class TextReportView final : public ReportView {
 class TextMessageBox final : public platform::MessageBox {
  public:
   explicit TextMessageBox(std::ostream& err) : err_(err) {}
-  void Show(const QString& text, const QString& title) override;
+  void Show(const QString& text, const QString& title, Icon icon) override;
 
   /// How many boxes have been shown.
   [[nodiscard]] int Count() const { return count_; }

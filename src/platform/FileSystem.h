@@ -1,4 +1,4 @@
-// Reading files as a whole.
+// Reading and overwriting files as a whole.
 #pragma once
 
 #include <QByteArray>
@@ -21,11 +21,19 @@ class FileSystem {
   /// Files larger than this are refused: nothing the program reads comes near it.
   static constexpr qint64 kLargestFile_bytes = 256LL * 1024 * 1024;
 
-  /// Reads a regular file. Directories, devices, pipes and files above kLargestFile_bytes are refused with a
+  /// Reads a regular file. Directories, devices, pipes and files above `largest_bytes` are refused with a
   /// description, never read. Both "/" and "\" separate folders. Where the name does not exist as written,
   /// a single match that differs in case only is taken, folder by folder: definition tables are made on
   /// systems that do not tell the cases apart.
-  [[nodiscard]] virtual FileContent Read(const QString& path) = 0;
+  [[nodiscard]] virtual FileContent Read(const QString& path, qint64 largest_bytes = kLargestFile_bytes) = 0;
+
+  /// Puts `beginning` over the beginning of a regular file, or into a new one; what a longer file holds
+  /// behind it stays. The name is understood as Read() does. Whatever happens meanwhile, the file is
+  /// afterwards either the old one or the complete new one: the new image is written beside it, brought to
+  /// the disk and put in its place. Symbolic links are followed and permissions kept. Only where the folder
+  /// takes no new file, but the file itself can be written, it is written in place. Returns "" or a German
+  /// description of the failure.
+  [[nodiscard]] virtual QString Overwrite(const QString& path, const QByteArray& beginning) = 0;
 };
 
 }  // namespace kalivor::platform

@@ -85,7 +85,7 @@ class NoSerialControl final : public platform::SerialControl {
 class BoxLines final : public platform::MessageBox {
  public:
   QStringList lines;
-  void Show(const QString& text, const QString& /*title*/) override {
+  void Show(const QString& text, const QString& /*title*/, Icon /*icon*/) override {
     lines += text.trimmed().replace(u"\r\n"_s, u" | "_s);
   }
 };

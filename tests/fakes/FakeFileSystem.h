@@ -16,9 +16,18 @@ class FakeFileSystem final : public platform::FileSystem {
   /// Adds a file of windows-1252 text.
   void AddText(const QString& path, const QString& text) { files[path] = {BytesFromText(text), {}}; }
 
+  QString writeError;  ///< what every Overwrite() fails with; "" for none
+
+  [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override {
+    if (!writeError.isEmpty()) return writeError;
+    QByteArray& bytes = files[path].bytes;
+    bytes.replace(0, beginning.size(), beginning);
+    return {};
+  }
+
   void AddFailure(const QString& path, const QString& error) { files[path] = {{}, error}; }
 
-  [[nodiscard]] platform::FileContent Read(const QString& path) override {
+  [[nodiscard]] platform::FileContent Read(const QString& path, qint64 /*largest_bytes*/) override {
     reads.append(path);
     const auto found = files.constFind(path);
     return found == files.constEnd() ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden.")} : *found;

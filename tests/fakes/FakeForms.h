@@ -113,6 +113,7 @@ class FakeMessageBox final : public platform::MessageBox {
  public:
   struct Box {
     QString text, title;
+    Icon icon = Icon::None;
   };
 
   FakeMessageBox() = default;
@@ -123,7 +124,9 @@ class FakeMessageBox final : public platform::MessageBox {
       ADD_FAILURE() << "unexpected box: " << box.text.toStdString();
   }
 
-  void Show(const QString& text, const QString& title) override { shown_.push_back({text, title}); }
+  void Show(const QString& text, const QString& title, Icon icon) override {
+    shown_.push_back({text, title, icon});
+  }
 
   /// All boxes since the last call.
   [[nodiscard]] std::vector<Box> Take() { return std::exchange(shown_, {}); }

@@ -2,12 +2,20 @@
 #pragma once
 
 #include "platform/FileSystem.h"
+#include "platform/posix/FileCalls.h"
 
 namespace kalivor::platform {
 
 class PosixFileSystem final : public FileSystem {
  public:
-  [[nodiscard]] FileContent Read(const QString& path) override;
+  /// `calls` must outlive it.
+  explicit PosixFileSystem(const FileCalls& calls = FileCalls::System()) : calls_(calls) {}
+
+  [[nodiscard]] FileContent Read(const QString& path, qint64 largest_bytes = kLargestFile_bytes) override;
+  [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
+
+ private:
+  const FileCalls& calls_;
 };
 
 }  // namespace kalivor::platform

@@ -83,7 +83,7 @@ bool IsSettled(const timespec& changeTime) {
 QMap<int, QString> StoredDevices(const SettingsStore& settings) {
   QMap<int, QString> devices;
   for (int number = 1; number <= kLargestPortNumber; ++number) {
-    QString device = settings.Get(u"Ports"_s, u"COM%1"_s.arg(number), QString());
+    const QString device = settings.Get(u"Ports"_s, u"COM%1"_s.arg(number), QString());
     if (!device.isEmpty()) devices[number] = device;
   }
   return devices;
@@ -96,7 +96,7 @@ SerialDevices::SerialDevices(QMap<int, QString> overrides, QString deviceFolder,
 
 QString SerialDevices::Device(int number) {
   if (number < 1 || number > kLargestPortNumber) return {};
-  const QString device = overrides_.value(number);
+  QString device = overrides_.value(number);
   if (!device.isEmpty()) return device;
 
   // The port is opened for every telegram, and to look through all devices costs more than the telegram.

@@ -567,10 +567,13 @@ TEST_F(DefinitionCheckTest, Noise) {
 // Files as they are on disk.
 class DiskFiles final : public platform::FileSystem {
  public:
-  platform::FileContent Read(const QString& path) override {
+  platform::FileContent Read(const QString& path, qint64 /*largest_bytes*/ = 0) override {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {{}, file.errorString()};
     return {file.readAll(), {}};
+  }
+  QString Overwrite(const QString& /*path*/, const QByteArray& /*beginning*/) override {
+    return u"unbenutzt"_s;
   }
 };
 

@@ -19,7 +19,7 @@ struct FaultCase {
 // Version query, plant number, and one exchange for each word of the parameters; sending also reads the word
 // that a byte shares, so it has one more.
 constexpr int kExchanges = 9;
-constexpr quint32 kSeeds = 8;
+constexpr quint32 kSeeds = 4;
 
 std::vector<sim::Fault> AllFaults() {
   using Kind = sim::FaultKind;

@@ -95,6 +95,11 @@ TEST(ParseValueFile, TakesASizeThatFitsBothForTheCurrentLayout) {
   EXPECT_EQ(ParseValueFile(OldFile(8191, 29)).recordLength, 52);
 }
 
+TEST(ParseValueFile, TakesAVersionThatFillsItsFieldForTheOldLayout) {
+  EXPECT_EQ(ParseValueFile(Current(1, {}, QString(29, u'V'), {})).recordLength, 62);
+  EXPECT_EQ(ParseValueFile(Current(1, {}, QString(30, u'V'), {})).recordLength, 52);
+}
+
 TEST(ParseValueFile, ReadsAHeaderAlone) {
   for (const QByteArray& image : {Current(1, {}, u"V"_s, {}), Old(1, {}, u"V"_s, {})}) {
     const ValueFileContent content = ParseValueFile(image);

@@ -144,6 +144,9 @@ TEST_F(SerialControlTest, SetsTheLineWhateverItWas) {
   strange.c_cflag &= ~static_cast<tcflag_t>(CREAD);
   ASSERT_EQ(tcsetattr(pty_.Master(), TCSANOW, &strange), 0);
   Open();
+  const termios line = pty_.Attributes();
+  EXPECT_EQ(line.c_iflag, static_cast<tcflag_t>(INPCK | PARMRK));
+  EXPECT_EQ(line.c_cflag & (CREAD | CLOCAL | CRTSCTS), static_cast<tcflag_t>(CREAD | CLOCAL));
   pty_.Send("\r\n\x11\x13\x03");
   EXPECT_EQ(Take(5), "\r\n\x11\x13\x03");
   control_.Output("\n\r");

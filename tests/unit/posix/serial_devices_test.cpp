@@ -149,6 +149,21 @@ TEST_F(SerialDevicesTest, SeesAChangeOfASettledFolder) {
   EXPECT_EQ(devices.Device(1), Dev(u"ttyUSB0"_s));
 }
 
+// Times come in steps: a second change within the same step shows nowhere in the folder's time.
+TEST_F(SerialDevicesTest, SeesASecondChangeAtTheSameTime) {
+  const QByteArray dev = QFile::encodeName(folder_.filePath(u"dev"_s));
+  timespec now{};
+  ASSERT_EQ(clock_gettime(CLOCK_REALTIME, &now), 0);
+  const timespec times[2] = {now, now};
+  AddDevice(u"ttyUSB1"_s);
+  ASSERT_EQ(utimensat(AT_FDCWD, dev.constData(), times, 0), 0);
+  SerialDevices devices = Devices();
+  EXPECT_EQ(devices.Device(1), Dev(u"ttyUSB1"_s));
+  AddDevice(u"ttyUSB0"_s);
+  ASSERT_EQ(utimensat(AT_FDCWD, dev.constData(), times, 0), 0);
+  EXPECT_EQ(devices.Device(1), Dev(u"ttyUSB0"_s));
+}
+
 class FakeSettings final : public SettingsStore {
  public:
   QMap<QString, QString> values;

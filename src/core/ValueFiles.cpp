@@ -1,0 +1,119 @@
+#include "core/ValueFiles.h"
+
+#include <QHash>
+#include <QScopeGuard>
+
+#include "core/Questions.h"
+#include "core/Refresh.h"
+#include "core/ValueFileFormat.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+constexpr int kOldNameWidth = 20;
+constexpr int kVersionWidth = 30;
+
+void ShowFailure(Core& core, const QString& what, const QString& description) {
+  core.box.Show(what + u"\r\n"_s + core.module.Dateiname + u"\r\n"_s + description);
+}
+
+QByteArray ComposeImage(Core& core) {
+  const Module1& module = core.module;
+  QByteArray image = ComposeRecord(module.ParCount, {}, core.main.ComboVN().SelectedText(), {});
+  for (int i = 1; i < module.ParCount; ++i) {
+    const ParameterRecord& record = module.Par[i];
+    image += ComposeRecord(record.Wert, record.WertText, record.Variable, record.Typ.Padded());
+  }
+  return image;
+}
+
+// The parameter that a record of a given name goes to: the first of that name. An old file knows the first 20
+// characters of a name only.
+class ParametersByName {
+ public:
+  ParametersByName(const Module1& module, bool oldLayout) {
+    for (int i = 1; i < module.ParCount; ++i) {
+      const QString& name = module.Par[i].Variable;
+      Insert(name, i);
+      if (oldLayout && name.size() > kOldNameWidth) Insert(name.left(kOldNameWidth), i);
+    }
+  }
+
+  // 0 when no parameter has the name.
+  [[nodiscard]] int Find(const QString& name) const { return indices_.value(name); }
+
+ private:
+  void Insert(const QString& name, int index) {
+    if (!indices_.contains(name)) indices_.insert(name, index);
+  }
+
+  QHash<QString, int> indices_;
+};
+
+void TakeValues(Module1& module, const ValueFileContent& content) {
+  const ParametersByName parameters(module, content.recordLength == kOldRecord_bytes);
+  for (const ValueRecord& stored : content.records) {
+    const int index = parameters.Find(stored.Variable);
+    if (index == 0 || module.ParNode[index] == kFalse) continue;
+    ParameterRecord& record = module.Par[index];
+    record.Wert = stored.Wert;
+    record.Typ = stored.Typ;
+    record.WertText = stored.WertText;
+  }
+}
+
+int FindVersion(const platform::ListBox& versions, const QString& version) {
+  for (int i = 0; i < versions.Count(); ++i) {
+    if (versions.Text(i) == version) return i;
+  }
+  return -1;
+}
+
+// Makes the selected version the one that the file's values are for. False where there is no way.
+bool MatchVersion(Core& core, const QString& version) {
+  platform::ListBox& versions = core.main.ComboVN();
+  if (version == versions.SelectedText()) return true;
+  const int position = FindVersion(versions, version);
+  if (position < 0) {
+    core.box.Show(u"Unbekannte ReglerVersion: "_s + version.leftJustified(kVersionWidth, u' '));
+    return false;
+  }
+  core.main.SetEnabled(false);
+  const auto enable = qScopeGuard([&core] { core.main.SetEnabled(true); });
+  const qint16 answer =
+      AskChoice(core,
+                u"Die Version in der Datei stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
+                "Bitte wählen Sie:"_s,
+                u"PC (Daten werden konvertiert): "_s + versions.SelectedText(), u"Datei: "_s + version);
+  if (answer == 2) {
+    versions.Select(position);
+    Refresh(core, 4);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool WriteValueFile(Core& core) {
+  const QString error = core.files.Overwrite(core.module.Dateiname, ComposeImage(core));
+  if (!error.isEmpty()) ShowFailure(core, u"Fehler beim schreiben von"_s, error);
+  return error.isEmpty();
+}
+
+bool ReadValueFile(Core& core) {
+  const platform::FileContent file = core.files.Read(core.module.Dateiname, kLargestValueFile_bytes);
+  if (!file.Ok()) {
+    ShowFailure(core, u"Fehler beim lesen von"_s, file.error);
+    Refresh(core, 2);
+    return false;
+  }
+  const ValueFileContent content = ParseValueFile(file.bytes);
+  if (!MatchVersion(core, content.version)) return false;
+  TakeValues(core.module, content);
+  Refresh(core, 2);
+  return true;
+}
+
+}  // namespace kalivor

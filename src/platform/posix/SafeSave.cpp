@@ -1,0 +1,243 @@
+#include "platform/posix/SafeSave.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QRandomGenerator>
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/FileSystem.h"
+#include "platform/posix/FileNames.h"
+#include "platform/posix/Uninterrupted.h"
+
+namespace kalivor::platform {
+namespace {
+
+constexpr mode_t kPermissions = 07777;
+constexpr mode_t kNewFile = 0666;    // what the user's mask leaves of it
+constexpr mode_t kOwnerOnly = 0600;  // until the permissions of the old file are known to hold
+
+// Every operation below returns 0 or an error number.
+template <typename Call>
+int ErrorOf(Call call) {
+  return Uninterrupted(call) < 0 ? errno : 0;
+}
+
+// A file that was opened through the calls.
+class OpenFile {
+ public:
+  explicit OpenFile(const FileCalls& calls) : calls_(calls) {}
+  ~OpenFile() { (void)Close(); }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  [[nodiscard]] int Open(const QByteArray& path, int flags, mode_t mode = 0) {
+    fd_ = Uninterrupted([&] { return calls_.Open(path, flags | O_CLOEXEC | O_NOCTTY, mode); });
+    return fd_ < 0 ? errno : 0;
+  }
+
+  [[nodiscard]] int Status(struct stat& status) const {
+    return ErrorOf([&] { return calls_.OpenStatus(fd_, status); });
+  }
+
+  // Reads up to the end, but no more than `largest_bytes`.
+  [[nodiscard]] int ReadAll(qsizetype largest_bytes, QByteArray& bytes) const {
+    constexpr qsizetype kStep_bytes = 64 * 1024;
+    for (;;) {
+      const qsizetype used = bytes.size();
+      bytes.resize(used + kStep_bytes);
+      const ssize_t count =
+          Uninterrupted([&] { return calls_.Read(fd_, bytes.data() + used, kStep_bytes, used); });
+      bytes.resize(used + std::max<ssize_t>(count, 0));
+      if (count < 0) return errno;
+      if (count == 0) return 0;
+      if (bytes.size() > largest_bytes) return EFBIG;
+    }
+  }
+
+  // Writes at the file's beginning. `written`: how far it came.
+  [[nodiscard]] int Write(const QByteArray& bytes, qsizetype& written) const {
+    written = 0;
+    while (written < bytes.size()) {
+      const auto rest = static_cast<size_t>(bytes.size() - written);
+      const ssize_t count =
+          Uninterrupted([&] { return calls_.Write(fd_, bytes.constData() + written, rest, written); });
+      if (count < 0) return errno;
+      if (count == 0) return EIO;
+      written += count;
+    }
+    return 0;
+  }
+
+  [[nodiscard]] int Truncate(qsizetype size) const {
+    return ErrorOf([&] { return calls_.Truncate(fd_, size); });
+  }
+  [[nodiscard]] int ChangeOwner(uid_t owner, gid_t group) const {
+    return ErrorOf([&] { return calls_.ChangeOwner(fd_, owner, group); });
+  }
+  [[nodiscard]] int ChangeMode(mode_t mode) const {
+    return ErrorOf([&] { return calls_.ChangeMode(fd_, mode); });
+  }
+  [[nodiscard]] int Sync() const {
+    return ErrorOf([&] { return calls_.Sync(fd_); });
+  }
+
+  [[nodiscard]] int Close() {
+    if (fd_ < 0) return 0;
+    const int result = calls_.Close(std::exchange(fd_, -1));
+    // An interrupted close has released the descriptor all the same.
+    return result < 0 && errno != EINTR ? errno : 0;
+  }
+
+ private:
+  const FileCalls& calls_;
+  int fd_ = -1;
+};
+
+// The file that is to be replaced, if there is one.
+struct OldFile {
+  explicit OldFile(const FileCalls& calls) : file(calls) {}
+
+  bool exists = false;
+  OpenFile file;
+  struct stat status {};
+  QByteArray bytes;
+};
+
+int CheckReplaceable(const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  if (!S_ISREG(status.st_mode)) return ENOTSUP;
+  if (status.st_size > FileSystem::kLargestFile_bytes) return EFBIG;
+  return 0;
+}
+
+// Replaces a link by what it leads to, which need not exist.
+int FollowLinks(const FileCalls& calls, QByteArray& path) {
+  constexpr int kMostLinks = 40;
+  for (int i = 0; i < kMostLinks; ++i) {
+    struct stat status {};
+    int error = ErrorOf([&] { return calls.LinkStatus(path, status); });
+    if (error == ENOENT || (error == 0 && !S_ISLNK(status.st_mode))) return 0;
+    QByteArray target;
+    if (error == 0) error = ErrorOf([&] { return calls.ReadLink(path, target); });
+    if (error != 0) return error;
+    path = target.startsWith('/') ? target : FolderPart(path) + target;
+  }
+  return ELOOP;
+}
+
+int OpenOldFile(const FileCalls& calls, const QByteArray& path, OldFile& old) {
+  int error = ErrorOf([&] { return calls.Status(path, old.status); });
+  if (error == ENOENT) return 0;
+  // Before opening, because to open a device can already set it going.
+  if (error == 0) error = CheckReplaceable(old.status);
+  // Opened for writing as well, although it is to be replaced: a file that must not be written stays.
+  if (error == 0) error = old.file.Open(path, O_RDWR | O_NONBLOCK);
+  if (error == 0) error = old.file.Status(old.status);
+  // And again, because another file can have taken the name meanwhile.
+  if (error == 0) error = CheckReplaceable(old.status);
+  if (error == 0) error = old.file.ReadAll(FileSystem::kLargestFile_bytes, old.bytes);
+  old.exists = error == 0;
+  return error;
+}
+
+// Creates a file of a name that nobody can have prepared. It starts with a point and has no suffix that a
+// dialog shows, in case that the program ends before it can remove it.
+int CreateTemporary(const QByteArray& folder, mode_t mode, OpenFile& file, QByteArray& path) {
+  constexpr int kMostAttempts = 16;
+  int error = EEXIST;
+  for (int i = 0; i < kMostAttempts && error == EEXIST; ++i) {
+    path = folder + ".kalivor-" + QByteArray::number(QRandomGenerator::system()->generate64(), 16) + ".tmp";
+    error = file.Open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+  }
+  return error;
+}
+
+// Gives the new file the owner and the permissions of the old one. That another user's file keeps its owner
+// is granted to the superuser only, so it is no failure when it does not.
+int TakeOverPermissions(const OpenFile& file, const struct stat& old) {
+  struct stat now {};
+  if (const int error = file.Status(now); error != 0) return error;
+  mode_t mode = old.st_mode & kPermissions;
+  if ((now.st_uid != old.st_uid || now.st_gid != old.st_gid) &&
+      file.ChangeOwner(old.st_uid, old.st_gid) != 0 && now.st_gid != old.st_gid &&
+      file.ChangeOwner(static_cast<uid_t>(-1), old.st_gid) != 0) {
+    // Another group must not get what was meant for the old one.
+    mode = (mode & ~static_cast<mode_t>(S_IRWXG)) | (mode & S_IRWXG & ((mode & S_IRWXO) << 3));
+  }
+  return (now.st_mode & kPermissions) == mode ? 0 : file.ChangeMode(mode);
+}
+
+int WriteTemporary(OpenFile& file, const OldFile& old, const QByteArray& image) {
+  int error = old.exists ? TakeOverPermissions(file, old.status) : 0;
+  qsizetype written = 0;
+  if (error == 0) error = file.Write(image, written);
+  if (error == 0) error = file.Sync();
+  const int closing = file.Close();
+  return error != 0 ? error : closing;
+}
+
+// Brings the new name to the disk. The image is in place and safe already; all that a failure leaves open is
+// whether a loss of power now would bring back the old one, which is as complete.
+void SyncFolder(const FileCalls& calls, const QByteArray& folder) {
+  OpenFile file(calls);
+  if (file.Open(folder.isEmpty() ? QByteArray(".") : folder, O_RDONLY | O_DIRECTORY) == 0) (void)file.Sync();
+}
+
+int Replace(const FileCalls& calls, const QByteArray& path, const OldFile& old, const QByteArray& image) {
+  const QByteArray folder = FolderPart(path);
+  OpenFile file(calls);
+  QByteArray temporary;
+  int error = CreateTemporary(folder, old.exists ? kOwnerOnly : kNewFile, file, temporary);
+  if (error != 0) return error;
+  error = WriteTemporary(file, old, image);
+  if (error == 0) error = ErrorOf([&] { return calls.Rename(temporary, path); });
+  if (error != 0) {
+    // Nothing more can be done when this fails too; the name tells what is left over.
+    (void)ErrorOf([&] { return calls.Remove(temporary); });
+    return error;
+  }
+  SyncFolder(calls, folder);
+  return 0;
+}
+
+// True for the answers of a folder, or of its file system, that takes no new file or does not let the old one
+// be replaced (that of another user in a common folder, one that is mounted by itself).
+bool FolderRefused(int error) {
+  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
+
+// Puts back what writing in place has reached so far.
+bool Restore(const OldFile& old, qsizetype reached) {
+  qsizetype written = 0;
+  int error = old.file.Write(old.bytes.left(reached), written);
+  if (error == 0 && reached > old.bytes.size()) error = old.file.Truncate(old.bytes.size());
+  return error == 0;
+}
+
+SaveResult WriteInPlace(const OldFile& old, const QByteArray& beginning) {
+  qsizetype written = 0;
+  int error = old.file.Write(beginning, written);
+  if (error == 0) error = old.file.Sync();
+  if (error == 0) return {};
+  return {error, !Restore(old, written)};
+}
+
+}  // namespace
+
+SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& beginning) {
+  // The image would be a file that is refused the next time.
+  if (beginning.size() > FileSystem::kLargestFile_bytes) return {EFBIG};
+  OldFile old(calls);
+  QByteArray target = path;
+  int error = OpenOldFile(calls, path, old);
+  if (error == 0) error = FollowLinks(calls, target);
+  if (error != 0) return {error};
+
+  error = Replace(calls, target, old, beginning + old.bytes.mid(beginning.size()));
+  if (old.exists && FolderRefused(error)) return WriteInPlace(old, beginning);
+  return {error};
+}
+
+}  // namespace kalivor::platform

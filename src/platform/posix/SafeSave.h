@@ -1,0 +1,20 @@
+// Saving a file so that an interruption leaves the old one or the new one, never a part.
+#pragma once
+
+#include <QByteArray>
+
+#include "platform/posix/FileCalls.h"
+
+namespace kalivor::platform {
+
+struct SaveResult {
+  int error = 0;         ///< error number of the system; 0 when the new image is in place
+  bool damaged = false;  ///< the old image could not be brought back: the file holds parts of both
+};
+
+/// Puts `beginning` over the beginning of the file `path`, or into a new one. See FileSystem::Overwrite();
+/// the name is taken as it is written.
+[[nodiscard]] SaveResult SafeSave(const FileCalls& calls, const QByteArray& path,
+                                  const QByteArray& beginning);
+
+}  // namespace kalivor::platform

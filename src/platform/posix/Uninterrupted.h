@@ -1,0 +1,19 @@
+// Repeating what a signal interrupted.
+#pragma once
+
+#include <cerrno>
+
+namespace kalivor::platform {
+
+/// Runs `call` again when it fails with EINTR. Not for ever: a network drive whose server is away can answer
+/// so each time. The result is that of the last run.
+template <typename Call>
+auto Uninterrupted(Call call) {
+  constexpr int kMostInterruptions = 100;
+  auto result = call();
+  for (int i = 0; result < 0 && errno == EINTR && i < kMostInterruptions; ++i)
+    result = call();
+  return result;
+}
+
+}  // namespace kalivor::platform

@@ -10,17 +10,24 @@ using namespace Qt::StringLiterals;
 namespace kalivor::cli {
 namespace {
 
-// The commands, and whether they can answer in JSON.
+// The commands, whether they can answer in JSON, and whether a file follows.
 struct Command {
   QStringView name;
   bool json = false;
+  bool file = false;
 };
 constexpr Command kCommands[] = {
-    {u"versions", true},  {u"plants", true},
-    {u"params", true},    {u"tree", false},
-    {u"identify", false}, {u"receive", false},
-    {u"send", false},     {u"compare", true},
-    {u"standard", false}, {u"check-definitions", false},
+    {u"versions", true},
+    {u"plants", true},
+    {u"params", true},
+    {u"tree", false},
+    {u"identify", false},
+    {u"receive", false},
+    {u"send", false},
+    {u"compare", true},
+    {u"standard", false},
+    {u"show", true, true},
+    {u"check-definitions", false},
 };
 
 const Command* FindCommand(QStringView name) {
@@ -81,6 +88,8 @@ constexpr ValueOption kValueOptions[] = {
     {u"--plant", TakeText<&Arguments::plant>},
     {u"--port", TakeText<&Arguments::port>},
     {u"--address", TakeAddress},
+    {u"--load", TakeText<&Arguments::load>},
+    {u"--save", TakeText<&Arguments::save>},
     {u"--set", TakeSet},
     {u"--check", TakeMark<true>},
     {u"--uncheck", TakeMark<false>},
@@ -126,13 +135,17 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
   }
   arguments.command = words.first();
   const Command* command = FindCommand(arguments.command);
+  const qsizetype expected = command != nullptr && command->file ? 2 : 1;
   if (command == nullptr) {
     arguments.error = u"Unbekannter Befehl: "_s + arguments.command;
-  } else if (words.size() > 1) {
-    arguments.error = u"Überzähliges Argument: "_s + words.at(1);
+  } else if (words.size() < expected) {
+    arguments.error = u"Es fehlt die Datei zum Befehl "_s + arguments.command + u'.';
+  } else if (words.size() > expected) {
+    arguments.error = u"Überzähliges Argument: "_s + words.at(expected);
   } else if (arguments.json && !command->json) {
     arguments.error = u"Option --json gilt nicht für den Befehl "_s + arguments.command + u'.';
   }
+  if (expected == 2) arguments.file = words.value(1);
 }
 
 }  // namespace
@@ -171,6 +184,7 @@ Befehle:
   send                angekreuzte Parameter an den Regler senden
   compare             angekreuzte Parameter mit dem Regler vergleichen
   standard            alle Parameter auf ihre Standardwerte setzen
+  show DATEI          den Inhalt einer Wertedatei zeigen, ohne Definitionen
   check-definitions   Definitionsdateien auf Fehler prüfen
 
 Optionen (vor oder nach dem Befehl):
@@ -180,11 +194,13 @@ Optionen (vor oder nach dem Befehl):
   --plant TEXT | '#N'        Anlagenart, als Text oder als Position ab 0
   --port N | GERÄT           serielle Schnittstelle 1 bis 8 oder ein Gerät
   --address N                Geräteadresse 0 bis 255
+  --load DATEI               Wertedatei laden, bevor der Befehl läuft
+  --save DATEI               Wertedatei schreiben, wenn der Befehl erledigt ist (0 oder 1)
   --set VARIABLE=WERT        einen Parameter ändern wie im Editor (mehrfach)
   --check WAS                ankreuzen: all, Nummer, Variable oder group=RUBRIK (mehrfach)
   --uncheck WAS              Kreuz entfernen, ebenso
   --answer first | second    Antwort auf die nächste Frage (mehrfach)
-  --json                     Ausgabe als JSON (versions, plants, params, compare)
+  --json                     Ausgabe als JSON (versions, plants, params, show, compare)
   --help                     diese Hilfe
   --program-version          Version des Programms
 

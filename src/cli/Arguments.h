@@ -15,6 +15,7 @@ struct MarkChange {
 
 struct Arguments {
   QString command;
+  QString file;  ///< the argument of `show`
   bool help = false;
   bool programVersion = false;
   bool json = false;
@@ -24,7 +25,9 @@ struct Arguments {
   std::optional<QString> plant;
   std::optional<QString> port;
   std::optional<qint16> address;  ///< 0..255
-  QStringList set;                ///< "VARIABLE=VALUE"
+  std::optional<QString> load;
+  std::optional<QString> save;
+  QStringList set;  ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault

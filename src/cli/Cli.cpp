@@ -13,6 +13,7 @@
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"
+#include "core/ValueFiles.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,13 +45,17 @@ class Session {
     LoadSettings(module_, world_.settings, box_, world_.programFolder);
     TakeSettings();
     if (arguments_.command == u"check-definitions") return CheckDefinitionFiles();
+    if (arguments_.command == u"show") return ShowValueFile();
     LoadDefinitions();
+    if (arguments_.load) LoadValues();
     for (const QString& edit : arguments_.set)
       SetParameter(edit);
     for (const MarkChange& change : arguments_.marks)
       SetMarks(change);
     if (!arguments_.set.isEmpty() || !arguments_.marks.empty()) Refresh(core_, 2);
-    return RunCommand();
+    const int status = RunCommand();
+    if (arguments_.save && (status == kDone || status == kFindings)) return SaveValues(status);
+    return status;
   }
 
  private:
@@ -81,6 +86,25 @@ class Session {
     });
     // Whatever could not be read has been said in a box.
     if (box_.Count() > boxes) throw BadInput{};
+  }
+
+  void LoadValues() {
+    module_.Dateiname = *arguments_.load;
+    // What is wrong with it has been said in a box.
+    if (!ReadValueFile(core_)) throw BadInput{};
+  }
+
+  // The command has run, but its result could not be kept: that is no success.
+  int SaveValues(int status) {
+    module_.Dateiname = *arguments_.save;
+    return WriteValueFile(core_) ? status : kBadInput;
+  }
+
+  int ShowValueFile() {
+    const platform::FileContent file = world_.files.Read(arguments_.file, kLargestValueFile_bytes);
+    if (!file.Ok()) throw BadInput{u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s + file.error};
+    const ValueFileContent content = ParseValueFile(file.bytes);
+    return Print(ValueFileText(content), [&content] { return ValueFileJson(content); });
   }
 
   static void Select(platform::ListBox& list, int position) { list.Select(position); }

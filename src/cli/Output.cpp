@@ -108,6 +108,17 @@ QString TreeText(Core& core) {
   return text;
 }
 
+QString ValueFileText(const ValueFileContent& content) {
+  QString text =
+      Line({QString::number(content.recordLength), QString::number(content.storedCount), content.version});
+  int number = 1;
+  for (const ValueRecord& record : content.records) {
+    text += Line({QString::number(++number), record.Variable, record.Typ.Trimmed(),
+                  QString::number(record.Wert), record.WertText});
+  }
+  return text;
+}
+
 QJsonDocument VersionsJson(const Module1& module) {
   QJsonArray rows;
   ForVersions(module, [&](const VersionRecord& row) {
@@ -137,6 +148,22 @@ QJsonDocument ParametersJson(const Module1& module) {
     parameters.append(parameter);
   });
   return QJsonDocument(parameters);
+}
+
+QJsonDocument ValueFileJson(const ValueFileContent& content) {
+  QJsonArray records;
+  int number = 1;
+  for (const ValueRecord& record : content.records) {
+    records.append(QJsonObject{{u"Nr"_s, ++number},
+                               {u"Variable"_s, record.Variable},
+                               {u"Typ"_s, record.Typ.Trimmed()},
+                               {u"Wert"_s, record.Wert},
+                               {u"WertText"_s, record.WertText}});
+  }
+  return QJsonDocument(QJsonObject{{u"layout"_s, content.recordLength},
+                                   {u"count"_s, content.storedCount},
+                                   {u"version"_s, content.version},
+                                   {u"records"_s, records}});
 }
 
 QJsonDocument CompareJson(const QString& report, int failures, bool transferred) {

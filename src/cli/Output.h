@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "core/Core.h"
+#include "core/ValueFileFormat.h"
 
 namespace kalivor::cli {
 
@@ -14,10 +15,13 @@ namespace kalivor::cli {
 [[nodiscard]] QString PlantsText(Core& core);
 [[nodiscard]] QString ParametersText(const Module1& module);
 [[nodiscard]] QString TreeText(Core& core);
+/// Layout, stored count and version in the first line, then the records, numbered from 2.
+[[nodiscard]] QString ValueFileText(const ValueFileContent& content);
 
 [[nodiscard]] QJsonDocument VersionsJson(const Module1& module);
 [[nodiscard]] QJsonDocument PlantsJson(Core& core);
 [[nodiscard]] QJsonDocument ParametersJson(const Module1& module);
+[[nodiscard]] QJsonDocument ValueFileJson(const ValueFileContent& content);
 
 /// A report of a comparison, its lines separated by CR LF.
 [[nodiscard]] QJsonDocument CompareJson(const QString& report, int failures, bool transferred);

@@ -84,6 +84,18 @@ class Cli {
     EXPECT_TRUE(process_.waitForStarted(kHang_ms));
   }
 
+  /// Waits until standard output begins with `text`; false when the program ends before.
+  [[nodiscard]] bool WaitForOutput(const QByteArray& text) {
+    while (!process_.peek(text.size()).startsWith(text)) {
+      if (process_.waitForReadyRead(kHang_ms)) continue;
+      ADD_FAILURE() << process_.readAllStandardOutput().toStdString()
+                    << process_.readAllStandardError().toStdString() << "state " << process_.state()
+                    << ", status " << process_.exitCode();
+      return false;
+    }
+    return true;
+  }
+
   Outcome Finish() {
     if (!process_.waitForFinished(kHang_ms)) {
       ADD_FAILURE() << "kalivor-cli hangs";

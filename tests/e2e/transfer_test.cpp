@@ -195,9 +195,7 @@ TEST(Transfer, TheFirstInterruptAbortsTheSecondEndsTheProgram) {
   const Simulator simulator({u"--fault"_s, u"late:300"_s});
   Cli cli(simulator.Device());
   cli.Start({u"receive"_s});
-  while (!cli.Process().peek(100).contains("Empfangen...")) {
-    ASSERT_TRUE(cli.Process().waitForReadyRead(kHang_ms));
-  }
+  ASSERT_TRUE(cli.WaitForOutput("Empfangen..."));
   ::kill(static_cast<pid_t>(cli.Process().processId()), SIGINT);
   const Outcome aborted = cli.Finish();
   EXPECT_EQ(aborted.status, 3);
@@ -205,9 +203,7 @@ TEST(Transfer, TheFirstInterruptAbortsTheSecondEndsTheProgram) {
 
   Cli impatient(simulator.Device());
   impatient.Start({u"receive"_s});
-  while (!impatient.Process().peek(100).contains("Empfangen..")) {
-    ASSERT_TRUE(impatient.Process().waitForReadyRead(kHang_ms));
-  }
+  ASSERT_TRUE(impatient.WaitForOutput("Empfangen.."));
   ::kill(static_cast<pid_t>(impatient.Process().processId()), SIGINT);
   ::kill(static_cast<pid_t>(impatient.Process().processId()), SIGINT);
   EXPECT_EQ(impatient.Finish().status, 3);

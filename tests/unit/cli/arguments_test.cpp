@@ -52,6 +52,10 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{{u"--set"_s, u"=5"_s, u"send"_s}, u"Option --set: erwartet VARIABLE=WERT statt =5."_s},
         Mistake{{u"--answer"_s, u"yes"_s, u"send"_s},
                 u"Option --answer: erwartet first oder second statt yes."_s},
+        Mistake{{u"show"_s}, u"Es fehlt die Datei zum Befehl show."_s},
+        Mistake{{u"show"_s, u"a.qpf"_s, u"b.qpf"_s}, u"Überzähliges Argument: b.qpf"_s},
+        Mistake{{u"--load"_s, u"a"_s, u"--load"_s, u"b"_s, u"tree"_s},
+                u"Option --load: mehrfach angegeben."_s},
         Mistake{{u"--json"_s, u"tree"_s}, u"Option --json gilt nicht für den Befehl tree."_s}));
 
 TEST(CommandLine, OptionsStandBeforeAndAfterTheCommandWithBlankOrEqualsSign) {
@@ -101,12 +105,32 @@ TEST(CommandLine, JsonIsForTables) {
 
 TEST(CommandLine, HelpNamesEveryOptionAndCommand) {
   const QString help = HelpText();
-  for (const QString& word :
-       {u"versions"_s,   u"plants"_s,     u"params"_s,           u"tree"_s,      u"identify"_s,
-        u"receive"_s,    u"send"_s,       u"compare"_s,          u"standard"_s,  u"check-definitions"_s,
-        u"--ini-path"_s, u"--ini-file"_s, u"--controller"_s,     u"--plant"_s,   u"--port"_s,
-        u"--address"_s,  u"--set"_s,      u"--check"_s,          u"--uncheck"_s, u"--answer"_s,
-        u"--json"_s,     u"--help"_s,     u"--program-version"_s}) {
+  for (const QString& word : {u"versions"_s,
+                              u"plants"_s,
+                              u"params"_s,
+                              u"tree"_s,
+                              u"identify"_s,
+                              u"receive"_s,
+                              u"send"_s,
+                              u"compare"_s,
+                              u"standard"_s,
+                              u"show"_s,
+                              u"--load"_s,
+                              u"--save"_s,
+                              u"check-definitions"_s,
+                              u"--ini-path"_s,
+                              u"--ini-file"_s,
+                              u"--controller"_s,
+                              u"--plant"_s,
+                              u"--port"_s,
+                              u"--address"_s,
+                              u"--set"_s,
+                              u"--check"_s,
+                              u"--uncheck"_s,
+                              u"--answer"_s,
+                              u"--json"_s,
+                              u"--help"_s,
+                              u"--program-version"_s}) {
     EXPECT_TRUE(help.contains(word)) << word.toStdString();
   }
 }

@@ -7,7 +7,7 @@
 #include <QJsonObject>
 #include <sstream>
 
-#include "core/DefinitionFiles.h"
+#include "core/ValueFileFormat.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/QtPrinters.h"
@@ -395,6 +395,60 @@ TEST_F(CliTest, CheckDefinitionsPrintsFindings) {
   files.files[u"/d//D1.TXT"_s].bytes += "Antrieb  Zwei  9  1  5  -  0  0  int  1F30  ZWEI  Heizung  -\r\n";
   EXPECT_EQ(Run({u"check-definitions"_s}), kFindings);
   EXPECT_TRUE(Out().contains(u"D1.TXT\t6\tFehler\t"_s)) << out.str();
+}
+
+TEST_F(CliTest, ReceivedValuesAreSavedAndLoadedAgain) {
+  memory.SetWord(0x1F00, 1777);
+  EXPECT_EQ(Run({u"receive"_s, u"--save"_s, u"w.qpf"_s}), kDone);
+  EXPECT_EQ(files.files[u"w.qpf"_s].bytes.size(), 4 * 62);
+  EXPECT_EQ(Run({u"compare"_s}), kFindings);
+  EXPECT_EQ(Run({u"compare"_s, u"--load"_s, u"w.qpf"_s}), kDone) << out.str();
+}
+
+TEST_F(CliTest, NothingIsSavedAfterACommandThatDidNotTakePlace) {
+  Spoil(1, 3, sim::FaultKind::Silent);
+  EXPECT_EQ(Run({u"receive"_s, u"--save"_s, u"w.qpf"_s}), kNoTransfer);
+  EXPECT_FALSE(files.files.contains(u"w.qpf"_s));
+}
+
+TEST_F(CliTest, AFailedSaveIsNoSuccess) {
+  files.writeError = u"Auf dem Datenträger ist kein Platz mehr."_s;
+  EXPECT_EQ(Run({u"standard"_s, u"--save"_s, u"w.qpf"_s}), kBadInput);
+  EXPECT_EQ(Err(), u"Fehler beim schreiben von | w.qpf | Auf dem Datenträger ist kein Platz mehr.\n"_s);
+}
+
+TEST_F(CliTest, AnUnreadableValueFileIsBadInput) {
+  EXPECT_EQ(Run({u"tree"_s, u"--load"_s, u"fehlt.qpf"_s}), kBadInput);
+  EXPECT_EQ(Err(), u"Fehler beim lesen von | fehlt.qpf | Datei nicht gefunden.\n"_s);
+  EXPECT_EQ(Run({u"show"_s, u"fehlt.qpf"_s}), kBadInput);
+  EXPECT_EQ(Err(), u"Fehler beim lesen von | fehlt.qpf | Datei nicht gefunden.\n"_s);
+}
+
+TEST_F(CliTest, AValueFileOfAnUnknownVersionIsBadInput) {
+  files.files[u"x.qpf"_s].bytes = ComposeRecord(1, {}, u"V9"_s, {});
+  EXPECT_EQ(Run({u"tree"_s, u"--load"_s, u"x.qpf"_s}), kBadInput);
+  EXPECT_EQ(Err(), u"Unbekannte ReglerVersion: V9"_s + QString(28, u' ') + u'\n');
+}
+
+TEST_F(CliTest, AValueFileOfAnotherVersionIsAQuestion) {
+  files.files[u"x.qpf"_s].bytes =
+      ComposeRecord(2, {}, u"AB1-200.0"_s, {}) + ComposeRecord(55, {}, u"SOLL"_s, u"int"_s);
+  EXPECT_EQ(Run({u"tree"_s, u"--load"_s, u"x.qpf"_s}), kUnanswered);
+  EXPECT_EQ(Run({u"params"_s, u"--load"_s, u"x.qpf"_s, u"--answer"_s, u"second"_s}), kDone);
+  EXPECT_TRUE(Out().contains(u"1\tAntrieb\tDrehzahl\t55\t"_s));
+  EXPECT_EQ(Out().count(u'\n'), 2);
+}
+
+TEST_F(CliTest, ShowPrintsAValueFileWithoutDefinitions) {
+  files.files.remove(u"/d/VF.INI"_s);
+  files.files[u"x.qpf"_s].bytes = ComposeRecord(2, {}, u"AB1-200.0"_s, {}) +
+                                  ComposeRecord(-5, {}, u"SOLL"_s, u"int"_s) +
+                                  ComposeRecord(0, u"Öl"_s, u"NAME"_s, u"string4"_s);
+  EXPECT_EQ(Run({u"show"_s, u"x.qpf"_s}), kDone);
+  EXPECT_EQ(Out(), u"62\t2\tAB1-200.0\n2\tSOLL\tint\t-5\t"_s + QString(20, u' ') +
+                       u"\n3\tNAME\tstring4\t0\tÖl"_s + QString(18, u' ') + u'\n');
+  EXPECT_EQ(Run({u"show"_s, u"x.qpf"_s, u"--json"_s}), kDone);
+  EXPECT_EQ(QJsonDocument::fromJson(QByteArray::fromStdString(out.str())).object()[u"layout"_s].toInt(), 62);
 }
 
 TEST_F(CliTest, HelpAndProgramVersion) {

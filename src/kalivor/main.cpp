@@ -1,0 +1,149 @@
+// kalivor: the desktop program.
+#include <QApplication>
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QProcess>
+#include <QSessionManager>
+#include <QTranslator>
+#include <iostream>
+#include <memory>
+
+#include "kalivor/Arguments.h"
+#include "kalivor/Demo.h"
+#include "platform/plain/IniSettingsStore.h"
+#include "platform/posix/PosixFileSystem.h"
+#include "platform/posix/PosixSerialControl.h"
+#include "platform/posix/SerialDevices.h"
+#include "platform/posix/SystemClock.h"
+#include "platform/qt/QtEvents.h"
+#include "platform/qt/QtMessageBox.h"
+#include "platform/qt/TextPrinter.h"
+#include "ui/Resources.h"
+#include "ui/about/frmSplash.h"
+#include "ui/main/Desktop.h"
+#ifdef Q_OS_WIN
+#include "platform/win32/Win32Registry.h"
+#endif
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace kalivor;
+
+constexpr int kBadInput = 2;
+
+int Refuse(const QString& reason) {
+  std::cerr << reason.toStdString() << '\n';
+  return kBadInput;
+}
+
+// Everything of the real world, in the order of its needs.
+struct Process {
+  explicit Process(std::unique_ptr<platform::SettingsStore> store)
+      : settings(std::move(store)),
+        devices(platform::StoredDevices(*settings)),
+        line([this](int number) { return devices.Device(number); }) {}
+
+  ui::SystemInformation SystemInformation() {
+    ui::SystemInformation system;
+#ifdef Q_OS_WIN
+    system.registry = &registry;
+#endif
+    system.fileExists = [](const QString& path) { return QFileInfo::exists(path); };
+    system.start = [](const QString& program) { QProcess::startDetached(program, {}); };
+    return system;
+  }
+
+  std::unique_ptr<platform::SettingsStore> settings;
+  platform::QtMessageBox box;
+  platform::PosixFileSystem files;
+  platform::SerialDevices devices;
+  platform::PosixSerialControl line;
+  platform::SystemClock clock;
+  platform::QtEvents events;
+#ifdef Q_OS_WIN
+  platform::Win32Registry registry;
+#endif
+};
+
+// The program speaks German, and so are the toolkit's own dialogs to do.
+void InstallGermanTexts(QApplication& application) {
+  auto* translator = new QTranslator(&application);
+  if (translator->load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    QApplication::installTranslator(translator);
+}
+
+// A port number, or a device that stands for the stored one. Returns "" or the fault.
+QString TakePort(const QString& text, ui::RunSettings& run, QString& device) {
+  bool isNumber = false;
+  const int number = text.toInt(&isNumber);
+  if (!isNumber) {
+    device = text;
+  } else if (number >= 1 && number <= platform::kLargestPortNumber) {
+    run.port = static_cast<qint16>(number);
+  } else {
+    return u"Keine Schnittstelle von 1 bis 8: "_s + text;
+  }
+  return {};
+}
+
+int RunProgram(QApplication& application, Process& process, const ui::RunSettings& run, const QString& device,
+               const QString& valueFile) {
+  ui::frmSplash splash;
+  process.box.BeforeShow = [&splash] { splash.hide(); };
+  splash.ShowNow();
+  ui::Desktop desktop({*process.settings, process.box, process.files, process.line, process.clock,
+                       process.events, QCoreApplication::applicationDirPath(), process.SystemInformation(),
+                       [](const QString& text) {
+                         platform::AskAndPrintText(QApplication::activeWindow(), u"Report"_s, text);
+                       }},
+                      run);
+  if (!device.isEmpty()) process.devices.Override(desktop.module.Schnittstelle, device);
+  QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop.main,
+                   [&desktop](QSessionManager&) { desktop.main.EndSession(); });
+  desktop.Start();
+  desktop.Show();
+  splash.close();
+  if (!valueFile.isEmpty() && desktop.OpenValueFile) {
+    desktop.guard([&] { desktop.OpenValueFile(valueFile); });
+  }
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(u"KALIVOR"_s);
+  QApplication::setDesktopFileName(u"kalivor"_s);
+  QApplication::setWindowIcon(ui::ProgramIcon());
+  InstallGermanTexts(application);
+
+  const Arguments arguments = ParseArguments(QCoreApplication::arguments().sliced(1));
+  if (!arguments.error.isEmpty()) return Refuse(arguments.error);
+  if (arguments.help) {
+    std::cout << HelpText().toStdString();
+    return 0;
+  }
+  if (arguments.programVersion) {
+    std::cout << "kalivor " << KALIVOR_VERSION << '\n';
+    return 0;
+  }
+
+  ui::RunSettings run{arguments.iniPath, arguments.iniFile, {}};
+  QString device;
+  if (arguments.port) {
+    const QString fault = TakePort(*arguments.port, run, device);
+    if (!fault.isEmpty()) return Refuse(fault);
+  }
+  Demo demo;
+  if (!arguments.demo) {
+    Process process(std::make_unique<platform::IniSettingsStore>());
+    return RunProgram(application, process, run, device, arguments.valueFile);
+  }
+  const QString fault = demo.Start();
+  if (!fault.isEmpty()) return Refuse(fault);
+  if (!run.iniPath) run.iniPath = demo.Folder();
+  Process process(std::make_unique<platform::IniSettingsStore>(demo.SettingsFile()));
+  return RunProgram(application, process, run, demo.Device(), arguments.valueFile);
+}

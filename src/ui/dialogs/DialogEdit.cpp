@@ -1,0 +1,120 @@
+#include "ui/dialogs/DialogEdit.h"
+
+#include <QGridLayout>
+#include <QMouseEvent>
+
+#include "platform/qt/ShownText.h"
+#include "ui/Resources.h"
+#include "ui/dialogs/Controls.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::ui {
+namespace {
+
+constexpr int kWidth_characters = 60;
+
+}  // namespace
+
+DialogEdit::DialogEdit() {
+  setObjectName(u"DialogEdit"_s);
+  setWindowTitle(u"Edit Parameter"_s);
+  setWindowIcon(ProgramIcon());
+
+  labelName_ = NewLabel(this, u"LabelName"_s, u"Name"_s, true);
+  textWert_ = NewTextBox(this, u"TextWert"_s, u"Wert"_s);
+  textWert_->setText(u"Wert"_s);
+  commandStd_ = NewButton(this, u"CommandStd"_s, u"<"_s);
+  commandStd_->setAccessibleName(u"Standardwert übernehmen"_s);
+  commandStd_->setAutoDefault(false);
+  textStd_ = NewTextBox(this, u"TextStd"_s, u"Standard"_s);
+  textVon_ = NewTextBox(this, u"TextVon"_s, u"Minimum"_s);
+  textBis_ = NewTextBox(this, u"TextBis"_s, u"Maximum"_s);
+  for (QLineEdit* box : {textStd_, textVon_, textBis_})
+    box->setReadOnly(true);
+  textStd_->installEventFilter(this);
+  labelHilfetext_ = NewLabel(this, u"LabelHilfetext"_s, QString(), true);
+  nr_ = NewHiddenTextBox(this, u"Nr"_s);
+  treedex_ = NewHiddenTextBox(this, u"Treedex"_s);
+  const OkCancel buttons = NewOkCancel(this, u"OK"_s, u"Abbrechen"_s);
+
+  auto* grid = new QGridLayout;
+  const auto addRow = [&](int row, const QString& name, const QString& caption, QLineEdit* box) {
+    grid->addWidget(NewLabel(this, name, caption), row, 0);
+    grid->addWidget(box, row, 1);
+    units_.push_back(NewLabel(this, u"LabelEinheit"_s, QString()));
+    grid->addWidget(units_.back(), row, 2);
+  };
+  addRow(0, u"LabelWert"_s, u"Wert"_s, textWert_);
+  addRow(1, u"LabelStd"_s, u"Standard"_s, textStd_);
+  grid->addWidget(commandStd_, 1, 3);
+  addRow(2, u"LabelVon"_s, u"Minimum"_s, textVon_);
+  addRow(3, u"LabelBis"_s, u"Maximum"_s, textBis_);
+  grid->setColumnStretch(1, 1);
+
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(labelName_);
+  layout->addLayout(grid);
+  layout->addWidget(labelHilfetext_);
+  layout->addStretch();
+  layout->addLayout(buttons.row);
+  setTabOrder(textWert_, commandStd_);
+  setTabOrder(commandStd_, textStd_);
+  setTabOrder(textStd_, textVon_);
+  setTabOrder(textVon_, textBis_);
+  setTabOrder(textBis_, buttons.ok);
+  setTabOrder(buttons.ok, buttons.cancel);
+
+  connect(commandStd_, &QPushButton::clicked, this, &DialogEdit::TakeStandard);
+  connect(buttons.ok, &QPushButton::clicked, this, [this] {
+    if (OnOk) OnOk(Content());
+  });
+  connect(buttons.cancel, &QPushButton::clicked, this, &DialogEdit::reject);
+}
+
+void DialogEdit::Fill(const NumberEdit& content) {
+  labelName_->setText(content.LabelName);
+  textWert_->setText(content.TextWert);
+  textVon_->setText(content.TextVon);
+  textBis_->setText(content.TextBis);
+  textStd_->setText(content.TextStd);
+  for (QLabel* unit : units_)
+    unit->setText(content.LabelEinheit);
+  labelHilfetext_->setText(platform::WithPlainLineBreaks(content.LabelHilfetext));
+  nr_->setText(content.Nr);
+  treedex_->setText(content.Treedex);
+  FitToContent(*this, kWidth_characters);
+  textWert_->setFocus();
+  textWert_->selectAll();
+}
+
+NumberEdit DialogEdit::Content() const {
+  return {.LabelName = labelName_->text(),
+          .TextWert = textWert_->text(),
+          .TextVon = textVon_->text(),
+          .TextBis = textBis_->text(),
+          .TextStd = textStd_->text(),
+          .LabelEinheit = units_.front()->text(),
+          .LabelHilfetext = labelHilfetext_->text(),
+          .Nr = nr_->text(),
+          .Treedex = treedex_->text()};
+}
+
+void DialogEdit::TakeStandard() {
+  textWert_->setText(textStd_->text());
+}
+
+bool DialogEdit::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == textStd_ && event->type() == QEvent::MouseButtonPress &&
+      static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+    TakeStandard();
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+// QDialog's closeEvent comes here as well. While an operation is under way the dialog stays.
+void DialogEdit::reject() {
+  if (isEnabled() && OnCancel) OnCancel();
+}
+
+}  // namespace kalivor::ui

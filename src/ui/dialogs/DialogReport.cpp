@@ -1,0 +1,135 @@
+#include "ui/dialogs/DialogReport.h"
+
+#include <QBoxLayout>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QScrollBar>
+#include <QWindow>
+
+#include "platform/qt/FixedFont.h"
+#include "platform/qt/ShownText.h"
+#include "platform/qt/WindowPlacing.h"
+#include "ui/Resources.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::ui {
+namespace {
+
+constexpr int kColumns = 72;
+constexpr int kLines = 18;
+// How long a window system may take to show the window before the transfer starts without it.
+constexpr int kLongestShowing_ms = 250;
+
+}  // namespace
+
+DialogReport::DialogReport() {
+  setObjectName(u"DialogReport"_s);
+  setWindowTitle(u"Report"_s);
+  setWindowIcon(ProgramIcon());
+
+  textBox_ = new QPlainTextEdit(u"Textbox\n"_s);
+  textBox_->setObjectName(u"TextBox"_s);
+  textBox_->setAccessibleName(u"Report"_s);
+  textBox_->setReadOnly(true);
+  textBox_->setUndoRedoEnabled(false);
+  textBox_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  textBox_->setTabChangesFocus(true);
+  textBox_->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  textBox_->setFont(platform::FixedFont());
+  const QFontMetrics metrics(textBox_->font());
+  textBox_->setMinimumSize(metrics.horizontalAdvance(u'0') * kColumns / 2, metrics.lineSpacing() * 5);
+
+  const auto newButton = [this](const QString& name, const QString& caption) {
+    auto* button = new QPushButton(caption, this);
+    button->setObjectName(name);
+    return button;
+  };
+  command_Abbruch_ = newButton(u"Command_Abbruch"_s, u"Abbrechen"_s);
+  commandPrint_ = newButton(u"CommandPrint"_s, u"Print"_s);
+  okButton_ = newButton(u"OKButton"_s, u"OK"_s);
+  okButton_->setDefault(true);
+  commandPrint_->setAutoDefault(false);
+  command_Abbruch_->setEnabled(false);
+
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(command_Abbruch_);
+  buttons->addWidget(commandPrint_);
+  buttons->addStretch();
+  buttons->addWidget(okButton_);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(textBox_);
+  layout->addLayout(buttons);
+  resize(metrics.horizontalAdvance(u'0') * kColumns, metrics.lineSpacing() * kLines + 60);
+}
+
+void DialogReport::Connect(Report& report, const platform::EventGuard& guard,
+                           const std::function<void(const QString& text)>& print) {
+  const auto connectButton = [this, &guard](QPushButton* button, auto action) {
+    connect(button, &QPushButton::clicked, this, [&guard, action] { guard(action); });
+  };
+  connectButton(command_Abbruch_, [&report] { report.Command_Abbruch_Click(); });
+  connectButton(okButton_, [&report] { report.OKButton_Click(); });
+  connectButton(commandPrint_, [&report, &print] {
+    if (print) print(report.Text());
+  });
+}
+
+void DialogReport::SetVisible(bool visible) {
+  if (!visible) {
+    hide();
+    return;
+  }
+  if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
+  const bool wasVisible = isVisible();
+  platform::ShowInFront(*this);
+  if (!wasVisible) WaitUntilShown();
+}
+
+// The line may keep the program from painting for a while after this.
+void DialogReport::WaitUntilShown() {
+  const QDeadlineTimer deadline(kLongestShowing_ms);
+  while (isVisible() && !windowHandle()->isExposed() && !deadline.hasExpired())
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+void DialogReport::Clear() {
+  textBox_->clear();
+}
+
+void DialogReport::Append(QTextCursor& cursor, const QString& text) {
+  cursor.insertText(platform::WithPlainLineBreaks(text));
+  textBox_->moveCursor(QTextCursor::End);
+  textBox_->verticalScrollBar()->setValue(textBox_->verticalScrollBar()->maximum());
+}
+
+// Only the end of the text is touched, so that long reports grow as fast as short ones.
+void DialogReport::AppendLine(const QString& text) {
+  QTextCursor cursor(textBox_->document());
+  cursor.movePosition(QTextCursor::End);
+  Append(cursor, text + u'\n');
+}
+
+void DialogReport::ContinueLine(const QString& text) {
+  QTextCursor cursor(textBox_->document());
+  cursor.movePosition(QTextCursor::End);
+  cursor.movePosition(QTextCursor::PreviousCharacter);
+  Append(cursor, text);
+}
+
+void DialogReport::SetOkEnabled(bool enabled) {
+  okButton_->setEnabled(enabled);
+  // A print dialog would hold up the transfer.
+  commandPrint_->setEnabled(enabled);
+}
+
+void DialogReport::SetAbortEnabled(bool enabled) {
+  command_Abbruch_->setEnabled(enabled);
+}
+
+// Escape and the window's frame. QDialog's closeEvent comes here as well.
+void DialogReport::reject() {
+  (okButton_->isEnabled() ? okButton_ : command_Abbruch_)->click();
+}
+
+}  // namespace kalivor::ui

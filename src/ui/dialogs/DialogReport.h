@@ -1,0 +1,47 @@
+// The report of a transfer on the screen.
+#pragma once
+
+#include <QDialog>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <functional>
+
+#include "core/Report.h"
+#include "platform/qt/EventGuard.h"
+
+namespace kalivor::ui {
+
+class DialogReport final : public QDialog, public ReportView {
+ public:
+  DialogReport();
+
+  /// Connects the buttons. Closing the window is "OK", and "Abbrechen" as long as that is not to be had.
+  /// `print` prints the report's text. All must outlive the dialog.
+  void Connect(Report& report, const platform::EventGuard& guard,
+               const std::function<void(const QString& text)>& print);
+
+  /// The window to stay above.
+  void SetOwner(const QWidget& owner) { owner_ = &owner; }
+
+  // ReportView
+  void SetVisible(bool visible) override;
+  void Clear() override;
+  void AppendLine(const QString& text) override;
+  void ContinueLine(const QString& text) override;
+  void SetOkEnabled(bool enabled) override;
+  void SetAbortEnabled(bool enabled) override;
+
+  void reject() override;
+
+ private:
+  void WaitUntilShown();
+  void Append(QTextCursor& cursor, const QString& text);
+
+  const QWidget* owner_ = nullptr;
+  QPlainTextEdit* textBox_;
+  QPushButton* command_Abbruch_;
+  QPushButton* commandPrint_;
+  QPushButton* okButton_;
+};
+
+}  // namespace kalivor::ui

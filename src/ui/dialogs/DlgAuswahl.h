@@ -1,0 +1,35 @@
+// A question with two alternatives.
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+
+#include "base/Forms.h"
+#include "base/Module1.h"
+
+namespace kalivor::ui {
+
+/// Its buttons write 1 or 2 into `Antwort` and hide it. Neither is a safe answer that closing the window
+/// could stand for, so it cannot be closed otherwise.
+class DlgAuswahl final : public QDialog, public ChoiceForm {
+ public:
+  /// `module` must outlive the dialog.
+  explicit DlgAuswahl(Module1& module);
+
+  /// The window to stay above.
+  void SetOwner(const QWidget& owner) { owner_ = &owner; }
+
+  void Show(const QString& question, const QString& first, const QString& second) override;
+
+  void reject() override {}
+
+ private:
+  Module1& module_;
+  const QWidget* owner_ = nullptr;
+  QLabel* label1_;
+  QPushButton* button1_;
+  QPushButton* button2_;
+};
+
+}  // namespace kalivor::ui

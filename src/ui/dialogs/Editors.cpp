@@ -1,0 +1,51 @@
+#include "ui/dialogs/Editors.h"
+
+#include "commands/EditorCommands.h"
+#include "platform/qt/WindowPlacing.h"
+
+namespace kalivor::ui {
+
+void Editors::Connect(Core& core, const platform::EventGuard& guard) {
+  number.OnOk = [this, &core, &guard](const NumberEdit& content) {
+    guard([&] {
+      DialogEdit_OK(core, content);
+      Hide(number);
+    });
+  };
+  text.OnOk = [this, &core, &guard](const TextEdit& content) {
+    guard([&] {
+      DialogEditString_OK(core, content);
+      Hide(text);
+    });
+  };
+  number.OnCancel = [this] { Hide(number); };
+  text.OnCancel = [this] { Hide(text); };
+}
+
+void Editors::ShowNumberEditor(const NumberEdit& content) {
+  number.Fill(content);
+  Show(number);
+}
+
+void Editors::ShowTextEditor(const TextEdit& content) {
+  text.Fill(content);
+  Show(text);
+}
+
+void Editors::HideEditors() {
+  Hide(number);
+  Hide(text);
+}
+
+void Editors::Show(QDialog& editor) {
+  if (owner_ != nullptr) platform::KeepAbove(editor, *owner_);
+  platform::ShowInFront(editor);
+}
+
+void Editors::Hide(QDialog& editor) {
+  if (!editor.isVisible()) return;
+  editor.hide();
+  EditorHidden(module_, number.isVisible() || text.isVisible());
+}
+
+}  // namespace kalivor::ui

@@ -1,0 +1,79 @@
+// The desktop program without the process around it: tables, windows and commands wired together.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "comm/TH.h"
+#include "commands/EventBoundary.h"
+#include "core/Report.h"
+#include "platform/Clock.h"
+#include "platform/SettingsStore.h"
+#include "ui/about/SystemInformation.h"
+#include "ui/dialogs/DialogReport.h"
+#include "ui/dialogs/DlgAchtung.h"
+#include "ui/dialogs/DlgAuswahl.h"
+#include "ui/dialogs/Editors.h"
+#include "ui/main/frmMain.h"
+
+namespace kalivor::ui {
+
+/// The world that the program works in. Everything must outlive it.
+struct World {
+  platform::SettingsStore& settings;
+  platform::MessageBox& box;
+  platform::FileSystem& files;
+  platform::SerialControl& line;
+  platform::Clock& clock;
+  platform::Events& events;
+  QString programFolder;                               ///< default of the folders among the settings
+  SystemInformation systemInformation;                 ///< for the about box
+  std::function<void(const QString& text)> printText;  ///< prints the report
+};
+
+/// Settings of the command line: they hold for one run and are not stored.
+struct RunSettings {
+  std::optional<QString> iniPath;
+  std::optional<QString> iniFile;
+  std::optional<qint16> port;
+};
+
+/// The order of the members is that of their needs. Construction loads the main window: settings and place.
+struct Desktop {
+  explicit Desktop(const World& world, const RunSettings& run = {});
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  /// Reads the definitions, builds the tree, configures the port. Errors are shown in boxes.
+  void Start();
+
+  /// Shows the main window.
+  void Show();
+
+  /// Opens a value file; empty as long as the program cannot.
+  std::function<void(const QString& path)> OpenValueFile;
+
+  World world;
+  platform::EventGuard guard;
+  Module1 module;
+  frmMain main;
+  Editors editors;
+  DlgAuswahl auswahl;
+  DlgAchtung achtung;
+  TH timers;
+  COM_T_frm host;
+  DialogReport reportDialog;
+  Report report;
+  COM_A controller;
+  Core core;
+
+ private:
+  void LoadMain(const RunSettings& run);
+  void StoreSettings();
+  void ShowAbout();
+
+  RunSettings run_;  // as the tables hold it
+  Module1 stored_;   // the settings as they were stored
+};
+
+}  // namespace kalivor::ui

@@ -1,0 +1,304 @@
+#include "ui/main/frmMain.h"
+
+#include <QApplication>
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScopedValueRollback>
+#include <QScreen>
+#include <QStatusBar>
+#include <algorithm>
+#include <array>
+
+#include "commands/StartUp.h"
+#include "commands/TransferCommands.h"
+#include "platform/qt/FixedFont.h"
+#include "platform/qt/WindowPlacing.h"
+#include "ui/Resources.h"
+#include "ui/main/WindowGeometry.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::ui {
+namespace {
+
+// The designed layout in device-independent pixels, counted from the lower edge of the menu bar: the tree
+// from 50 down to 50 above the lower edge of the window, the upper edges of the buttons 45 above it. With a
+// font too large for it the strips above and below the tree grow.
+constexpr int kTreeTop_px = 50;
+constexpr int kTreeBottom_px = 50;
+constexpr int kButtonTop_px = 45;
+constexpr int kMargin_px = 5;
+constexpr int kButtonGap_px = 4;
+constexpr int kSmallestButton_px = 102;
+constexpr int kSmallestFrame_px = 205;
+constexpr int kSmallestTree_px = 100;
+
+template <typename Widget>
+Widget* Named(Widget* widget, const QString& name) {
+  widget->setObjectName(name);
+  return widget;
+}
+
+// A frame with a list, `title` above it.
+QGroupBox* NewFrame(QWidget* parent, const QString& name, const QString& title, QComboBox* list) {
+  auto* frame = Named(new QGroupBox(title, parent), name);
+  auto* layout = new QVBoxLayout(frame);
+  layout->setContentsMargins(kMargin_px, 0, kMargin_px, 2);
+  layout->addWidget(list);
+  return frame;
+}
+
+QComboBox* NewList(const QString& name, const QString& accessibleName, const QString& designText) {
+  auto* list = Named(new platform::DropDownList, name);
+  list->setAccessibleName(accessibleName);
+  list->setPlaceholderText(designText);
+  list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  list->setMinimumContentsLength(10);
+  return list;
+}
+
+QPushButton* NewButton(QWidget* parent, const QString& name, const QString& caption, const QString& toolTip) {
+  auto* button = Named(new QPushButton(caption, parent), name);
+  button->setToolTip(toolTip);
+  return button;
+}
+
+double Dpi(const QWidget& widget) {
+  return widget.screen()->logicalDotsPerInchX();
+}
+
+}  // namespace
+
+frmMain::frmMain(const platform::EventGuard& guard)
+    : guard_(guard),
+      body_(Named(new QWidget(this), u"body"_s)),
+      comboVN_(NewList(u"ComboVN"_s, u"Versionsnummer"_s, u"Versionsnummer"_s)),
+      comboArt_(NewList(u"ComboArt"_s, u"Anlageart"_s, u"Art"_s)),
+      tree_(Named(new platform::NodeTree(body_), u"TreeView"_s)),
+      versions_(*comboVN_, guard),
+      plants_(*comboArt_, guard),
+      nodes_(*tree_, guard) {
+  setObjectName(u"frmMain"_s);
+  setWindowTitle(u"KALIVOR"_s);
+  setWindowIcon(ProgramIcon());
+  BuildControls();
+  BuildStatusBar();
+  BuildMenus(*this, menuActions_, guard_);
+  SetTabOrder();
+  setCentralWidget(body_);
+  body_->installEventFilter(this);
+  statusBar()->installEventFilter(this);
+  Arrange();
+}
+
+// Before the members that the widgets call back.
+frmMain::~frmMain() {
+  body_->removeEventFilter(this);
+  statusBar()->removeEventFilter(this);
+}
+
+void frmMain::BuildControls() {
+  frame1_ = NewFrame(body_, u"Frame1"_s, u"Versionsnummer"_s, comboVN_);
+  frame2_ = NewFrame(body_, u"Frame2"_s, u"Anlageart"_s, comboArt_);
+  tree_->setFont(platform::FixedFont());
+  tree_->setAccessibleName(u"Parameter"_s);
+  commandEmpfangen_ = NewButton(body_, u"CommandEmpfangen"_s, u"Empfangen"_s,
+                                u"Empfängt alle angekreuzten Parameter vom angeschlossenen Regler."_s);
+  commandSenden_ = NewButton(body_, u"CommandSenden"_s, u"Senden"_s,
+                             u"Sendet alle angekreuzten Parameter an den angeschlossenen Regler."_s);
+  commandStandard_ = NewButton(body_, u"CommandStandard"_s, u"Standard"_s,
+                               u"Setzt alle angekreuzten Parameter auf den jeweiligen Standardwert."_s);
+  commandVergleichen_ =
+      NewButton(body_, u"CommandVergleichen"_s, u"Vergleichen"_s,
+                u"Vergleicht alle angekreuzten Parameter mit den entsprechenden im angeschlossenen "
+                "Regler und meldet alle Abweichungen."_s);
+}
+
+void frmMain::BuildStatusBar() {
+  QStatusBar* bar = Named(statusBar(), u"sbStatusBar"_s);
+  state_ = Named(new QLabel, u"state"_s);
+  state_->setAccessibleDescription(u"Zustand"_s);
+  file_ = Named(new QLabel, u"file"_s);
+  file_->setAccessibleDescription(u"Wertedatei"_s);
+  file_->setTextFormat(Qt::PlainText);
+  // A long path must not widen the window.
+  file_->setMinimumWidth(1);
+  bar->setContentsMargins(kMargin_px, 0, 0, 0);
+  bar->addWidget(state_);
+  bar->addWidget(file_);
+}
+
+void frmMain::SetTabOrder() {
+  const std::array<QWidget*, 7> order{
+      comboVN_, comboArt_, tree_, commandEmpfangen_, commandSenden_, commandStandard_, commandVergleichen_};
+  for (std::size_t i = 1; i < order.size(); ++i)
+    setTabOrder(order[i - 1], order[i]);
+  comboVN_->setFocus();
+}
+
+std::vector<QPushButton*> frmMain::Buttons() const {
+  return {commandEmpfangen_, commandSenden_, commandStandard_, commandVergleichen_};
+}
+
+void frmMain::Connect(Core& core) {
+  module_ = &core.module;
+  ConnectHandlers(core);
+  const auto connectButton = [this, &core](QPushButton* button, auto command) {
+    connect(button, &QPushButton::clicked, this,
+            [this, &core, command] { guard_([&core, command] { (void)command(core); }); });
+  };
+  connectButton(commandEmpfangen_, CommandEmpfangen_Click);
+  connectButton(commandSenden_, CommandSenden_Click);
+  connectButton(commandVergleichen_, CommandVergleichen_Click);
+  connect(commandStandard_, &QPushButton::clicked, this,
+          [this, &core] { guard_([&core] { CommandStandard_Click(core); }); });
+}
+
+void frmMain::SetMenuActions(MenuActions actions) {
+  menuActions_ = std::move(actions);
+  menuActions_.FileExit = [this] { close(); };
+  UpdateMenus(*this, menuActions_);
+}
+
+void frmMain::AddCompanion(QWidget& window, bool disabledWhileBusy) {
+  companions_.push_back({&window, disabledWhileBusy});
+}
+
+// The two strips and the buttons have their sizes from the font, the tree gets what is left.
+void frmMain::Arrange() {
+  if (isMinimized() || arranging_) return;
+  const QScopedValueRollback arranging(arranging_, true);
+
+  const int barHeight = fontMetrics().height() + 5;
+  statusBar()->setFixedHeight(barHeight);
+  const int width = body_->width();
+  const int height = body_->height() + barHeight;
+
+  const int buttonHeight = std::max(fontMetrics().height() + 7, kButtonTop_px - barHeight - 1);
+  const int buttonTop = std::max(kButtonTop_px, barHeight + buttonHeight + 1);
+  const int treeBottom = buttonTop + kTreeBottom_px - kButtonTop_px;
+  const int frameHeight = std::max(frame1_->sizeHint().height(), frame2_->sizeHint().height());
+  const int treeTop = std::max(kTreeTop_px, frameHeight + 1);
+
+  ArrangeTop(treeTop - 1);
+  tree_->setGeometry(0, treeTop, width, height - treeTop - treeBottom);
+  ArrangeButtons(height - buttonTop, buttonHeight);
+  const int right = commandVergleichen_->geometry().right() + kMargin_px;
+  body_->setMinimumSize(std::max(right, frame2_->geometry().right() + kMargin_px),
+                        treeTop + kSmallestTree_px + treeBottom - barHeight);
+}
+
+void frmMain::ArrangeTop(int height) {
+  int left = kMargin_px;
+  for (QGroupBox* frame : {frame1_, frame2_}) {
+    const int width = std::max(kSmallestFrame_px, frame->sizeHint().width());
+    frame->setGeometry(left, 0, width, height);
+    left += width + kMargin_px;
+  }
+}
+
+void frmMain::ArrangeButtons(int top, int height) {
+  int width = kSmallestButton_px;
+  for (const QPushButton* button : Buttons())
+    width = std::max(width, button->sizeHint().width());
+  int left = kMargin_px;
+  for (QPushButton* button : Buttons()) {
+    button->setGeometry(left, top, width, height);
+    left += width + kButtonGap_px;
+  }
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+  const bool resized = event->type() == QEvent::Resize;
+  if (resized && (watched == body_ || watched == statusBar())) Arrange();
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  switch (event->type()) {
+    case QEvent::ApplicationFontChange:
+    case QEvent::FontChange:
+    case QEvent::StyleChange:
+      if (centralWidget() == nullptr) return;
+      tree_->setFont(platform::FixedFont());
+      Arrange();
+      return;
+    case QEvent::WindowStateChange:
+      if (centralWidget() != nullptr) Arrange();
+      return;
+    default:
+      return;
+  }
+}
+
+void frmMain::LoadPlace(const platform::SettingsStore& settings, platform::MessageBox& box) {
+  QList<QRect> screens;
+  for (const QScreen* screen : QGuiApplication::screens())
+    screens.append(screen->availableGeometry());
+  const QRect place = OnScreen(LoadGeometry(settings, box, Dpi(*this)), screens);
+  resize(place.size());
+  move(place.topLeft());
+}
+
+void frmMain::SavePlace(platform::SettingsStore& settings) const {
+  if (isMinimized() || isMaximized() || isFullScreen()) return;
+  SaveGeometry(settings, QRect(pos(), size()), Dpi(*this));
+}
+
+void frmMain::ShowFile(const QString& path) {
+  file_->setText(path);
+  file_->setToolTip(path);
+}
+
+void frmMain::SetPlantSelectorVisible(bool visible) {
+  plantSelectorVisible_ = visible;
+  frame2_->setVisible(visible);
+}
+
+void frmMain::SetEnabled(bool enabled) {
+  if (!enabled) focusBeforeBusy_ = focusWidget();
+  // What the user did to the windows meanwhile is delivered, and lost, as long as they are disabled.
+  if (enabled && isVisible() && !isEnabled()) QGuiApplication::sync();
+  setEnabled(enabled);
+  for (const Companion& companion : companions_) {
+    if (companion.window && companion.disabledWhileBusy) companion.window->setEnabled(enabled);
+  }
+  if (!enabled) return;
+  if (focusBeforeBusy_ && focusWidget() == nullptr) focusBeforeBusy_->setFocus();
+  focusBeforeBusy_.clear();
+  if (closeWhenReady_) QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+}
+
+void frmMain::ShowState(const QString& text) {
+  state_->setText(text);
+}
+
+void frmMain::ShowAgain() {
+  platform::ShowInFront(*this);
+}
+
+void frmMain::EndSession() {
+  closeWhenReady_ = true;
+  if (isEnabled()) {
+    close();
+  } else if (module_ != nullptr) {
+    module_->Abbruch = kTrue;
+  }
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  const bool busy = !isEnabled() || (module_ != nullptr && module_->BusyDepth > 0);
+  if (busy || (MayClose && !MayClose())) {
+    event->ignore();
+    return;
+  }
+  for (auto companion = companions_.rbegin(); companion != companions_.rend(); ++companion) {
+    if (companion->window) companion->window->hide();
+  }
+  if (OnUnload) OnUnload();
+  event->accept();
+}
+
+}  // namespace kalivor::ui

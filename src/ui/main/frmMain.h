@@ -1,0 +1,112 @@
+// The main window: lists, tree, transfer buttons, menus, status bar.
+#pragma once
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QPointer>
+#include <QPushButton>
+#include <vector>
+
+#include "core/Core.h"
+#include "platform/SettingsStore.h"
+#include "platform/qt/QtListBox.h"
+#include "platform/qt/QtTreeView.h"
+#include "ui/main/Menu.h"
+
+namespace kalivor::ui {
+
+class frmMain final : public QMainWindow, public MainForm {
+ public:
+  /// `guard` runs what the user sets off; it must outlive the window.
+  explicit frmMain(const platform::EventGuard& guard);
+  ~frmMain() override;
+  frmMain(const frmMain&) = delete;
+  frmMain& operator=(const frmMain&) = delete;
+
+  /// Connects buttons, lists and tree with their commands. `core` must outlive the window.
+  void Connect(Core& core);
+
+  /// Connects the menu. Exit is the window's own.
+  void SetMenuActions(MenuActions actions);
+
+  /// A window that takes no input while an operation is under way, and that closes with the main window.
+  void AddCompanion(QWidget& window, bool disabledWhileBusy);
+
+  /// Places the window as the settings say; reports what cannot be read.
+  void LoadPlace(const platform::SettingsStore& settings, platform::MessageBox& box);
+
+  /// Stores the window's place, if it is neither minimised nor maximised.
+  void SavePlace(platform::SettingsStore& settings) const;
+
+  /// Panel 2 of the status bar: the current value file.
+  void ShowFile(const QString& path);
+
+  /// Lets the window be closed. It refuses as long as this returns false, and while it is disabled.
+  std::function<bool()> MayClose;
+
+  /// Runs once when the window closes, after its companions have.
+  std::function<void()> OnUnload;
+
+  /// The session ends: an operation under way is asked to stop, and the window closes after it.
+  void EndSession();
+
+  // MainForm
+  [[nodiscard]] platform::ListBox& ComboVN() override { return versions_; }
+  [[nodiscard]] platform::ListBox& ComboArt() override { return plants_; }
+  [[nodiscard]] platform::TreeView& Tree() override { return nodes_; }
+  void SetPlantSelectorVisible(bool visible) override;
+  [[nodiscard]] bool PlantSelectorVisible() const { return plantSelectorVisible_; }
+  void SetEnabled(bool enabled) override;
+  void ShowState(const QString& text) override;
+  void ShowAgain() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  struct Companion {
+    QPointer<QWidget> window;
+    bool disabledWhileBusy;
+  };
+
+  void BuildControls();
+  void BuildStatusBar();
+  void SetTabOrder();
+  void Arrange();
+  void ArrangeTop(int height);
+  void ArrangeButtons(int top, int height);
+  [[nodiscard]] std::vector<QPushButton*> Buttons() const;
+
+  const platform::EventGuard& guard_;
+  MenuActions menuActions_;
+  Module1* module_ = nullptr;
+
+  QWidget* body_;
+  QGroupBox* frame1_;
+  QComboBox* comboVN_;
+  QGroupBox* frame2_;
+  QComboBox* comboArt_;
+  platform::NodeTree* tree_;
+  QPushButton* commandEmpfangen_;
+  QPushButton* commandSenden_;
+  QPushButton* commandStandard_;
+  QPushButton* commandVergleichen_;
+  QLabel* state_;
+  QLabel* file_;
+
+  platform::QtListBox versions_;
+  platform::QtListBox plants_;
+  platform::QtTreeView nodes_;
+
+  std::vector<Companion> companions_;
+  QPointer<QWidget> focusBeforeBusy_;
+  bool plantSelectorVisible_ = true;
+  bool closeWhenReady_ = false;
+  bool arranging_ = false;
+};
+
+}  // namespace kalivor::ui

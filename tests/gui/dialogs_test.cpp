@@ -1,0 +1,161 @@
+// The two questions, and the message box.
+#include <QMessageBox>
+#include <QTimer>
+
+#include "core/Questions.h"
+#include "gui/GuiFixture.h"
+#include "platform/qt/QtMessageBox.h"
+
+namespace kalivor::test {
+namespace {
+
+class DialogsTest : public GuiTest {};
+
+TEST_F(DialogsTest, TheChoiceShowsItsTexts) {
+  Start();
+  desktop->auswahl.Show(u"Eins\n\rzwei\r\ndrei"_s, u"PC: A & B"_s, u"Regler: C"_s);
+  EXPECT_TRUE(desktop->auswahl.isVisible());
+  EXPECT_FALSE(desktop->auswahl.isModal());
+  EXPECT_EQ(desktop->auswahl.objectName(), u"DlgAuswahl"_s);
+  EXPECT_EQ(desktop->auswahl.windowTitle(), u"Wählen"_s);
+  EXPECT_EQ(In<QLabel>(desktop->auswahl, u"Label1"_s).text(), u"Eins\nzwei\ndrei"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->auswahl, u"Button1"_s).text(), u"PC: A && B"_s)
+      << "shows as one ampersand";
+  EXPECT_EQ(In<QPushButton>(desktop->auswahl, u"Button2"_s).text(), u"Regler: C"_s);
+}
+
+TEST_F(DialogsTest, TheButtonsOfTheChoiceAnswerAndHide) {
+  Start();
+  for (const qint16 answer : {qint16{1}, qint16{2}}) {
+    desktop->module.Antwort = -1;
+    desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
+    Click(desktop->auswahl, u"Button%1"_s.arg(answer));
+    EXPECT_EQ(desktop->module.Antwort, answer);
+    EXPECT_FALSE(desktop->auswahl.isVisible());
+  }
+}
+
+TEST_F(DialogsTest, TheChoiceCannotBeClosedWithoutAnAnswer) {
+  Start();
+  desktop->module.Antwort = -1;
+  desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
+  EXPECT_FALSE(desktop->auswahl.close());
+  QTest::keyClick(&desktop->auswahl, Qt::Key_Escape);
+  EXPECT_TRUE(desktop->auswahl.isVisible());
+  EXPECT_EQ(desktop->module.Antwort, -1);
+  EXPECT_FALSE(desktop->auswahl.windowFlags() & Qt::WindowCloseButtonHint);
+}
+
+TEST_F(DialogsTest, TheChoiceCanBeAnsweredWithTheKeyboard) {
+  Start();
+  desktop->module.Antwort = -1;
+  desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
+  EXPECT_EQ(desktop->auswahl.focusWidget()->objectName(), u"Button1"_s);
+  QTest::keyClick(desktop->auswahl.focusWidget(), Qt::Key_Tab);
+  QTest::keyClick(desktop->auswahl.focusWidget(), Qt::Key_Space);
+  EXPECT_EQ(desktop->module.Antwort, 2);
+}
+
+TEST_F(DialogsTest, TheWarningIsAnsweredWithYesOrNo) {
+  Start();
+  EXPECT_EQ(desktop->achtung.windowTitle(), u"Achtung!"_s);
+  EXPECT_EQ(desktop->achtung.objectName(), u"DlgAchtung"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->achtung, u"OKButton"_s).text(), u"Ja"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->achtung, u"CancelButton"_s).text(), u"Nein"_s);
+  desktop->module.Antwort = -1;
+  desktop->achtung.Show(u"Eins\n\rzwei"_s);
+  EXPECT_FALSE(desktop->achtung.isModal());
+  EXPECT_EQ(In<QLabel>(desktop->achtung, u"Label1"_s).text(), u"Eins\nzwei"_s);
+  Click(desktop->achtung, u"OKButton"_s);
+  EXPECT_EQ(desktop->module.Antwort, 1);
+  EXPECT_FALSE(desktop->achtung.isVisible());
+  desktop->achtung.Show(u"?"_s);
+  Click(desktop->achtung, u"CancelButton"_s);
+  EXPECT_EQ(desktop->module.Antwort, 0);
+  EXPECT_FALSE(desktop->achtung.isVisible());
+}
+
+TEST_F(DialogsTest, ClosingTheWarningIsNo) {
+  Start();
+  desktop->module.Antwort = -1;
+  desktop->achtung.Show(u"?"_s);
+  desktop->achtung.close();
+  EXPECT_EQ(desktop->module.Antwort, 0);
+  desktop->module.Antwort = -1;
+  desktop->achtung.Show(u"?"_s);
+  QTest::keyClick(&desktop->achtung, Qt::Key_Escape);
+  EXPECT_EQ(desktop->module.Antwort, 0);
+  EXPECT_FALSE(desktop->achtung.isVisible());
+}
+
+TEST_F(DialogsTest, AskingLeavesTheMainWindowDisabledUntilTheAnswer) {
+  Start();
+  const BusyGuard busy(desktop->core);
+  int waits = 0;
+  events.onWait = [&] {
+    if (++waits < 3) return;
+    EXPECT_FALSE(desktop->main.isEnabled());
+    EXPECT_TRUE(desktop->auswahl.isEnabled());
+    Click(desktop->auswahl, u"Button2"_s);
+  };
+  EXPECT_EQ(AskChoice(desktop->core, u"?"_s, u"a"_s, u"b"_s), 2);
+  EXPECT_EQ(waits, 3);
+}
+
+/// What a message box on the screen looked like before its OK was pressed.
+struct SeenBox {
+  QString title, text;
+  QStringList buttons;
+  bool modal = false;
+  QWidget* owner = nullptr;
+};
+
+// The box has an event loop of its own; the timer looks at it there.
+SeenBox SeeBox(platform::MessageBox& box, const QString& text, const QString& title) {
+  SeenBox seen;
+  QTimer::singleShot(0, qApp, [&seen] {
+    auto* shown = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (shown == nullptr) return;
+    seen = {shown->windowTitle(), shown->text(), {}, shown->isModal(), shown->parentWidget()};
+    for (const QAbstractButton* button : shown->buttons())
+      seen.buttons.append(button->objectName());
+    EXPECT_EQ(shown->textFormat(), Qt::PlainText);
+    EXPECT_EQ(shown->buttons().size(), 1);
+    EXPECT_EQ(shown->standardButtons(), QMessageBox::Ok);
+    shown->accept();
+  });
+  box.Show(text, title);
+  return seen;
+}
+
+TEST_F(DialogsTest, TheMessageBoxShowsItsText) {
+  platform::QtMessageBox real;
+  const SeenBox seen = SeeBox(real, u"Fehler beim Lesen von\r\n<b>\r\nx\r\n"_s, u"Titel"_s);
+  EXPECT_EQ(seen.title, u"Titel"_s);
+  EXPECT_EQ(seen.text, u"Fehler beim Lesen von\n<b>\nx"_s);
+  EXPECT_TRUE(seen.modal);
+}
+
+TEST_F(DialogsTest, AMessageBoxWithoutTitleCarriesTheProgramsName) {
+  platform::QtMessageBox real;
+  int before = 0;
+  real.BeforeShow = [&before] { ++before; };
+  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).title, u"KALIVOR"_s);
+  EXPECT_EQ(before, 1) << "the splash screen hears of it";
+}
+
+TEST_F(DialogsTest, AMessageBoxHasNoDisabledOwner) {
+  Start();
+  desktop->main.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
+  platform::QtMessageBox real;
+  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, &desktop->main);
+  desktop->main.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
+  const BusyGuard busy(desktop->core);
+  ASSERT_EQ(QApplication::activeWindow(), &desktop->main);
+  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, nullptr);
+}
+
+}  // namespace
+}  // namespace kalivor::test

@@ -1,0 +1,193 @@
+// The menus: every item with its name, caption, shortcut and visibility, and what it runs.
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "gui/GuiFixture.h"
+
+namespace kalivor::test {
+namespace {
+
+struct Item {
+  QString menu, name, caption, shortcut;
+  bool visible;
+};
+
+const QList<Item>& Items() {
+  static const QList<Item> items{
+      {u"mnuFile"_s, u"mnuFileNew"_s, u"&Neu"_s, u"Ctrl+N"_s, false},
+      {u"mnuFile"_s, u"mnuFileOpen"_s, u"Ö&ffnen..."_s, u"Ctrl+O"_s, true},
+      {u"mnuFile"_s, u"mnuFileClose"_s, u"S&chließen"_s, {}, true},
+      {u"mnuFile"_s, u"mnuFileSave"_s, u"&Speichern"_s, u"Ctrl+S"_s, true},
+      {u"mnuFile"_s, u"mnuFileSaveAs"_s, u"Speichern &unter..."_s, {}, true},
+      {u"mnuFile"_s, u"mnuFileBar0"_s, u"-"_s, {}, true},
+      {u"mnuFile"_s, u"mnuFilePrint"_s, u"Dru&cken..."_s, u"Ctrl+P"_s, true},
+      {u"mnuFile"_s, u"mnuFileBar1"_s, u"-"_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileSend"_s, u"Sen&den..."_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileBar2"_s, u"-"_s, {}, true},
+      {u"mnuFile"_s, u"mnuFileMRU_1"_s, u""_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileMRU_2"_s, u""_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileMRU_3"_s, u""_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileBar3"_s, u"-"_s, {}, false},
+      {u"mnuFile"_s, u"mnuFileExit"_s, u"&Beenden"_s, {}, true},
+      {u"mnuDaten"_s, u"mnuDatenEdit"_s, u"Parameter Editieren"_s, {}, true},
+      {u"mnuOptioen"_s, u"mnuOptioenSchnittstelle"_s, u"&Schnittstelle"_s, {}, true},
+      {u"mnuOptioen"_s, u"mnuOptioenRegler"_s, u"&Regler"_s, u"Ctrl+R"_s, true},
+      {u"mnuOptioen"_s, u"mnuOptioenFiles"_s, u"&Dateien"_s, {}, true},
+      {u"mnuHelp"_s, u"mnuHelpContents"_s, u"&Inhalt"_s, {}, false},
+      {u"mnuHelp"_s, u"mnuHelpSearchForHelpOn"_s, u"&Suchen in der Hilfe..."_s, {}, false},
+      {u"mnuHelp"_s, u"mnuHelpBar0"_s, u"-"_s, {}, false},
+      {u"mnuHelp"_s, u"mnuHelpAbout"_s, u"Inf&o "_s, {}, true},
+  };
+  return items;
+}
+
+class MenuTest : public GuiTest {
+ protected:
+  QAction& Action(const QString& name) {
+    auto* action = desktop->main.findChild<QAction*>(name);
+    if (action == nullptr) throw std::runtime_error("no action " + name.toStdString());
+    return *action;
+  }
+
+  /// An action for every item that counts how often it ran.
+  ui::MenuActions Counting() {
+    const auto counter = [this](const QString& name) { return [this, name] { runs.append(name); }; };
+    ui::MenuActions actions;
+    actions.FileNew = counter(u"mnuFileNew"_s);
+    actions.FileOpen = counter(u"mnuFileOpen"_s);
+    actions.FileClose = counter(u"mnuFileClose"_s);
+    actions.FileSave = counter(u"mnuFileSave"_s);
+    actions.FileSaveAs = counter(u"mnuFileSaveAs"_s);
+    actions.FilePrint = counter(u"mnuFilePrint"_s);
+    actions.FileSend = counter(u"mnuFileSend"_s);
+    actions.DatenEdit = counter(u"mnuDatenEdit"_s);
+    actions.OptioenSchnittstelle = counter(u"mnuOptioenSchnittstelle"_s);
+    actions.OptioenRegler = counter(u"mnuOptioenRegler"_s);
+    actions.OptioenFiles = counter(u"mnuOptioenFiles"_s);
+    actions.HelpContents = counter(u"mnuHelpContents"_s);
+    actions.HelpSearchForHelpOn = counter(u"mnuHelpSearchForHelpOn"_s);
+    actions.HelpAbout = counter(u"mnuHelpAbout"_s);
+    return actions;
+  }
+
+  void Press(Qt::Key key) {
+    desktop->main.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
+    QTest::keyClick(desktop->main.windowHandle(), key, Qt::ControlModifier);
+  }
+
+  QStringList runs;
+};
+
+TEST_F(MenuTest, TheMenusStandInTheirOrder) {
+  Start();
+  QStringList names, captions;
+  QList<bool> visible;
+  for (QAction* action : desktop->main.menuBar()->actions()) {
+    names.append(action->menu()->objectName());
+    captions.append(action->text());
+    visible.append(action->isVisible());
+  }
+  EXPECT_EQ(names.join(u' '), u"mnuFile mnuDaten mnuOptioen mnuHelp"_s);
+  EXPECT_EQ(captions.join(u' '), u"&Datei &Daten &Optionen &?"_s);
+  EXPECT_EQ(visible, (QList<bool>{true, false, true, true}));
+}
+
+TEST_F(MenuTest, TheItemsStandInTheirOrder) {
+  Start();
+  QStringList expected, found;
+  for (const Item& item : Items())
+    expected.append(item.menu + u'/' + item.name);
+  for (QAction* top : desktop->main.menuBar()->actions()) {
+    for (QAction* action : top->menu()->actions())
+      found.append(top->menu()->objectName() + u'/' + action->objectName());
+  }
+  EXPECT_EQ(found.join(u'\n'), expected.join(u'\n'));
+}
+
+TEST_F(MenuTest, EveryItemHasItsCaptionShortcutAndVisibility) {
+  Start();
+  for (const Item& item : Items()) {
+    const QAction& action = Action(item.name);
+    const std::string name = item.name.toStdString();
+    EXPECT_EQ(action.isSeparator(), item.caption == u"-") << name;
+    if (!action.isSeparator()) {
+      EXPECT_EQ(action.text(), item.caption) << name;
+    }
+    EXPECT_EQ(action.shortcut().toString(QKeySequence::PortableText), item.shortcut) << name;
+    // Items inside a hidden menu are visible themselves, as seen by their property.
+    EXPECT_EQ(action.property("visible").toBool(), item.visible) << name;
+  }
+}
+
+TEST_F(MenuTest, ItemsWithoutWorkAreDisabled) {
+  Start();
+  for (const Item& item : Items()) {
+    if (item.caption == u"-") continue;
+    const bool works = item.name == u"mnuFileExit" || item.name == u"mnuHelpAbout";
+    EXPECT_EQ(Action(item.name).isEnabled(), works) << item.name.toStdString();
+  }
+}
+
+TEST_F(MenuTest, EveryItemRunsItsAction) {
+  Start();
+  desktop->main.SetMenuActions(Counting());
+  QStringList expected;
+  for (const Item& item : Items()) {
+    if (item.caption.size() < 2 || item.name == u"mnuFileExit") continue;
+    // The toolkit calls hidden items disabled whatever they can do.
+    EXPECT_EQ(Action(item.name).isEnabled(), item.visible) << item.name.toStdString();
+    Action(item.name).trigger();
+    expected.append(item.name);
+  }
+  EXPECT_EQ(runs.join(u' '), expected.join(u' '));
+}
+
+TEST_F(MenuTest, ShortcutsRunTheirItems) {
+  Start();
+  desktop->main.SetMenuActions(Counting());
+  for (const Qt::Key key : {Qt::Key_O, Qt::Key_S, Qt::Key_P, Qt::Key_R})
+    Press(key);
+  EXPECT_EQ(runs.join(u' '), u"mnuFileOpen mnuFileSave mnuFilePrint mnuOptioenRegler"_s);
+}
+
+TEST_F(MenuTest, TheShortcutOfAHiddenItemDoesNothing) {
+  Start();
+  desktop->main.SetMenuActions(Counting());
+  Press(Qt::Key_N);
+  EXPECT_EQ(runs, QStringList());
+}
+
+TEST_F(MenuTest, ShortcutsDoNothingWhileBusy) {
+  Start();
+  desktop->main.SetMenuActions(Counting());
+  desktop->main.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
+  const BusyGuard busy(desktop->core);
+  QTest::keyClick(desktop->main.windowHandle(), Qt::Key_O, Qt::ControlModifier);
+  EXPECT_EQ(runs, QStringList());
+}
+
+TEST_F(MenuTest, AnErrorOfAnItemIsShownAndTheProgramGoesOn) {
+  Start();
+  ui::MenuActions actions;
+  actions.DatenEdit = [] { throw RuntimeError(RuntimeError::Kind::MissingObject); };
+  desktop->main.SetMenuActions(actions);
+  Action(u"mnuDatenEdit"_s).trigger();
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_EQ(boxes[0].text, RuntimeError(RuntimeError::Kind::MissingObject).Description());
+  EXPECT_EQ(boxes[0].title, u"KALIVOR"_s);
+  ExpectReady();
+}
+
+TEST_F(MenuTest, ExitClosesTheWindow) {
+  Start();
+  Action(u"mnuFileExit"_s).trigger();
+  EXPECT_FALSE(desktop->main.isVisible());
+  EXPECT_TRUE(settings.values.contains(u"Adresse"_s));
+}
+
+}  // namespace
+}  // namespace kalivor::test

@@ -44,10 +44,11 @@ const std::vector<Layer>& Layers() {
         {u"comm"_s, comm},
         {u"core"_s, core},
         {u"commands"_s, commands},
-        {u"cli"_s, programs},
+        {u"cli"_s, programs + QStringList{u"print"_s, u"print/pages"_s}},
         {u"sim"_s, programs, true},
         {u"ui"_s, windows, false, true},
-        {u"print"_s, windows, false, true},
+        {u"print"_s, windows + QStringList{u"print/pages"_s}, false, true},
+        {u"print/pages"_s, commands + QStringList{u"commands"_s}},
         {u"kalivor"_s, windows, false, true},
     };
   }();

@@ -1,0 +1,46 @@
+// The printer of the program: its settings, the question for them, and print jobs.
+#pragma once
+
+#include <QtGlobal>
+#include <functional>
+#include <optional>
+
+class QPainter;
+
+namespace kalivor::platform {
+
+/// Values of Printer::Orientation().
+inline constexpr int kPortrait = 1;
+inline constexpr int kLandscape = 2;
+
+/// The value of Printer::PaperSize() for A4.
+inline constexpr int kPaperA4 = 9;
+
+class Printer {
+ public:
+  virtual ~Printer() = default;
+
+  /// kPortrait or kLandscape. Holds for the next page, and for as long as the program runs.
+  [[nodiscard]] virtual int Orientation() const = 0;
+  virtual void SetOrientation(int orientation) = 0;
+
+  /// kPaperA4 or another number. Changes this program's setting only, not that of the system.
+  [[nodiscard]] virtual int PaperSize() const = 0;
+  virtual void SetPaperSize(int paperSize) = 0;
+
+  /// Lets the user choose the printer, starting with the system's default one, the orientation and the number
+  /// of copies, which is returned; nothing when the user cancels. `flags` says what the dialog offers.
+  [[nodiscard]] virtual std::optional<int> Choose(qint32 flags) = 0;
+
+  /// Prints one page, which starts a job when none is under way. `draw` gets a painter in centimetres, the
+  /// origin at the upper left corner of the paper. Throws RuntimeError when there is no printer or it fails.
+  virtual void PrintPage(const std::function<void(QPainter&)>& draw) = 0;
+
+  /// Ends the job and sends it off; does nothing when none is under way. Throws RuntimeError on failure.
+  virtual void EndDoc() = 0;
+
+  /// Drops the job under way, if there is one.
+  virtual void AbortDoc() noexcept = 0;
+};
+
+}  // namespace kalivor::platform

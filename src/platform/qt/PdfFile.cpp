@@ -1,0 +1,46 @@
+#include "platform/qt/PdfFile.h"
+
+#include <QPageLayout>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::platform {
+namespace {
+
+constexpr int kResolution_dpi = 1200;
+constexpr double kCentimetresPerInch = 2.54;
+
+}  // namespace
+
+PdfFile::PdfFile() : writer_(&content_) {
+  content_.open(QIODevice::WriteOnly);
+  writer_.setCreator(u"KALIVOR"_s);
+  writer_.setTitle(u"Parameterliste"_s);
+  writer_.setResolution(kResolution_dpi);
+}
+
+void PdfFile::AddPage(bool landscape, const std::function<void(QPainter&)>& draw) {
+  // Takes effect with the next page that is begun.
+  writer_.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+                                    landscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF()));
+  if (painter_.isActive()) {
+    writer_.newPage();
+  } else {
+    painter_.begin(&writer_);
+  }
+  painter_.save();
+  painter_.scale(kResolution_dpi / kCentimetresPerInch, kResolution_dpi / kCentimetresPerInch);
+  draw(painter_);
+  painter_.restore();
+}
+
+bool PdfFile::Save(const QString& path) {
+  if (!painter_.end()) return false;
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) return false;
+  file.write(content_.data());
+  return file.commit();
+}
+
+}  // namespace kalivor::platform

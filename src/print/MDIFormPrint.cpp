@@ -1,0 +1,207 @@
+#include "print/MDIFormPrint.h"
+
+#include <QBoxLayout>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPointer>
+#include <QScreen>
+#include <QShortcut>
+#include <QStatusBar>
+#include <QToolBar>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::print {
+namespace {
+
+struct Item {
+  QStringView key;
+  QStringView caption;
+};
+
+// The blanks at the end are the distances between the buttons.
+constexpr std::array<Item, 7> kButtons{{{u"Drucken", u"Drucken  "},
+                                        {u"SeiteDrucken", u"Seite Drucken  "},
+                                        {u"Ausrichtung", u"Ausrichtung  "},
+                                        {u"Format", u"1:2  "},
+                                        {u"Abbrechen", u"Schliessen  "},
+                                        {u"back", u"<<           "},
+                                        {u"fwd", u">>           "}}};
+constexpr std::array<Item, 3> kScales{{{u"eins", u"1:1"}, {u"zwei", u"1:2"}, {u"vier", u"1:4"}}};
+
+// The page's distance from the edge of the frame: 240 twips.
+constexpr int kPageMargin_px = 16;
+
+// Takes the input away from the frame and the main window. What the user did meanwhile is lost: a second
+// click out of impatience must not print twice.
+class InputHold {
+ public:
+  InputHold(QWidget& frame, MainForm& main) : frame_(frame), main_(main), focus_(frame.focusWidget()) {
+    frame_.setEnabled(false);
+    main_.SetEnabled(false);
+  }
+  ~InputHold() {
+    QGuiApplication::sync();
+    main_.SetEnabled(true);
+    frame_.setEnabled(true);
+    if (focus_) focus_->setFocus();
+  }
+  InputHold(const InputHold&) = delete;
+  InputHold& operator=(const InputHold&) = delete;
+
+ private:
+  QWidget& frame_;
+  MainForm& main_;
+  QPointer<QWidget> focus_;
+};
+
+}  // namespace
+
+MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
+    : world_(world), guard_(std::move(guard)), area_(new QScrollArea(this)), panel1_(new QLabel) {
+  setObjectName(u"MDIFormPrint"_s);
+  setWindowTitle(u"Print Preview"_s);
+  BuildToolbar();
+
+  area_->setWidgetResizable(true);
+  area_->setBackgroundRole(QPalette::Dark);
+  setCentralWidget(area_);
+
+  statusBar()->setObjectName(u"StatusBar1"_s);
+  panel1_->setObjectName(u"panel1"_s);
+  panel1_->setAccessibleDescription(u"Seite"_s);
+  panel1_->setTextFormat(Qt::PlainText);
+  statusBar()->addWidget(panel1_);
+}
+
+void MDIFormPrint::BuildToolbar() {
+  QToolBar* bar = addToolBar(QString());
+  bar->setObjectName(u"Toolbar1"_s);
+  bar->setWindowTitle(windowTitle());
+  bar->setMovable(false);
+  bar->toggleViewAction()->setEnabled(false);
+  setContextMenuPolicy(Qt::NoContextMenu);
+  for (const Item& item : kButtons) {
+    auto* button = new QToolButton(bar);
+    const QString key = item.key.toString();
+    button->setObjectName(key);
+    button->setText(item.caption.toString());
+    button->setFocusPolicy(Qt::TabFocus);
+    bar->addWidget(button);
+    connect(button, &QToolButton::clicked, this, [this, key] { guard_([&] { Toolbar1_ButtonClick(key); }); });
+    if (key == u"Format") format_ = button;
+  }
+
+  auto* scales = new QMenu(format_);
+  for (const Item& item : kScales) {
+    QAction* action = scales->addAction(item.caption.toString());
+    const QString key = item.key.toString();
+    action->setObjectName(key);
+    connect(action, &QAction::triggered, this,
+            [this, key] { guard_([&] { Toolbar1_ButtonMenuClick(key); }); });
+  }
+  format_->setMenu(scales);
+  format_->setPopupMode(QToolButton::MenuButtonPopup);
+  // The toolkit opens such a menu by mouse only.
+  auto* open = new QShortcut(Qt::Key_Down, format_, nullptr, nullptr, Qt::WidgetShortcut);
+  connect(open, &QShortcut::activated, format_, &QToolButton::showMenu);
+}
+
+void MDIFormPrint::Load() {
+  auto* desk = new QWidget;
+  auto* layout = new QVBoxLayout(desk);
+  layout->setContentsMargins(kPageMargin_px, kPageMargin_px, kPageMargin_px, kPageMargin_px);
+  preview_ = new FormPrintPreview(world_, guard_, desk);
+  preview_->OnChange = [this] { panel1_->setText(preview_->PanelText()); };
+  layout->addWidget(preview_, 0, Qt::AlignLeft | Qt::AlignTop);
+  area_->setWidget(desk);
+  area_->viewport()->setAutoFillBackground(true);
+  preview_->Initialize_fPP();
+  FitToPage();
+}
+
+// As large as the first page needs, as far as the screen allows.
+void MDIFormPrint::FitToPage() {
+  const int bars = findChild<QToolBar*>()->sizeHint().height() + statusBar()->sizeHint().height();
+  const QSize page = preview_->size() + QSize(3 * kPageMargin_px, 3 * kPageMargin_px + bars);
+  resize(page.expandedTo(sizeHint()).boundedTo(screen()->availableSize() * 0.9));
+}
+
+void MDIFormPrint::ShowForm() {
+  if (preview_ == nullptr) Load();
+  preview_->show();
+  show();
+  raise();
+  activateWindow();
+}
+
+void MDIFormPrint::Initialize_MDIPP() {
+  preview_->Initialize_fPP();
+}
+
+void MDIFormPrint::Toolbar1_ButtonClick(const QString& key) {
+  if (key == u"Drucken") {
+    PrintWith(&PreviewPages::CommandDrucken);
+  } else if (key == u"SeiteDrucken") {
+    PrintWith(&PreviewPages::CommandSeiteDrucken);
+  } else if (key == u"Ausrichtung") {
+    preview_->CommandAusrichtung();
+  } else if (key == u"Format") {
+    NextScale();
+    ShowScale();
+  } else if (key == u"Abbrechen") {
+    hide();
+  } else if (key == u"back") {
+    Turn(-1);
+  } else if (key == u"fwd") {
+    Turn(1);
+  }
+}
+
+// 1:4 is listed but never reached: that entry does what the button does.
+void MDIFormPrint::Toolbar1_ButtonMenuClick(const QString& key) {
+  if (key == u"eins") {
+    preview_->Masstab = 1;
+  } else if (key == u"zwei") {
+    preview_->Masstab = 2;
+  } else {
+    NextScale();
+  }
+  ShowScale();
+}
+
+void MDIFormPrint::NextScale() {
+  preview_->Masstab *= 2;
+  if (preview_->Masstab > 2) preview_->Masstab = 1;
+}
+
+void MDIFormPrint::ShowScale() {
+  format_->setText(u"1:"_s + BlankDouble(preview_->Masstab).right(1) + u"  "_s);
+  preview_->DoLayout();
+}
+
+// Selects and lays out also where there is no page to turn to. The layout takes the new page text into the
+// footer.
+void MDIFormPrint::Turn(int pages) {
+  const bool possible = pages < 0 ? preview_->Page > 1 : preview_->Page < preview_->MaxPage.value_or(0);
+  if (possible) preview_->Page += pages;
+  preview_->selectPage();
+  preview_->DoLayout();
+}
+
+void MDIFormPrint::PrintWith(void (PreviewPages::*command)()) {
+  const InputHold hold(*this, world_.core.main);
+  (preview_->*command)();
+}
+
+void MDIFormPrint::closeEvent(QCloseEvent* event) {
+  if (isEnabled()) {
+    event->accept();
+  } else {
+    event->ignore();
+  }
+}
+
+}  // namespace kalivor::print

@@ -1,0 +1,56 @@
+// The frame around the preview: toolbar and status bar.
+#pragma once
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QScrollArea>
+#include <QToolButton>
+
+#include "print/FormPrintPreview.h"
+
+namespace kalivor::print {
+
+/// Made once and kept; closing it hides it. While it prints, neither it nor the main window takes input.
+class MDIFormPrint final : public QMainWindow {
+ public:
+  /// `guard` runs what the user sets off.
+  MDIFormPrint(const PrintWorld& world, platform::EventGuard guard);
+
+  /// Shows the frame in front. The first time it loads: it makes the preview, which starts by itself.
+  void ShowForm();
+
+  /// Starts the preview again; ShowForm() has to have been called.
+  void Initialize_MDIPP();
+
+  /// A button of the toolbar: "Drucken", "SeiteDrucken", "Ausrichtung", "Format", "Abbrechen", "back", "fwd".
+  void Toolbar1_ButtonClick(const QString& key);
+
+  /// An entry of the menu of "Format": "eins", "zwei", "vier".
+  void Toolbar1_ButtonMenuClick(const QString& key);
+
+  /// Null before the first ShowForm().
+  [[nodiscard]] FormPrintPreview* Preview() { return preview_; }
+
+  [[nodiscard]] const PrintWorld& World() const { return world_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildToolbar();
+  void Load();
+  void FitToPage();
+  void NextScale();
+  void ShowScale();
+  void Turn(int pages);
+  void PrintWith(void (PreviewPages::*command)());
+
+  PrintWorld world_;
+  platform::EventGuard guard_;
+  FormPrintPreview* preview_ = nullptr;
+  QScrollArea* area_;
+  QToolButton* format_ = nullptr;
+  QLabel* panel1_;
+};
+
+}  // namespace kalivor::print

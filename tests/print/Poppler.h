@@ -1,0 +1,86 @@
+// PDF files as an independent program reads them.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <vector>
+
+namespace kalivor::test {
+
+using namespace Qt::StringLiterals;
+
+/// What a tool of poppler-utils writes to its standard output.
+inline QByteArray RunTool(const QString& tool, const QStringList& arguments) {
+  QProcess process;
+  process.start(tool, arguments);
+  if (!process.waitForStarted()) {
+    ADD_FAILURE() << tool.toStdString() << " is missing; it comes with poppler-utils";
+    return {};
+  }
+  EXPECT_TRUE(process.waitForFinished());
+  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+  return process.readAllStandardOutput();
+}
+
+/// A line of pdfinfo, "" when it is missing.
+inline QString PdfInfo(const QString& file, const QString& name) {
+  const QStringList lines = QString::fromUtf8(RunTool(u"pdfinfo"_s, {file})).split(u'\n');
+  for (const QString& line : lines) {
+    if (line.startsWith(name + u':')) return line.section(u':', 1).trimmed();
+  }
+  return {};
+}
+
+inline int PdfPages(const QString& file) {
+  return PdfInfo(file, u"Pages"_s).toInt();
+}
+
+/// The lines of text of a page that are not empty, from top to bottom, without any blanks: a column is told
+/// by its place only, for which there may be any number of them.
+inline QStringList PdfLines(const QString& file, int page) {
+  const QString number = QString::number(page);
+  const QByteArray text = RunTool(
+      u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, u"-f"_s, number, u"-l"_s, number, file, u"-"_s});
+  QStringList lines = QString::fromUtf8(text).remove(u' ').remove(u'\f').split(u'\n');
+  lines.removeAll(QString());
+  return lines;
+}
+
+/// A word on a page, its place in centimetres.
+struct PdfWord {
+  QString text;
+  double left, top, right, bottom;
+};
+
+inline std::vector<PdfWord> PdfWords(const QString& file, int page) {
+  static const QRegularExpression pattern(
+      uR"x(<word xMin="([^"]*)" yMin="([^"]*)" xMax="([^"]*)" yMax="([^"]*)">(.*)</word>)x"_s);
+  const QString number = QString::number(page);
+  const QString text = QString::fromUtf8(
+      RunTool(u"pdftotext"_s, {u"-bbox"_s, u"-f"_s, number, u"-l"_s, number, file, u"-"_s}));
+  std::vector<PdfWord> words;
+  auto matches = pattern.globalMatch(text);
+  while (matches.hasNext()) {
+    const QRegularExpressionMatch word = matches.next();
+    const auto centimetres = [&](int group) { return word.captured(group).toDouble() / 72 * 2.54; };
+    words.push_back({word.captured(5), centimetres(1), centimetres(2), centimetres(3), centimetres(4)});
+  }
+  return words;
+}
+
+/// A page as grey picture of exactly that size.
+inline QImage PdfPicture(const QString& file, int page, const QSize& size) {
+  const QTemporaryDir folder;
+  const QString target = folder.filePath(u"page"_s);
+  RunTool(u"pdftoppm"_s,
+          {u"-f"_s, QString::number(page), u"-singlefile"_s, u"-scale-to-x"_s, QString::number(size.width()),
+           u"-scale-to-y"_s, QString::number(size.height()), u"-gray"_s, u"-png"_s, file, target});
+  return QImage(target + u".png"_s).convertToFormat(QImage::Format_Grayscale8);
+}
+
+}  // namespace kalivor::test

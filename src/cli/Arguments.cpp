@@ -17,16 +17,9 @@ struct Command {
   bool file = false;
 };
 constexpr Command kCommands[] = {
-    {u"versions", true},
-    {u"plants", true},
-    {u"params", true},
-    {u"tree", false},
-    {u"identify", false},
-    {u"receive", false},
-    {u"send", false},
-    {u"compare", true},
-    {u"standard", false},
-    {u"show", true, true},
+    {u"versions", true},           {u"plants", true},     {u"params", true}, {u"tree", false},
+    {u"identify", false},          {u"receive", false},   {u"send", false},  {u"compare", true},
+    {u"standard", false},          {u"show", true, true}, {u"pages", false}, {u"print", false},
     {u"check-definitions", false},
 };
 
@@ -77,6 +70,25 @@ QString TakeAnswer(Arguments& arguments, const QString& value) {
   return {};
 }
 
+// A whole number from `least` on.
+template <std::optional<qint16> Arguments::*Member, int Least>
+QString TakeCount(Arguments& arguments, const QString& value) {
+  if (arguments.*Member) return u"mehrfach angegeben"_s;
+  bool isNumber = false;
+  const qint16 number = value.toShort(&isNumber);
+  if (!isNumber || number < Least) return u"keine Zahl ab %1: %2"_s.arg(QString::number(Least), value);
+  arguments.*Member = number;
+  return {};
+}
+
+QString TakeDate(Arguments& arguments, const QString& value) {
+  if (arguments.date) return u"mehrfach angegeben"_s;
+  const QDate date = QDate::fromString(value, Qt::ISODate);
+  if (!date.isValid()) return u"kein Datum der Form JJJJ-MM-TT: "_s + value;
+  arguments.date = date;
+  return {};
+}
+
 struct ValueOption {
   QStringView name;
   TakeValue take = nullptr;
@@ -94,6 +106,11 @@ constexpr ValueOption kValueOptions[] = {
     {u"--check", TakeMark<true>},
     {u"--uncheck", TakeMark<false>},
     {u"--answer", TakeAnswer},
+    {u"--status-path", TakeText<&Arguments::statusPath>},
+    {u"--date", TakeDate},
+    {u"--pdf", TakeText<&Arguments::pdf>},
+    {u"--copies", TakeCount<&Arguments::copies, 0>},
+    {u"--page", TakeCount<&Arguments::page, 1>},
 };
 
 struct Switch {
@@ -102,6 +119,7 @@ struct Switch {
 };
 constexpr Switch kSwitches[] = {
     {u"--json", &Arguments::json},
+    {u"--landscape", &Arguments::landscape},
     {u"--help", &Arguments::help},
     {u"--program-version", &Arguments::programVersion},
 };
@@ -128,6 +146,23 @@ QString TakeOption(const QStringList& list, qsizetype& at, Arguments& arguments)
   return u"Unbekannte Option: "_s + name;
 }
 
+// Options that only some commands understand; returns a German complaint or "".
+QString MisplacedOption(const Arguments& arguments) {
+  const bool pages = arguments.command == u"pages";
+  const bool print = arguments.command == u"print";
+  const auto complain = [&](QStringView option) {
+    return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
+  };
+  if (arguments.landscape && !pages && !print) return complain(u"--landscape");
+  if (arguments.statusPath && !pages) return complain(u"--status-path");
+  if (arguments.date && !pages) return complain(u"--date");
+  if (arguments.pdf && !print) return complain(u"--pdf");
+  if (arguments.copies && !print) return complain(u"--copies");
+  if (arguments.page && !print) return complain(u"--page");
+  if (print && !arguments.pdf) return u"Es fehlt die Option --pdf zum Befehl print."_s;
+  return {};
+}
+
 void CheckCommand(const QStringList& words, Arguments& arguments) {
   if (words.isEmpty()) {
     arguments.error = u"Es fehlt der Befehl; --help zeigt, welche es gibt."_s;
@@ -146,6 +181,7 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
     arguments.error = u"Option --json gilt nicht für den Befehl "_s + arguments.command + u'.';
   }
   if (expected == 2) arguments.file = words.value(1);
+  if (arguments.error.isEmpty()) arguments.error = MisplacedOption(arguments);
 }
 
 }  // namespace
@@ -185,6 +221,8 @@ Befehle:
   compare             angekreuzte Parameter mit dem Regler vergleichen
   standard            alle Parameter auf ihre Standardwerte setzen
   show DATEI          den Inhalt einer Wertedatei zeigen, ohne Definitionen
+  pages               die gedruckten Seiten als Text
+  print --pdf DATEI   die gedruckten Seiten als PDF
   check-definitions   Definitionsdateien auf Fehler prüfen
 
 Optionen (vor oder nach dem Befehl):
@@ -200,6 +238,11 @@ Optionen (vor oder nach dem Befehl):
   --check WAS                ankreuzen: all, Nummer, Variable oder group=RUBRIK (mehrfach)
   --uncheck WAS              Kreuz entfernen, ebenso
   --answer first | second    Antwort auf die nächste Frage (mehrfach)
+  --landscape                Querformat (pages, print)
+  --status-path TEXT         Dateipfad in der Fußzeile (pages)
+  --date JJJJ-MM-TT          Datum in der Fußzeile (pages)
+  --copies N                 Anzahl der Exemplare (print)
+  --page N                   nur diese Seite (print)
   --json                     Ausgabe als JSON (versions, plants, params, show, compare)
   --help                     diese Hilfe
   --program-version          Version des Programms

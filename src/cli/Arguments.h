@@ -1,6 +1,7 @@
 // The command line of kalivor-cli as data.
 #pragma once
 
+#include <QDate>
 #include <QStringList>
 #include <optional>
 #include <vector>
@@ -27,7 +28,13 @@ struct Arguments {
   std::optional<qint16> address;  ///< 0..255
   std::optional<QString> load;
   std::optional<QString> save;
-  QStringList set;  ///< "VARIABLE=VALUE"
+  bool landscape = false;  ///< of `pages` and `print`, like all that follow here
+  std::optional<QString> statusPath;
+  std::optional<QDate> date;
+  std::optional<QString> pdf;
+  std::optional<qint16> copies;  ///< 0..32767
+  std::optional<qint16> page;    ///< 1..32767
+  QStringList set;               ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault

@@ -14,6 +14,7 @@
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"
 #include "core/ValueFiles.h"
+#include "print/PdfPrint.h"
 
 using namespace Qt::StringLiterals;
 
@@ -201,6 +202,8 @@ class Session {
     if (command == u"params")
       return Print(ParametersText(module_), [this] { return ParametersJson(module_); });
     if (command == u"tree") return Print(TreeText(core_), {});
+    if (command == u"pages") return Print(print::PagesText(core_, Printed()), {});
+    if (command == u"print") return PrintToPdf();
     if (command == u"identify") return Identify();
     if (command == u"receive") return RunTransfer(CommandEmpfangen_Click);
     if (command == u"send") return RunTransfer(CommandSenden_Click);
@@ -215,6 +218,20 @@ class Session {
     } else {
       world_.out << text.toStdString();
     }
+    return kDone;
+  }
+
+  [[nodiscard]] print::PrintInput Printed() const {
+    return {main_.PlantSelectorVisible(), arguments_.statusPath.value_or(module_.Dateiname),
+            arguments_.date.value_or(QDate::currentDate()),
+            arguments_.landscape ? platform::kLandscape : platform::kPortrait};
+  }
+
+  int PrintToPdf() {
+    print::PdfRequest request{Printed(), *arguments_.pdf, arguments_.copies.value_or(1), {}};
+    if (arguments_.page) request.page = *arguments_.page;
+    const QString error = print::PrintPdf(core_, request);
+    if (!error.isEmpty()) throw BadInput{error};
     return kDone;
   }
 

@@ -23,7 +23,8 @@ class TextMainForm final : public MainForm {
   [[nodiscard]] platform::ListBox& ComboVN() override { return versions_; }
   [[nodiscard]] platform::ListBox& ComboArt() override { return plants_; }
   [[nodiscard]] platform::TreeView& Tree() override { return tree_; }
-  void SetPlantSelectorVisible(bool) override {}
+  void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible_ = visible; }
+  [[nodiscard]] bool PlantSelectorVisible() const { return plantSelectorVisible_; }
   void SetEnabled(bool) override {}
   void ShowState(const QString&) override {}
   void ShowAgain() override {}
@@ -32,6 +33,7 @@ class TextMainForm final : public MainForm {
   platform::PlainListBox versions_;
   platform::PlainListBox plants_;
   platform::PlainTreeView tree_;
+  bool plantSelectorVisible_ = true;
 };
 
 class NoEditorForms final : public EditorForms {

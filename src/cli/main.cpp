@@ -2,13 +2,16 @@
 #include <QCoreApplication>
 #include <csignal>
 #include <iostream>
+#include <memory>
 
+#include "cli/Arguments.h"
 #include "cli/Cli.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SerialDevices.h"
 #include "platform/posix/SystemClock.h"
+#include "print/PdfPrint.h"
 
 namespace {
 
@@ -20,12 +23,25 @@ void OnInterrupt(int /*signal*/) {
   interrupts = 1;
 }
 
+bool WantsToPrint(int argc, char** argv) {
+  QStringList arguments;
+  for (int i = 1; i < argc; ++i)
+    arguments.append(QString::fromLocal8Bit(argv[i]));
+  return kalivor::cli::ParseArguments(arguments).command == u"print";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   using namespace kalivor;
   std::signal(SIGINT, OnInterrupt);
-  QCoreApplication application(argc, argv);
+  // Only printing needs fonts; everything else starts quicker without them.
+  std::unique_ptr<QCoreApplication> application;
+  if (WantsToPrint(argc, argv)) {
+    application = print::NewPdfApplication(argc, argv);
+  } else {
+    application = std::make_unique<QCoreApplication>(argc, argv);
+  }
   platform::IniSettingsStore settings;
   platform::PosixFileSystem files;
   platform::SystemClock clock;

@@ -16,8 +16,11 @@
 #include "platform/posix/SerialDevices.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/qt/QtEvents.h"
+#include "platform/qt/QtFileDialogs.h"
 #include "platform/qt/QtMessageBox.h"
+#include "platform/qt/QtPrinter.h"
 #include "platform/qt/TextPrinter.h"
+#include "print/PrintCommand.h"
 #include "ui/Resources.h"
 #include "ui/about/frmSplash.h"
 #include "ui/main/Desktop.h"
@@ -61,6 +64,8 @@ struct Process {
   platform::PosixSerialControl line;
   platform::SystemClock clock;
   platform::QtEvents events;
+  platform::QtFileDialogs dialogs;
+  platform::NoHelp help;
 #ifdef Q_OS_WIN
   platform::Win32Registry registry;
 #endif
@@ -87,27 +92,54 @@ QString TakePort(const QString& text, ui::RunSettings& run, QString& device) {
   return {};
 }
 
+// The print frame, made when it is first needed.
+struct Printing {
+  explicit Printing(ui::Desktop& theDesktop) : desktop(theDesktop) {}
+
+  void Print() {
+    if (desktop.module.BusyDepth > 0) return;
+    if (!frame) {
+      frame = std::make_unique<print::MDIFormPrint>(
+          print::PrintWorld{desktop.core, printer, [this] { return desktop.main.PlantSelectorVisible(); },
+                            [this] { return desktop.module.Dateiname; }, [] { return QDate::currentDate(); }},
+          desktop.guard);
+      desktop.main.AddCompanion(*frame, true);
+    }
+    print::mnuFilePrint_Click(*frame);
+  }
+
+  ui::Desktop& desktop;
+  platform::QtPrinter printer;
+  std::unique_ptr<print::MDIFormPrint> frame;
+};
+
 int RunProgram(QApplication& application, Process& process, const ui::RunSettings& run, const QString& device,
                const QString& valueFile) {
   ui::frmSplash splash;
   process.box.BeforeShow = [&splash] { splash.hide(); };
   splash.ShowNow();
-  ui::Desktop desktop({*process.settings, process.box, process.files, process.line, process.clock,
-                       process.events, QCoreApplication::applicationDirPath(), process.SystemInformation(),
-                       [](const QString& text) {
-                         platform::AskAndPrintText(QApplication::activeWindow(), u"Report"_s, text);
-                       }},
-                      run);
+  std::unique_ptr<Printing> printing;
+  ui::Desktop desktop(
+      {*process.settings, process.box, process.files, process.line, process.clock, process.events,
+       QCoreApplication::applicationDirPath(), process.SystemInformation(),
+       [](const QString& text) {
+         platform::AskAndPrintText(QApplication::activeWindow(), u"Report"_s, text);
+       },
+       process.dialogs, process.help, [&process](int number) { return process.devices.Device(number); },
+       [&printing] { printing->Print(); }},
+      run);
+  printing = std::make_unique<Printing>(desktop);
   if (!device.isEmpty()) process.devices.Override(desktop.module.Schnittstelle, device);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop.main,
                    [&desktop](QSessionManager&) { desktop.main.EndSession(); });
   desktop.Start();
   desktop.Show();
   splash.close();
-  if (!valueFile.isEmpty() && desktop.OpenValueFile) {
-    desktop.guard([&] { desktop.OpenValueFile(valueFile); });
-  }
-  return QApplication::exec();
+  if (!valueFile.isEmpty()) desktop.OpenFile(QFileInfo(valueFile).absoluteFilePath());
+  const int status = QApplication::exec();
+  // The print frame works on the desktop.
+  printing.reset();
+  return status;
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 
 #include "core/Busy.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeFileDialogs.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/FakeForms.h"
 #include "fakes/QtPrinters.h"
@@ -139,10 +140,20 @@ class GuiTest : public testing::Test {
 
   void Load(const ui::RunSettings& run = {}) {
     ui::SystemInformation system;
-    desktop = std::make_unique<ui::Desktop>(
-        ui::World{settings, box, files, *line, clock, events, u"/programm"_s, system,
-                  [this](const QString& text) { printed.append(text); }},
-        run);
+    desktop = std::make_unique<ui::Desktop>(ui::World{settings,
+                                                      box,
+                                                      files,
+                                                      *line,
+                                                      clock,
+                                                      events,
+                                                      u"/programm"_s,
+                                                      system,
+                                                      [this](const QString& text) { printed.append(text); },
+                                                      dialogs,
+                                                      help,
+                                                      [this](int number) { return devices.value(number); },
+                                                      {}},
+                                            run);
   }
 
   void Start(const ui::RunSettings& run = {}) {
@@ -223,6 +234,9 @@ class GuiTest : public testing::Test {
   FakeClock clock;
   TestEvents events;
   QStringList printed;
+  FakeFileDialogs dialogs;
+  platform::NoHelp help;
+  QMap<int, QString> devices;  ///< behind the port numbers
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

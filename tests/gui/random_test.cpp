@@ -300,6 +300,13 @@ TEST_P(RandomEvents, NeverBringTheProgramIntoAWrongState) {
   WatchMarks();
   bool maySayGoodbye = false;
   desktop->main.MayClose = [&maySayGoodbye] { return maySayGoodbye; };
+  dialogs.cancelsFurther = true;
+  // A path typed at random would leave the program without definitions, and most of the run without work.
+  desktop->options.OnApply = [this](OptionsContent content) {
+    content.pathChanged = false;
+    ApplyOptions(desktop->core, content);
+    return true;
+  };
   events.onePass = true;
   events.onWait = [this] { ++questions_; };
   Step();

@@ -1,6 +1,7 @@
 #include "ui/main/Desktop.h"
 
 #include "base/Paths.h"
+#include "commands/MenuCommands.h"
 #include "commands/StartUp.h"
 #include "core/Busy.h"
 #include "ui/about/frmAbout.h"
@@ -20,9 +21,11 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
       host(module, world.line, timers),
       report(module, reportDialog, world.events, timers),
       controller(module, host, main, report),
-      core{module, main, report, auswahl, editors, world.box, world.files, world.events, controller} {
+      core{module, main, report, auswahl, editors, world.box, world.files, world.events, controller},
+      files{core, world.dialogs, [this](const QString& path) { main.ShowFile(path); }} {
   main.AddCompanion(editors.number, true);
   main.AddCompanion(editors.text, true);
+  main.AddCompanion(options, true);
   main.AddCompanion(reportDialog, false);
   main.AddCompanion(auswahl, false);
   main.AddCompanion(achtung, false);
@@ -34,11 +37,48 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   achtung.SetOwner(main);
   reportDialog.SetOwner(main);
 
-  MenuActions actions;
-  actions.HelpAbout = [this] { ShowAbout(); };
-  main.SetMenuActions(actions);
+  ConnectOptions();
+  main.SetMenuActions(Actions());
   main.OnUnload = [this] { StoreSettings(); };
   LoadMain(run);
+}
+
+MenuActions Desktop::Actions() {
+  MenuActions actions;
+  actions.FileNew = [this] { mnuFileNew_Click(world.box); };
+  actions.FileOpen = [this] { mnuFileOpen_Click(files); };
+  actions.FileClose = [this] { mnuFileClose_Click(files); };
+  actions.FileSave = [this] { mnuFileSave_Click(files); };
+  actions.FileSaveAs = [this] { mnuFileSaveAs_Click(files); };
+  actions.FilePrint = world.print;
+  actions.FileSend = [this] { mnuFileSend_Click(world.box); };
+  actions.FileExit = [this] { main.close(); };
+  actions.DatenEdit = mnuDatenEdit_Click;
+  actions.OptioenSchnittstelle = [this] { ShowOptions(0); };
+  actions.OptioenRegler = [this] { ShowOptions(1); };
+  actions.OptioenFiles = [this] { ShowOptions(2); };
+  actions.HelpContents = [this] { mnuHelpContents_Click(world.box, world.help); };
+  actions.HelpSearchForHelpOn = [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); };
+  actions.HelpAbout = [this] { ShowAbout(); };
+  return actions;
+}
+
+void Desktop::ConnectOptions() {
+  options.OnApply = [this](const OptionsContent& content) {
+    return RunHandler(world.box, [&] { ApplyOptions(core, content); });
+  };
+  options.OnBrowse = [this] {
+    return world.dialogs.OpenFile(u"Parameterfile"_s, module.Inipath, u"Alle Dateien (*.*)|*.*"_s);
+  };
+  options.DeviceOfPort = world.deviceOfPort;
+}
+
+void Desktop::ShowOptions(int page) {
+  if (module.BusyDepth == 0) options.Open(OptionsOf(module), page);
+}
+
+void Desktop::OpenFile(const QString& path) {
+  guard([&] { OpenValueFile(files, path); });
 }
 
 void Desktop::LoadMain(const RunSettings& run) {

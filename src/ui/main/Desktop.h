@@ -6,8 +6,10 @@
 
 #include "comm/TH.h"
 #include "commands/EventBoundary.h"
+#include "commands/FileCommands.h"
 #include "core/Report.h"
 #include "platform/Clock.h"
+#include "platform/Help.h"
 #include "platform/SettingsStore.h"
 #include "ui/about/SystemInformation.h"
 #include "ui/dialogs/DialogReport.h"
@@ -15,6 +17,7 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/main/frmMain.h"
+#include "ui/options/frmOptions.h"
 
 namespace kalivor::ui {
 
@@ -29,6 +32,10 @@ struct World {
   QString programFolder;                               ///< default of the folders among the settings
   SystemInformation systemInformation;                 ///< for the about box
   std::function<void(const QString& text)> printText;  ///< prints the report
+  platform::FileDialogs& dialogs;
+  platform::Help& help;
+  std::function<QString(int number)> deviceOfPort;  ///< "" when there is none
+  std::function<void()> print;                      ///< the Print command; empty: its item is disabled
 };
 
 /// Settings of the command line: they hold for one run and are not stored.
@@ -50,8 +57,8 @@ struct Desktop {
   /// Shows the main window.
   void Show();
 
-  /// Opens a value file; empty as long as the program cannot.
-  std::function<void(const QString& path)> OpenValueFile;
+  /// Opens a value file as the Open command does once the user has chosen it.
+  void OpenFile(const QString& path);
 
   World world;
   platform::EventGuard guard;
@@ -66,11 +73,16 @@ struct Desktop {
   Report report;
   COM_A controller;
   Core core;
+  FileCommandContext files;
+  frmOptions options;
 
  private:
   void LoadMain(const RunSettings& run);
   void StoreSettings();
   void ShowAbout();
+  void ShowOptions(int page);
+  void ConnectOptions();
+  [[nodiscard]] MenuActions Actions();
 
   RunSettings run_;  // as the tables hold it
   Module1 stored_;   // the settings as they were stored

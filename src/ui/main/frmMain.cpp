@@ -157,7 +157,6 @@ void frmMain::Connect(Core& core) {
 
 void frmMain::SetMenuActions(MenuActions actions) {
   menuActions_ = std::move(actions);
-  menuActions_.FileExit = [this] { close(); };
   UpdateMenus(*this, menuActions_);
 }
 

@@ -451,6 +451,20 @@ TEST_F(CliTest, ShowPrintsAValueFileWithoutDefinitions) {
   EXPECT_EQ(QJsonDocument::fromJson(QByteArray::fromStdString(out.str())).object()[u"layout"_s].toInt(), 62);
 }
 
+TEST_F(CliTest, PagesPrintsWhatThePrinterWould) {
+  EXPECT_EQ(Run({u"pages"_s, u"--date"_s, u"2026-11-21"_s, u"--status-path"_s, u"C:\\w.qpf"_s}), kDone)
+      << err.str();
+  const QStringList lines = Out().split(u'\n');
+  EXPECT_EQ(lines[0], u"=== Seite 1 von 1"_s);
+  EXPECT_TRUE(lines[1].startsWith(u"AB1-123.4 Anlagenart: "_s)) << lines[1].toStdString();
+  EXPECT_EQ(lines[2], u"Anlage"_s);
+  EXPECT_EQ(lines[3], u"  Antrieb"_s);
+  EXPECT_TRUE(lines[4].startsWith(u"    Drehzahl....."_s));
+  EXPECT_TRUE(lines[lines.size() - 2].startsWith(u"Samstag, 21 November 2026   "_s))
+      << lines[lines.size() - 2].toStdString();
+  EXPECT_TRUE(lines[lines.size() - 2].endsWith(u"   C:\\w.qpf"_s));
+}
+
 TEST_F(CliTest, HelpAndProgramVersion) {
   EXPECT_EQ(Run({u"--help"_s}), kDone);
   EXPECT_TRUE(Out().startsWith(u"Aufruf: kalivor-cli"_s));

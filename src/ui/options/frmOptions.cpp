@@ -1,0 +1,164 @@
+#include "ui/options/frmOptions.h"
+
+#include <QEvent>
+#include <QFormLayout>
+#include <QScreen>
+#include <QShortcut>
+
+#include "base/Numbers.h"
+#include "platform/qt/WindowPlacing.h"
+#include "ui/Resources.h"
+#include "ui/dialogs/Controls.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::ui {
+namespace {
+
+constexpr int kPorts = 8;
+constexpr int kLargestAddress = 255;
+constexpr int kWidth_characters = 60;
+
+QComboBox* NewList(QWidget* parent, const QString& name, const QString& accessibleName) {
+  auto* list = new QComboBox(parent);
+  list->setObjectName(name);
+  list->setAccessibleName(accessibleName);
+  return list;
+}
+
+// A page of the tab strip: one row with a label.
+QWidget* NewPage(int number) {
+  auto* page = new QWidget;
+  page->setObjectName(u"picOptions%1"_s.arg(number));
+  return page;
+}
+
+}  // namespace
+
+frmOptions::frmOptions() {
+  setObjectName(u"frmOptions"_s);
+  setWindowTitle(u"Optionen"_s);
+  setWindowIcon(ProgramIcon());
+
+  tbsOptions_ = new QTabWidget(this);
+  tbsOptions_->setObjectName(u"tbsOptions"_s);
+  tbsOptions_->addTab(NewPortPage(), u"Schnittstelle"_s);
+  tbsOptions_->addTab(NewAddressPage(), u"Regler"_s);
+  tbsOptions_->addTab(NewFilesPage(), u"Dateien"_s);
+  tbsOptions_->setTabToolTip(0, u"Optionen für die Serielle Schnittstelle festlegen"_s);
+  tbsOptions_->setTabToolTip(1, u"Optionen des angeschlossenen Reglers festlegen"_s);
+
+  auto* ok = NewButton(this, u"cmdOK"_s, u"OK"_s);
+  auto* cancel = NewButton(this, u"cmdCancel"_s, u"Abbrechen"_s);
+  auto* apply = NewButton(this, u"cmdApply"_s, u"Übernehmen"_s);
+  ok->setDefault(true);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  for (QPushButton* button : {ok, cancel, apply})
+    buttons->addWidget(button);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(tbsOptions_);
+  layout->addLayout(buttons);
+
+  connect(ok, &QPushButton::clicked, this, [this] {
+    if (Uebernehmen()) hide();
+  });
+  connect(apply, &QPushButton::clicked, this, [this] { Uebernehmen(); });
+  connect(cancel, &QPushButton::clicked, this, &frmOptions::reject);
+  auto* nextPage = new QShortcut(QKeySequence(u"Ctrl+Tab"_s), this);
+  connect(nextPage, &QShortcut::activated, this, [this] { NextPage(); });
+}
+
+QWidget* frmOptions::NewPortPage() {
+  QWidget* page = NewPage(0);
+  comboSchnittstelle_ = NewList(page, u"ComboSchnittstelle"_s, u"Schnittstelle"_s);
+  for (int number = 1; number <= kPorts; ++number)
+    comboSchnittstelle_->addItem(u"COM%1"_s.arg(number));
+  comboSchnittstelle_->installEventFilter(this);
+  auto* layout = new QFormLayout(page);
+  layout->addRow(u"Schnittstelle"_s, comboSchnittstelle_);
+  return page;
+}
+
+QWidget* frmOptions::NewAddressPage() {
+  QWidget* page = NewPage(1);
+  comboAdresse_ = NewList(page, u"ComboAdresse"_s, u"Geräteadresse"_s);
+  for (int address = 0; address <= kLargestAddress; ++address)
+    comboAdresse_->addItem(BlankNumber(address));
+  auto* layout = new QFormLayout(page);
+  layout->addRow(u"Geräteadresse"_s, comboAdresse_);
+  return page;
+}
+
+QWidget* frmOptions::NewFilesPage() {
+  QWidget* page = NewPage(2);
+  textVerzParameter_ = NewTextBox(page, u"TextVerzParameter"_s, u"Versionstabelle"_s);
+  auto* browse = NewButton(page, u"CommandBrowse"_s, u"Browse"_s);
+  auto* row = new QHBoxLayout;
+  row->addWidget(textVerzParameter_);
+  row->addWidget(browse);
+  auto* layout = new QFormLayout(page);
+  layout->addRow(u"Versionstabelle"_s, row);
+  connect(textVerzParameter_, &QLineEdit::textChanged, this, [this] { pathChanged_ = true; });
+  connect(browse, &QPushButton::clicked, this, [this] { Browse(); });
+  return page;
+}
+
+void frmOptions::Open(const OptionsContent& content, int page) {
+  if (!isVisible()) {
+    comboSchnittstelle_->setCurrentIndex(content.portPosition);
+    comboAdresse_->setCurrentIndex(content.addressPosition);
+    textVerzParameter_->setText(content.tablePath);
+    pathChanged_ = content.pathChanged;
+    FitToContent(*this, kWidth_characters);
+    move(screen()->availableGeometry().center() - rect().center());
+  }
+  tbsOptions_->setCurrentIndex(page);
+  platform::ShowInFront(*this);
+}
+
+OptionsContent frmOptions::Content() const {
+  return {comboSchnittstelle_->currentIndex(), comboAdresse_->currentIndex(), textVerzParameter_->text(),
+          pathChanged_};
+}
+
+// True when the content was applied: only then the dialog may close.
+bool frmOptions::Uebernehmen() {
+  if (!OnApply || !OnApply(Content())) return false;
+  pathChanged_ = false;
+  return true;
+}
+
+void frmOptions::Browse() {
+  const QString path = OnBrowse ? OnBrowse() : QString();
+  if (!path.isEmpty()) textVerzParameter_->setText(path);
+}
+
+void frmOptions::NextPage() {
+  tbsOptions_->setCurrentIndex((tbsOptions_->currentIndex() + 1) % tbsOptions_->count());
+}
+
+// The devices are looked up when the list opens: adapters come and go.
+bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == comboSchnittstelle_ &&
+      (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress ||
+       event->type() == QEvent::Enter)) {
+    NameDevices();
+  }
+  return QDialog::eventFilter(watched, event);
+}
+
+void frmOptions::NameDevices() {
+  for (int number = 1; number <= kPorts; ++number) {
+    const QString device = DeviceOfPort ? DeviceOfPort(number) : QString();
+    comboSchnittstelle_->setItemData(number - 1, device.isEmpty() ? u"nicht vorhanden"_s : device,
+                                     Qt::ToolTipRole);
+  }
+}
+
+// QDialog's closeEvent comes here as well. While an operation is under way the dialog stays.
+void frmOptions::reject() {
+  if (isEnabled()) hide();
+}
+
+}  // namespace kalivor::ui

@@ -1,0 +1,55 @@
+// The options: serial port, station address, version table.
+#pragma once
+
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QTabWidget>
+#include <functional>
+
+#include "commands/OptionsCommands.h"
+
+namespace kalivor::ui {
+
+/// One instance. It shows the present settings whenever it opens, and keeps what was typed as long as it is
+/// open. "Abbrechen", Escape and the window's frame hide it without applying.
+class frmOptions final : public QDialog {
+ public:
+  frmOptions();
+
+  /// Applies the content; false when it was refused.
+  std::function<bool(const OptionsContent& content)> OnApply;
+
+  /// Asks for the version table file; "" when the user cancelled.
+  std::function<QString()> OnBrowse;
+
+  /// The device that stands behind a port number now, "" when there is none.
+  std::function<QString(int number)> DeviceOfPort;
+
+  /// Shows `content` unless the dialog is open already, and selects page 0, 1 or 2 in either case.
+  void Open(const OptionsContent& content, int page);
+
+  [[nodiscard]] OptionsContent Content() const;
+
+  void reject() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QWidget* NewPortPage();
+  QWidget* NewAddressPage();
+  QWidget* NewFilesPage();
+  void NameDevices();
+  void NextPage();
+  bool Uebernehmen();
+  void Browse();
+
+  QTabWidget* tbsOptions_;
+  QComboBox* comboSchnittstelle_;
+  QComboBox* comboAdresse_;
+  QLineEdit* textVerzParameter_;
+  bool pathChanged_ = false;
+};
+
+}  // namespace kalivor::ui

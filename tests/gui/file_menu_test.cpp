@@ -1,0 +1,144 @@
+// Opening, saving and closing value files through the real menus.
+#include <QAction>
+#include <QFileDialog>
+#include <QTimer>
+
+#include "core/ValueFileFormat.h"
+#include "gui/GuiFixture.h"
+#include "platform/qt/QtFileDialogs.h"
+
+namespace kalivor::test {
+namespace {
+
+class FileMenuTest : public GuiTest {
+ protected:
+  void SetUp() override { Start(); }
+
+  void Choose(const QString& item) { desktop->main.findChild<QAction*>(item)->trigger(); }
+  [[nodiscard]] QString Panel2() { return Main<QLabel>(u"file"_s).text(); }
+};
+
+TEST_F(FileMenuTest, SavingAsksForANameOnceAndShowsIt) {
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileSave"_s);
+  ASSERT_EQ(dialogs.shown.size(), 1U);
+  EXPECT_TRUE(dialogs.shown[0].save);
+  EXPECT_EQ(dialogs.shown[0].title, u"Speichern"_s);
+  EXPECT_EQ(dialogs.shown[0].filter, u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*"_s);
+  EXPECT_EQ(Panel2(), u"/werte/a.qpf"_s);
+  EXPECT_EQ(desktop->module.Userpath, u"/werte"_s);
+  EXPECT_EQ(files.files[u"/werte/a.qpf"_s].bytes.size(), desktop->module.ParCount * kCurrentRecord_bytes);
+  Choose(u"mnuFileSave"_s);
+  EXPECT_EQ(dialogs.shown.size(), 1U);
+}
+
+TEST_F(FileMenuTest, SaveAsAsksAlsoWhenAFileIsOpen) {
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileSave"_s);
+  dialogs.answers.push_back(u"/werte/b.qpf"_s);
+  Choose(u"mnuFileSaveAs"_s);
+  EXPECT_EQ(dialogs.shown.back().title, u"Speichern unter"_s);
+  EXPECT_EQ(Panel2(), u"/werte/b.qpf"_s);
+  EXPECT_TRUE(files.files.contains(u"/werte/b.qpf"_s));
+}
+
+TEST_F(FileMenuTest, ASavedSetIsOpenedAgain) {
+  desktop->module.Par[1].Wert = 1777;
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileSave"_s);
+  desktop->module.Par[1].Wert = 0;
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileOpen"_s);
+  EXPECT_EQ(dialogs.shown.back().title, u"Öffnen"_s);
+  EXPECT_EQ(dialogs.shown.back().folder, u"/werte"_s);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1777);
+  EXPECT_TRUE(Tree().Text(Node(u"sK 1"_s)).contains(u"177.7"_s));
+}
+
+TEST_F(FileMenuTest, ClosingForgetsTheNameAndKeepsTheValues) {
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileSave"_s);
+  desktop->module.Par[1].Wert = 1777;
+  Choose(u"mnuFileClose"_s);
+  EXPECT_EQ(Panel2(), QString());
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1777);
+  dialogs.answers.push_back({});
+  Choose(u"mnuFileSave"_s);
+  EXPECT_EQ(dialogs.shown.size(), 2U);
+}
+
+TEST_F(FileMenuTest, ACancelledDialogChangesNothing) {
+  dialogs.answers = {{}, {}, {}};
+  Choose(u"mnuFileOpen"_s);
+  Choose(u"mnuFileSave"_s);
+  Choose(u"mnuFileSaveAs"_s);
+  EXPECT_EQ(dialogs.shown.size(), 3U);
+  EXPECT_EQ(Panel2(), QString());
+  EXPECT_TRUE(files.reads.isEmpty());
+}
+
+TEST_F(FileMenuTest, AFileOfAnotherVersionIsAskedForWithTheWindowDisabled) {
+  files.files[u"/werte/x.qpf"_s].bytes =
+      ComposeRecord(2, {}, u"AB1-012.0"_s, {}) + ComposeRecord(99, {}, u"neu"_s, u"int"_s);
+  dialogs.answers.push_back(u"/werte/x.qpf"_s);
+  bool disabled = false;
+  events.onWait = [this, &disabled] {
+    disabled = !desktop->main.isEnabled();
+    EXPECT_FALSE(desktop->main.close());
+    Click(desktop->auswahl, u"Button2"_s);
+  };
+  Choose(u"mnuFileOpen"_s);
+  EXPECT_TRUE(disabled);
+  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"AB1-012.0"_s);
+  EXPECT_TRUE(Tree().Text(Node(u"sK 8"_s)).contains(u"99"_s));
+  ExpectReady();
+}
+
+TEST_F(FileMenuTest, AFileOnTheCommandLineIsOpenedAsByTheMenu) {
+  files.files[u"/werte/x.qpf"_s].bytes =
+      ComposeRecord(2, {}, u"AB1-123.4"_s, {}) + ComposeRecord(1777, {}, u"n"_s, u"int"_s);
+  desktop->OpenFile(u"/werte/x.qpf"_s);
+  EXPECT_EQ(Panel2(), u"/werte/x.qpf"_s);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1777);
+}
+
+TEST(FileDialogs, FiltersAreWrittenAsTheToolkitWantsThem) {
+  EXPECT_EQ(platform::ToolkitFilter(u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*"_s),
+            u"MERVA Parameterfile (*.qpf);;Alle Dateien (*)"_s);
+}
+
+// Runs `act` on the file dialog that is about to open.
+void OnFileDialog(const std::function<void(QFileDialog&)>& act) {
+  QTimer::singleShot(0, [act] {
+    auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    act(*dialog);
+  });
+}
+
+TEST(FileDialogs, SavingDoesNotAskBeforeOverwritingAndAddsNoSuffix) {
+  platform::QtFileDialogs dialogs(false);
+  OnFileDialog([](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), u"Speichern"_s);
+    EXPECT_TRUE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+    EXPECT_EQ(dialog.defaultSuffix(), QString());
+    EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+    dialog.reject();
+  });
+  EXPECT_EQ(dialogs.SaveFile(u"Speichern"_s, u"Alle Dateien (*.*)|*.*"_s), QString());
+}
+
+TEST(FileDialogs, OpeningWantsAnExistingFileOfTheFolder) {
+  platform::QtFileDialogs dialogs(false);
+  const QString folder = QStringLiteral(KALIVOR_SOURCE_DIR "/examples");
+  OnFileDialog([&folder](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+    EXPECT_EQ(dialog.directory().absolutePath(), folder);
+    dialog.selectFile(u"VF.INI"_s);
+    QMetaObject::invokeMethod(&dialog, "accept");
+  });
+  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, folder, u"Alle Dateien (*.*)|*.*"_s), folder + u"/VF.INI"_s);
+}
+
+}  // namespace
+}  // namespace kalivor::test

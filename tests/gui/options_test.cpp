@@ -1,0 +1,171 @@
+// The options dialog: its controls, pages and buttons, with the real widgets.
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTabWidget>
+
+#include "gui/GuiFixture.h"
+
+namespace kalivor::test {
+namespace {
+
+class OptionsTest : public GuiTest {
+ protected:
+  void SetUp() override { Start(); }
+
+  /// Opens the dialog as the menu item does.
+  void OpenPage(const QString& menuItem) {
+    desktop->main.findChild<QAction*>(menuItem)->trigger();
+    QCoreApplication::processEvents();
+  }
+
+  QTabWidget& Tabs() { return In<QTabWidget>(desktop->options, u"tbsOptions"_s); }
+  QComboBox& Port() { return In<QComboBox>(desktop->options, u"ComboSchnittstelle"_s); }
+  QComboBox& Address() { return In<QComboBox>(desktop->options, u"ComboAdresse"_s); }
+  QLineEdit& Path() { return In<QLineEdit>(desktop->options, u"TextVerzParameter"_s); }
+};
+
+TEST_F(OptionsTest, HasItsPagesListsAndButtons) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(desktop->options.windowTitle(), u"Optionen"_s);
+  ASSERT_EQ(Tabs().count(), 3);
+  EXPECT_EQ(Tabs().tabText(0), u"Schnittstelle"_s);
+  EXPECT_EQ(Tabs().tabText(1), u"Regler"_s);
+  EXPECT_EQ(Tabs().tabText(2), u"Dateien"_s);
+  EXPECT_EQ(Tabs().tabToolTip(0), u"Optionen für die Serielle Schnittstelle festlegen"_s);
+  EXPECT_EQ(Tabs().tabToolTip(1), u"Optionen des angeschlossenen Reglers festlegen"_s);
+  EXPECT_EQ(Tabs().tabToolTip(2), QString());
+  ASSERT_EQ(Port().count(), 8);
+  EXPECT_EQ(Port().itemText(0), u"COM1"_s);
+  EXPECT_EQ(Port().itemText(7), u"COM8"_s);
+  ASSERT_EQ(Address().count(), 256);
+  EXPECT_EQ(Address().itemText(0), u" 0"_s);
+  EXPECT_EQ(Address().itemText(255), u" 255"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->options, u"cmdOK"_s).text(), u"OK"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->options, u"cmdApply"_s).text(), u"Übernehmen"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->options, u"cmdCancel"_s).text(), u"Abbrechen"_s);
+  EXPECT_EQ(In<QPushButton>(desktop->options, u"CommandBrowse"_s).text(), u"Browse"_s);
+}
+
+TEST_F(OptionsTest, EachMenuItemOpensItsPageAlsoWhenItIsOpenAlready) {
+  OpenPage(u"mnuOptioenFiles"_s);
+  EXPECT_EQ(Tabs().currentIndex(), 2);
+  OpenPage(u"mnuOptioenRegler"_s);
+  EXPECT_EQ(Tabs().currentIndex(), 1);
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(Tabs().currentIndex(), 0);
+}
+
+TEST_F(OptionsTest, ShowsThePresentSettingsWhenItOpens) {
+  desktop->module.Schnittstelle = 3;
+  desktop->module.Adresse = 0;
+  OpenPage(u"mnuOptioenFiles"_s);
+  EXPECT_EQ(Port().currentText(), u"COM3"_s);
+  EXPECT_EQ(Address().currentText(), u" 0"_s);
+  EXPECT_EQ(Path().text(), kFolder + u"VF.INI"_s);
+}
+
+TEST_F(OptionsTest, CtrlTabGoesRoundThePages) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  for (const int page : {1, 2, 0}) {
+    QTest::keyClick(&desktop->options, Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(Tabs().currentIndex(), page);
+  }
+}
+
+TEST_F(OptionsTest, ApplyingStoresPortAndAddressAndStaysOpen) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  Port().setCurrentText(u"COM3"_s);
+  Address().setCurrentText(u" 17"_s);
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_EQ(desktop->module.Schnittstelle, 3);
+  EXPECT_EQ(desktop->module.Adresse, 17);
+  EXPECT_TRUE(desktop->options.isVisible());
+  EXPECT_TRUE(files.reads.isEmpty());
+}
+
+TEST_F(OptionsTest, OkAppliesAndCloses) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  Port().setCurrentText(u"COM8"_s);
+  Click(desktop->options, u"cmdOK"_s);
+  EXPECT_EQ(desktop->module.Schnittstelle, 8);
+  EXPECT_FALSE(desktop->options.isVisible());
+}
+
+TEST_F(OptionsTest, CancelClosesWithoutApplyingAndForgetsTheChange) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  Port().setCurrentText(u"COM8"_s);
+  Click(desktop->options, u"cmdCancel"_s);
+  EXPECT_EQ(desktop->module.Schnittstelle, 1);
+  EXPECT_FALSE(desktop->options.isVisible());
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(Port().currentText(), u"COM1"_s);
+}
+
+TEST_F(OptionsTest, ABrowsedFileIsReadOnce) {
+  files.AddText(u"/neu/T.INI"_s, u"Kopf\nXY1-100.0  -  C.TXT  A  WR\n"_s);
+  files.AddText(u"/neu//C.TXT"_s, u"Kopf\n"_s);
+  OpenPage(u"mnuOptioenFiles"_s);
+  dialogs.answers.push_back(u"/neu/T.INI"_s);
+  Click(desktop->options, u"CommandBrowse"_s);
+  ASSERT_EQ(dialogs.shown.size(), 1U);
+  EXPECT_FALSE(dialogs.shown[0].save);
+  EXPECT_EQ(dialogs.shown[0].title, u"Parameterfile"_s);
+  EXPECT_EQ(dialogs.shown[0].folder, kFolder);
+  EXPECT_EQ(dialogs.shown[0].filter, u"Alle Dateien (*.*)|*.*"_s);
+  EXPECT_EQ(Path().text(), u"/neu/T.INI"_s);
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"XY1-100.0"_s);
+  files.reads.clear();
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_TRUE(files.reads.isEmpty());
+}
+
+TEST_F(OptionsTest, ACancelledBrowseChangesNothing) {
+  dialogs.answers = {{}};
+  OpenPage(u"mnuOptioenFiles"_s);
+  Click(desktop->options, u"CommandBrowse"_s);
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_TRUE(files.reads.isEmpty());
+}
+
+TEST_F(OptionsTest, APathWithoutFolderIsSaidAndTheDialogStays) {
+  OpenPage(u"mnuOptioenFiles"_s);
+  Path().setText(u"VF.INI"_s);
+  Click(desktop->options, u"cmdOK"_s);
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_EQ(boxes[0].text, u"Ungültiges Argument."_s);
+  EXPECT_EQ(boxes[0].title, u"KALIVOR"_s);
+  EXPECT_TRUE(desktop->options.isVisible());
+  EXPECT_EQ(desktop->module.Inipath, kFolder);
+}
+
+TEST_F(OptionsTest, EachPortNamesItsDeviceWhenTheListOpens) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  devices[2] = u"/dev/ttyUSB0"_s;
+  QTest::keyClick(&Port(), Qt::Key_Down, Qt::AltModifier);
+  EXPECT_EQ(Port().itemData(0, Qt::ToolTipRole).toString(), u"nicht vorhanden"_s);
+  EXPECT_EQ(Port().itemData(1, Qt::ToolTipRole).toString(), u"/dev/ttyUSB0"_s);
+  Port().hidePopup();
+}
+
+TEST_F(OptionsTest, TakesNoInputWhileAnOperationIsUnderWay) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  ToBusy(desktop->core);
+  EXPECT_FALSE(desktop->options.isEnabled());
+  desktop->options.close();
+  EXPECT_TRUE(desktop->options.isVisible());
+  FromBusy(desktop->core);
+  EXPECT_TRUE(desktop->options.isEnabled());
+}
+
+TEST_F(OptionsTest, ClosingByTheFrameIsCancel) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  Port().setCurrentText(u"COM8"_s);
+  desktop->options.close();
+  EXPECT_FALSE(desktop->options.isVisible());
+  EXPECT_EQ(desktop->module.Schnittstelle, 1);
+}
+
+}  // namespace
+}  // namespace kalivor::test

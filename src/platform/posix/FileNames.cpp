@@ -9,14 +9,12 @@ namespace kalivor::platform {
 namespace {
 
 // The one entry of `folder` that differs from `name` in case only, as the file system writes it. Fails with
-// ENOENT when there is none, with ENOTUNIQ when there are several.
+// ENOENT when there is none, with ENOTUNIQ when there are several. Nothing is taken for missing when the
+// folder cannot be listed: a second file could be made beside the one that is meant.
 int MatchInFolder(const FileCalls& calls, const QByteArray& folder, const QByteArray& name,
                   QByteArray& match) {
   QByteArrayList entries;
-  if (Uninterrupted([&] { return calls.List(folder, entries); }) < 0) {
-    // A folder that may be entered but not listed has the names that are written rightly.
-    return errno == EACCES ? ENOENT : errno;
-  }
+  if (Uninterrupted([&] { return calls.List(folder, entries); }) < 0) return errno;
   const QString wanted = QFile::decodeName(name);
   int matches = 0;
   for (const QByteArray& entry : entries) {

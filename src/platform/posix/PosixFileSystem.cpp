@@ -75,7 +75,7 @@ QString PosixFileSystem::Overwrite(const QString& path, const QByteArray& beginn
   const SaveResult result = nameError != 0 ? SaveResult{nameError} : SafeSave(calls_, name, beginning);
   if (result.error == 0) return {};
   const QString description = DescribeWriting(result.error);
-  return result.damaged ? description + u" Die Datei ist jetzt unvollständig."_s : description;
+  return result.uncertain ? description + u" Der Inhalt der Datei ist jetzt ungewiss."_s : description;
 }
 
 }  // namespace kalivor::platform

@@ -8,8 +8,8 @@
 namespace kalivor::platform {
 
 struct SaveResult {
-  int error = 0;         ///< error number of the system; 0 when the new image is in place
-  bool damaged = false;  ///< the old image could not be brought back: the file holds parts of both
+  int error = 0;           ///< error number of the system; 0 when the new image is in place
+  bool uncertain = false;  ///< the old image could not be brought back: the file may hold parts of both
 };
 
 /// Puts `beginning` over the beginning of the file `path`, or into a new one. See FileSystem::Overwrite();

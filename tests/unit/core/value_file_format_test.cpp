@@ -4,33 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "base/Windows1252.h"
 #include "fakes/QtPrinters.h"
+#include "unit/core/ValueFileBytes.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::test {
 namespace {
-
-// Four bytes, the lowest first.
-QByteArray Number(qint32 value) {
-  QByteArray bytes;
-  for (int i = 0; i < 4; ++i)
-    bytes += static_cast<char>(static_cast<quint32>(value) >> (8 * i) & 0xFF);
-  return bytes;
-}
-
-QByteArray Text(const QString& text, int width) {
-  return BytesFromText(text).leftJustified(width, ' ', true);
-}
-
-QByteArray Current(qint32 value, const QString& valueText, const QString& name, const QString& type) {
-  return Number(value) + Text(valueText, 20) + Text(name, 30) + Text(type, 8);
-}
-
-QByteArray Old(qint32 value, const QString& valueText, const QString& name, const QString& type) {
-  return Number(value) + Text(valueText, 20) + Text(name, 20) + Text(type, 8);
-}
 
 // An old file with a parameter of `value` and `others` further ones.
 QByteArray OldFile(qint32 value, int others) {

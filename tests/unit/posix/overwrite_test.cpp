@@ -1,0 +1,531 @@
+// Saving a file: what it holds afterwards, which file it is, its permissions, and what the user is told.
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <csignal>
+
+#include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "fakes/QtPrinters.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/FileErrors.h"
+#include "platform/posix/PosixFileSystem.h"
+#include "unit/posix/AsOrdinaryUser.h"
+#include "unit/posix/FaultyFileCalls.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::platform {
+namespace {
+
+using test::FaultyFileCalls;
+using test::FileCall;
+using test::FileFault;
+using test::HoldsAsOrdinaryUser;
+
+const QString kDenied = u"Keine Berechtigung zum Schreiben der Datei."_s;
+const QString kNoFolder = u"Das Verzeichnis ist nicht vorhanden."_s;
+const QString kDirectory = u"Der Pfad ist ein Verzeichnis."_s;
+const QString kNoFile = u"Der Pfad ist keine gewöhnliche Datei."_s;
+const QString kFull = u"Auf dem Datenträger ist kein Platz mehr."_s;
+const QString kTooLarge = u"Die Datei ist zu groß."_s;
+
+class Overwrite : public testing::Test {
+ protected:
+  [[nodiscard]] QString Path(const QString& name) const { return folder_.filePath(name); }
+  [[nodiscard]] QByteArray SystemName(const QString& name) const { return QFile::encodeName(Path(name)); }
+
+  void Write(const QString& name, const QByteArray& bytes) const {
+    QDir().mkpath(QFileInfo(Path(name)).path());
+    QFile file(Path(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+  }
+  [[nodiscard]] QByteArray Bytes(const QString& name) const {
+    QFile file(Path(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return file.readAll();
+  }
+  /// Every name in the folder, hidden ones as well.
+  [[nodiscard]] QStringList Names(const QString& folder = u"."_s) const {
+    return QDir(Path(folder))
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+  }
+  void Link(const QByteArray& target, const QString& name) const {
+    ASSERT_EQ(symlink(target.constData(), SystemName(name).constData()), 0);
+  }
+  void SetMode(const QString& name, mode_t mode) const {
+    ASSERT_EQ(chmod(SystemName(name).constData(), mode), 0);
+  }
+  [[nodiscard]] struct stat Status(const QString& name) const {
+    struct stat status {};
+    EXPECT_EQ(lstat(SystemName(name).constData(), &status), 0) << name.toStdString();
+    return status;
+  }
+  [[nodiscard]] mode_t Mode(const QString& name) const { return Status(name).st_mode & 07777; }
+
+  [[nodiscard]] QString Save(const QString& name, const QByteArray& bytes) {
+    return files_.Overwrite(Path(name), bytes);
+  }
+
+  QTemporaryDir folder_;
+  PosixFileSystem files_;
+};
+
+// --- what the file holds ---
+
+TEST_F(Overwrite, MakesANewFile) {
+  EXPECT_EQ(Save(u"new.qpf"_s, "content"), QString());
+  EXPECT_EQ(Bytes(u"new.qpf"_s), "content");
+  EXPECT_EQ(Names(), QStringList{u"new.qpf"_s});
+}
+
+TEST_F(Overwrite, MakesAnEmptyFile) {
+  EXPECT_EQ(Save(u"new.qpf"_s, {}), QString());
+  EXPECT_EQ(Bytes(u"new.qpf"_s), QByteArray());
+}
+
+TEST_F(Overwrite, KeepsWhatALongerFileHoldsBehind) {
+  const struct {
+    QByteArray before, beginning, after;
+  } cases[] = {
+      {"abcdef", "ABCDEF", "ABCDEF"},
+      {"abcdef", "ABCDEFGHI", "ABCDEFGHI"},
+      {"abcdef", "AB", "ABcdef"},
+      {"abcdef", "ABCDE", "ABCDEf"},
+      {"abcdef", {}, "abcdef"},
+      {{}, "AB", "AB"},
+      {QByteArray("a\0b\0c", 5), "X", QByteArray("X\0b\0c", 5)},
+  };
+  for (const auto& example : cases) {
+    Write(u"a.qpf"_s, example.before);
+    EXPECT_EQ(Save(u"a.qpf"_s, example.beginning), QString());
+    EXPECT_EQ(Bytes(u"a.qpf"_s), example.after);
+    EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+  }
+}
+
+TEST_F(Overwrite, KeepsALongTailByteForByte) {
+  QByteArray before;
+  for (int i = 0; i < 300'000; ++i)
+    before.append(static_cast<char>(i * 7));
+  Write(u"a.qpf"_s, before);
+  const QByteArray beginning(124'062, 'x');
+  EXPECT_EQ(Save(u"a.qpf"_s, beginning), QString());
+  EXPECT_EQ(Bytes(u"a.qpf"_s), beginning + before.mid(beginning.size()));
+}
+
+TEST_F(Overwrite, IsReadBackByTheSameName) {
+  EXPECT_EQ(Save(u"Größe ä €.qpf"_s, "content"), QString());
+  EXPECT_EQ(files_.Read(Path(u"Größe ä €.qpf"_s)).bytes, "content");
+  EXPECT_EQ(files_.Read(Path(u"GRÖSSE Ä €.QPF"_s)).Ok(), false) << "capitals do not make an ß of SS";
+  EXPECT_EQ(files_.Read(Path(u"größe Ä €.QPF"_s)).bytes, "content");
+}
+
+// Otherwise an interruption could leave a part: the name must not lead to bytes that are not on the disk.
+TEST_F(Overwrite, BringsTheImageToTheDiskBeforeItTakesTheNameAndThenTheName) {
+  Write(u"a.qpf"_s, "old");
+  const FaultyFileCalls calls;
+  PosixFileSystem files(calls);
+  EXPECT_EQ(files.Overwrite(Path(u"a.qpf"_s), "newer"), QString());
+  std::vector<FileCall> changes;
+  for (const FileCall call : calls.Calls()) {
+    if (call == FileCall::Write || call == FileCall::Sync || call == FileCall::Rename ||
+        call == FileCall::ChangeMode || call == FileCall::Truncate || call == FileCall::Remove) {
+      changes.push_back(call);
+    }
+  }
+  EXPECT_EQ(changes, (std::vector<FileCall>{FileCall::ChangeMode, FileCall::Write, FileCall::Sync,
+                                            FileCall::Rename, FileCall::Sync}));
+}
+
+TEST_F(Overwrite, LeavesAReaderOfTheOldFileUndisturbed) {
+  Write(u"a.qpf"_s, "old");
+  QFile reader(Path(u"a.qpf"_s));
+  ASSERT_TRUE(reader.open(QIODevice::ReadOnly));
+  EXPECT_EQ(Save(u"a.qpf"_s, "newer"), QString());
+  EXPECT_EQ(reader.readAll(), "old");
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "newer");
+}
+
+// --- which file it is ---
+
+TEST_F(Overwrite, TakesBothSeparatorsAlsoDoubledAndMixed) {
+  Write(u"sub/deep/a.qpf"_s, "x");
+  EXPECT_EQ(Save(u"sub\\deep\\a.qpf"_s, "1"), QString());
+  EXPECT_EQ(Bytes(u"sub/deep/a.qpf"_s), "1");
+  EXPECT_EQ(Save(u"sub\\\\deep//a.qpf"_s, "2"), QString());
+  EXPECT_EQ(Bytes(u"sub/deep/a.qpf"_s), "2");
+  EXPECT_EQ(Save(u"sub\\deep\\new.qpf"_s, "3"), QString());
+  EXPECT_EQ(Bytes(u"sub/deep/new.qpf"_s), "3");
+}
+
+TEST_F(Overwrite, WritesTheOneFileThatDiffersInCaseOnly) {
+  Write(u"Werte/Anlage.qpf"_s, "x");
+  EXPECT_EQ(Save(u"WERTE\\ANLAGE.QPF"_s, "1"), QString());
+  EXPECT_EQ(Bytes(u"Werte/Anlage.qpf"_s), "1");
+  EXPECT_EQ(Names(u"Werte"_s), QStringList{u"Anlage.qpf"_s});
+}
+
+TEST_F(Overwrite, ANewFileKeepsItsNameInTheFolderThatExists) {
+  Write(u"Werte/Anlage.qpf"_s, "x");
+  EXPECT_EQ(Save(u"WERTE/Neu.QPF"_s, "1"), QString());
+  EXPECT_EQ(Bytes(u"Werte/Neu.QPF"_s), "1");
+  EXPECT_EQ(Names(), QStringList{u"Werte"_s});
+}
+
+TEST_F(Overwrite, PrefersTheNameAsWrittenAndDoesNotChooseAmongOthers) {
+  Write(u"a.qpf"_s, "1");
+  Write(u"A.QPF"_s, "2");
+  EXPECT_EQ(Save(u"A.QPF"_s, "3"), QString());
+  EXPECT_EQ(Bytes(u"A.QPF"_s), "3");
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "1");
+  EXPECT_EQ(Save(u"A.qpf"_s, "4"),
+            u"Mehrere Dateien unterscheiden sich nur in der Groß- und Kleinschreibung."_s);
+  EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(Overwrite, FindsRelativePaths) {
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(folder_.path()));
+  EXPECT_EQ(files_.Overwrite(u"a.qpf"_s, "1"), QString());
+  EXPECT_EQ(files_.Overwrite(u"A.qpf"_s, "2"), QString());
+  ASSERT_TRUE(QDir::setCurrent(before));
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "2");
+  EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+}
+
+TEST_F(Overwrite, FollowsLinksAndLeavesThemLinks) {
+  Write(u"deep/real.qpf"_s, "abc");
+  Link("deep/real.qpf", u"relative.qpf"_s);
+  Link(SystemName(u"deep/real.qpf"_s), u"absolute.qpf"_s);
+  Link("../relative.qpf", u"deep/back.qpf"_s);
+  Link("deep/back.qpf", u"chain.qpf"_s);
+  char mark = '0';
+  for (const QString& link : {u"relative.qpf"_s, u"absolute.qpf"_s, u"deep/back.qpf"_s, u"chain.qpf"_s}) {
+    const QByteArray bytes(1, ++mark);
+    EXPECT_EQ(Save(link, bytes), QString());
+    EXPECT_EQ(Bytes(u"deep/real.qpf"_s), bytes + "bc");
+    EXPECT_TRUE(S_ISLNK(Status(link).st_mode)) << link.toStdString();
+  }
+  EXPECT_EQ(Names(u"deep"_s), (QStringList{u"back.qpf"_s, u"real.qpf"_s}));
+}
+
+TEST_F(Overwrite, MakesTheFileThatALinkLeadsToWhenItDoesNotExist) {
+  ASSERT_TRUE(QDir(folder_.path()).mkdir(u"deep"_s));
+  Link("deep/new.qpf", u"dangling.qpf"_s);
+  EXPECT_EQ(Save(u"DANGLING.qpf"_s, "x"), QString());
+  EXPECT_EQ(Bytes(u"deep/new.qpf"_s), "x");
+  EXPECT_TRUE(S_ISLNK(Status(u"dangling.qpf"_s).st_mode));
+  Link("nowhere/new.qpf", u"lost.qpf"_s);
+  EXPECT_EQ(Save(u"lost.qpf"_s, "x"), kNoFolder);
+}
+
+TEST_F(Overwrite, FollowsAFolderThatIsALink) {
+  Write(u"real/a.qpf"_s, "old");
+  Link("real", u"alias"_s);
+  EXPECT_EQ(Save(u"ALIAS/A.qpf"_s, "new"), QString());
+  EXPECT_EQ(Bytes(u"real/a.qpf"_s), "new");
+}
+
+TEST_F(Overwrite, RefusesLinksThatLeadInACircle) {
+  Link("b", u"a"_s);
+  Link("a", u"b"_s);
+  EXPECT_EQ(Save(u"a"_s, "x"), u"Zu viele symbolische Verknüpfungen im Pfad."_s);
+}
+
+// --- what is refused ---
+
+TEST_F(Overwrite, RefusesFolders) {
+  Write(u"sub/a.qpf"_s, "x");
+  EXPECT_EQ(Save(u"sub"_s, "x"), kDirectory);
+  EXPECT_EQ(Save(u"SUB"_s, "x"), kDirectory);
+  EXPECT_EQ(Save(u"sub/"_s, "x"), kDirectory);
+  EXPECT_EQ(Save(u"missing/"_s, "x"), kDirectory);
+  EXPECT_EQ(files_.Overwrite(u"/"_s, "x"), kDirectory);
+  Link("sub", u"link"_s);
+  EXPECT_EQ(Save(u"link"_s, "x"), kDirectory);
+  EXPECT_EQ(Names(), (QStringList{u"link"_s, u"sub"_s}));
+}
+
+// To open a device can already set it going.
+TEST_F(Overwrite, RefusesPipesAndDevicesWithoutOpeningThem) {
+  ASSERT_EQ(mkfifo(SystemName(u"pipe"_s).constData(), 0600), 0);
+  const FaultyFileCalls calls;
+  EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"pipe"_s), "x"), kNoFile);
+  EXPECT_EQ(std::count(calls.Calls().begin(), calls.Calls().end(), FileCall::Open), 0);
+  Link("/dev/null", u"device"_s);
+  EXPECT_EQ(Save(u"device"_s, "x"), kNoFile);
+  EXPECT_EQ(files_.Overwrite(u"/dev/full"_s, "x"), kNoFile);
+  EXPECT_EQ(Names().size(), 2);
+  EXPECT_TRUE(S_ISFIFO(Status(u"pipe"_s).st_mode));
+}
+
+// Its name in the system's list of open files leads nowhere.
+TEST_F(Overwrite, RefusesAPipeThatIsReachedThroughItsDescriptor) {
+  int ends[2] = {};
+  ASSERT_EQ(pipe(ends), 0);
+  const Descriptor reading(ends[0]);
+  const Descriptor writing(ends[1]);
+  EXPECT_EQ(files_.Overwrite(u"/proc/self/fd/%1"_s.arg(ends[1]), "x"), kNoFile);
+}
+
+TEST_F(Overwrite, RefusesImpossibleNames) {
+  EXPECT_EQ(files_.Overwrite({}, "x"), u"Der Dateiname ist ungültig."_s);
+  EXPECT_EQ(Save(u"a"_s + QChar(0) + u"b"_s, "x"), u"Der Dateiname ist ungültig."_s);
+  EXPECT_EQ(Save(QString(300, u'x'), "x"), u"Der Dateiname ist zu lang."_s);
+  EXPECT_EQ(Save(u"missing/a.qpf"_s, "x"), kNoFolder);
+  Write(u"file"_s, "x");
+  EXPECT_EQ(Save(u"file/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
+  EXPECT_EQ(Save(u"FILE/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
+  EXPECT_EQ(Names(), QStringList{u"file"_s});
+}
+
+TEST_F(Overwrite, TakesTheLongestName) {
+  const QString name(255, u'x');
+  EXPECT_EQ(Save(name, "1"), QString());
+  EXPECT_EQ(Save(name, "2"), QString());
+  EXPECT_EQ(Bytes(name), "2");
+}
+
+TEST_F(Overwrite, RefusesHugeFilesWithoutReadingThem) {
+  QFile file(Path(u"huge.qpf"_s));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  ASSERT_TRUE(file.resize(1LL << 40));  // sparse: takes no room on the disk
+  EXPECT_EQ(Save(u"huge.qpf"_s, "x"), kTooLarge);
+  EXPECT_EQ(file.size(), 1LL << 40);
+}
+
+TEST_F(Overwrite, LeavesNoDescriptorOpen) {
+  Write(u"a.qpf"_s, "x");
+  const auto openDescriptors = [] {
+    return QDir(u"/proc/self/fd"_s).entryList(QDir::System | QDir::Files).size();
+  };
+  const auto before = openDescriptors();
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(Save(u"A.qpf"_s, "x"), QString());
+    EXPECT_EQ(Save(u"missing/a"_s, "x"), kNoFolder);
+    EXPECT_EQ(files_.Overwrite(folder_.path(), "x"), kDirectory);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+// --- permissions ---
+
+TEST_F(Overwrite, KeepsPermissions) {
+  for (const mode_t mode : {0600U, 0644U, 0664U, 0666U, 0700U, 0755U, 0640U}) {
+    Write(u"a.qpf"_s, "old");
+    SetMode(u"a.qpf"_s, mode);
+    EXPECT_EQ(Save(u"a.qpf"_s, "new"), QString());
+    EXPECT_EQ(Mode(u"a.qpf"_s), mode);
+  }
+}
+
+TEST_F(Overwrite, GivesANewFileWhatTheUsersMaskLeaves) {
+  for (const mode_t mask : {0022U, 0077U, 0002U}) {
+    const mode_t before = umask(mask);
+    EXPECT_EQ(Save(u"%1.qpf"_s.arg(mask), "new"), QString());
+    umask(before);
+    EXPECT_EQ(Mode(u"%1.qpf"_s.arg(mask)), 0666 & ~mask);
+  }
+}
+
+TEST_F(Overwrite, KeepsTheOwnerWhereItMay) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of another user";
+  Write(u"a.qpf"_s, "old");
+  ASSERT_EQ(chown(SystemName(u"a.qpf"_s).constData(), 1234, 2345), 0);
+  SetMode(u"a.qpf"_s, 0660);
+  EXPECT_EQ(Save(u"a.qpf"_s, "new"), QString());
+  EXPECT_EQ(Status(u"a.qpf"_s).st_uid, 1234U);
+  EXPECT_EQ(Status(u"a.qpf"_s).st_gid, 2345U);
+  EXPECT_EQ(Mode(u"a.qpf"_s), 0660U);
+}
+
+TEST_F(Overwrite, DoesNotGiveAnotherGroupWhatTheOldOneWasAllowed) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of another user";
+  const struct { mode_t before, after; } cases[] = {{0666, 0666}, {0676, 0666}, {0667, 0667}};
+  SetMode(u"."_s, 0777);
+  for (const auto& example : cases) {
+    Write(u"a.qpf"_s, "old");
+    ASSERT_EQ(chown(SystemName(u"a.qpf"_s).constData(), 1234, 2345), 0);
+    SetMode(u"a.qpf"_s, example.before);
+    EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"a.qpf"_s, "new").isEmpty(); }));
+    EXPECT_EQ(Bytes(u"a.qpf"_s), "new");
+    EXPECT_NE(Status(u"a.qpf"_s).st_uid, 1234U) << "replaced, not written in place";
+    EXPECT_EQ(Mode(u"a.qpf"_s), example.after);
+    ASSERT_TRUE(QFile::remove(Path(u"a.qpf"_s)));
+  }
+}
+
+TEST_F(Overwrite, WritesInPlaceWhereTheFolderTakesNoNewFile) {
+  Write(u"sub/a.qpf"_s, "old and longer");
+  SetMode(u"sub/a.qpf"_s, 0666);
+  SetMode(u"sub"_s, 0555);
+  SetMode(u"."_s, 0755);
+  const ino_t before = Status(u"sub/a.qpf"_s).st_ino;
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"SUB/A.qpf"_s, "new").isEmpty(); }));
+  EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "new and longer");
+  EXPECT_EQ(Status(u"sub/a.qpf"_s).st_ino, before) << "the same file";
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/a.qpf"_s, "much longer than it was").isEmpty(); }));
+  EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "much longer than it was");
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/new.qpf"_s, "new") == kDenied; }));
+  EXPECT_EQ(Names(u"sub"_s), QStringList{u"a.qpf"_s});
+  SetMode(u"sub"_s, 0755);
+}
+
+// In a common folder everybody may add files, but nobody may replace another's.
+TEST_F(Overwrite, WritesInPlaceWhereTheFolderKeepsAnothersFile) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of another user";
+  Write(u"sub/a.qpf"_s, "old");
+  ASSERT_EQ(chown(SystemName(u"sub/a.qpf"_s).constData(), 1234, 2345), 0);
+  SetMode(u"sub/a.qpf"_s, 0666);
+  SetMode(u"sub"_s, 01777);
+  SetMode(u"."_s, 0755);
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/a.qpf"_s, "newer").isEmpty(); }));
+  EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "newer");
+  EXPECT_EQ(Status(u"sub/a.qpf"_s).st_uid, 1234U);
+  EXPECT_EQ(Names(u"sub"_s), QStringList{u"a.qpf"_s});
+}
+
+TEST_F(Overwrite, DoesNotTouchAFileThatMustNotBeWritten) {
+  Write(u"sub/a.qpf"_s, "old");
+  SetMode(u"sub/a.qpf"_s, 0444);
+  SetMode(u"."_s, 0755);
+  for (const mode_t folderMode : {0555U, 0777U}) {
+    SetMode(u"sub"_s, folderMode);
+    EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/a.qpf"_s, "new") == kDenied; })) << folderMode;
+    EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "old");
+    EXPECT_EQ(Names(u"sub"_s), QStringList{u"a.qpf"_s});
+  }
+}
+
+TEST_F(Overwrite, InAFolderThatCannotBeListedWritesWhatExistsAsWrittenOnly) {
+  Write(u"sub/a.qpf"_s, "old");
+  SetMode(u"sub/a.qpf"_s, 0666);
+  SetMode(u"sub"_s, 0333);
+  SetMode(u"."_s, 0755);
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/a.qpf"_s, "newer").isEmpty(); }));
+  // It may be there in another case.
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"sub/A.qpf"_s, "newer") == kDenied; }));
+  SetMode(u"sub"_s, 0755);
+  EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "newer");
+  EXPECT_EQ(Names(u"sub"_s), QStringList{u"a.qpf"_s});
+}
+
+// --- failures ---
+
+// The system's limit of a file's size stops the writing in the middle, as a full disk does.
+TEST_F(Overwrite, AWriteThatStopsInTheMiddleLeavesTheOldFile) {
+  Write(u"a.qpf"_s, "old");
+  SetMode(u"a.qpf"_s, 0666);
+  SetMode(u"."_s, 0777);
+  const auto saveWithLimit = [&](const QByteArray& bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{1000, 1000};
+    return setrlimit(RLIMIT_FSIZE, &limit) == 0 && Save(u"a.qpf"_s, bytes) == kTooLarge;
+  };
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return saveWithLimit(QByteArray(1001, 'x')); }));
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+  EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+  // And in place.
+  SetMode(u"."_s, 0555);
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return saveWithLimit(QByteArray(1001, 'x')); }));
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+  SetMode(u"."_s, 0755);
+}
+
+/// Saves "newer" over "old" with every call of one kind failing. Returns the description.
+QString DescriptionOf(const QString& path, FileCall call, int error) {
+  FaultyFileCalls probe;
+  PosixFileSystem files(probe);
+  EXPECT_EQ(files.Overwrite(path, "old"), QString());
+  const auto found = std::find(probe.Calls().begin(), probe.Calls().end(), call);
+  FaultyFileCalls calls;
+  calls.fault = {static_cast<int>(found - probe.Calls().begin()), error, FileFault::Lasting::SameCall};
+  return PosixFileSystem(calls).Overwrite(path, "newer");
+}
+
+TEST_F(Overwrite, DescribesFailuresInGerman) {
+  Write(u"a.qpf"_s, "old");
+  const struct {
+    int error;
+    QString description;
+  } cases[] = {
+      {ENOSPC, kFull},
+      {EDQUOT, u"Der für den Benutzer vorgesehene Platz auf dem Datenträger ist aufgebraucht."_s},
+      {EIO, u"Ein-/Ausgabefehler beim Schreiben der Datei."_s},
+      {EINTR, u"Der Zugriff auf die Datei wurde unterbrochen."_s},
+      {EFBIG, kTooLarge},
+      {ESTALE, u"Die Datei auf dem Netzlaufwerk ist nicht mehr gültig."_s},
+      {EXDEV, u"Die Datei kann nicht geschrieben werden (Systemfehler 18)."_s},
+  };
+  for (const auto& example : cases) {
+    EXPECT_EQ(DescriptionOf(Path(u"a.qpf"_s), FileCall::Write, example.error), example.description);
+    EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+    EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+  }
+  EXPECT_EQ(DescriptionOf(Path(u"a.qpf"_s), FileCall::Open, EROFS),
+            u"Der Datenträger ist schreibgeschützt."_s);
+  EXPECT_EQ(DescriptionOf(Path(u"a.qpf"_s), FileCall::Open, ETXTBSY),
+            u"Die Datei wird gerade von einem anderen Programm benutzt."_s);
+  EXPECT_EQ(DescriptionOf(Path(u"a.qpf"_s), FileCall::Open, EMFILE), u"Zu viele geöffnete Dateien."_s);
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+}
+
+// Some network drives tell only then that the bytes did not arrive.
+TEST_F(Overwrite, ANewImageThatCannotBeClosedDoesNotTakeTheName) {
+  Write(u"a.qpf"_s, "old");
+  const FaultyFileCalls probe;
+  EXPECT_EQ(PosixFileSystem(probe).Overwrite(Path(u"a.qpf"_s), "old"), QString());
+  const auto rename = std::find(probe.Calls().begin(), probe.Calls().end(), FileCall::Rename);
+  ASSERT_NE(rename, probe.Calls().end());
+  ASSERT_EQ(*(rename - 1), FileCall::Close);
+  FaultyFileCalls calls;
+  calls.fault = {static_cast<int>(rename - probe.Calls().begin()) - 1, ENOSPC, FileFault::Lasting::Once};
+  EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "newer"), kFull);
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+  EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+}
+
+TEST_F(Overwrite, TellsReadingFromWriting) {
+  for (const int error : {ENOENT, EACCES, EPERM, EIO, EXDEV})
+    EXPECT_NE(DescribeReading(error), DescribeWriting(error)) << error;
+  for (const int error : {ENOTDIR, EISDIR, ENOTSUP, EFBIG, ELOOP, ENAMETOOLONG, EINVAL, EMFILE, ENOMEM}) {
+    EXPECT_EQ(DescribeReading(error), DescribeWriting(error)) << error;
+    EXPECT_FALSE(DescribeWriting(error).contains(u"Systemfehler")) << error;
+  }
+}
+
+// Writing in place comes half way, then the disk is full: what was there is put back.
+TEST_F(Overwrite, PutsBackTheOldBytesWhenWritingInPlaceFails) {
+  struct Half final : FileCalls {
+    bool restoring = false;  ///< writing the old bytes back works
+    mutable int writes = 0;
+    int Open(const QByteArray& path, int flags, mode_t mode) const override {
+      errno = EACCES;
+      return (flags & O_CREAT) != 0 ? -1 : FileCalls::Open(path, flags, mode);
+    }
+    ssize_t Write(int fd, const char* bytes, size_t count, off_t position) const override {
+      ++writes;
+      errno = ENOSPC;
+      if (writes == 2 || (writes > 2 && !restoring)) return -1;
+      return FileCalls::Write(fd, bytes, writes == 1 ? count / 2 : count, position);
+    }
+  };
+  for (const QByteArray& old : {QByteArray("old"), QByteArray(), QByteArray("longer than the new one")}) {
+    Write(u"a.qpf"_s, old);
+    Half calls;
+    calls.restoring = true;
+    EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "NEW IMAGE"), kFull);
+    EXPECT_EQ(Bytes(u"a.qpf"_s), old);
+  }
+  Write(u"a.qpf"_s, "old");
+  const Half calls;
+  EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "NEW IMAGE"),
+            kFull + u" Der Inhalt der Datei ist jetzt ungewiss."_s);
+}
+
+}  // namespace
+}  // namespace kalivor::platform

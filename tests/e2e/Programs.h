@@ -27,24 +27,29 @@ struct Outcome {
   QString err;
 };
 
-/// A running kalivor-sim. It ends with the object.
+/// A running kalivor-sim. It ends with the object. Its device is a link of its own: the system gives the
+/// number of a pseudo-terminal that is gone to the next one, and a program that still tries the old number
+/// would reach it.
 class Simulator {
  public:
   explicit Simulator(const QStringList& options = {}, const QString& definitions = Examples()) {
     process_.start(Program(QStringLiteral("kalivor-sim")),
-                   QStringList{QStringLiteral("--ini-path"), definitions} + options);
+                   QStringList{QStringLiteral("--ini-path"), definitions, QStringLiteral("--link"),
+                               folder_.filePath(QStringLiteral("regler"))} +
+                       options);
     while (!process_.canReadLine() && process_.state() != QProcess::NotRunning) {
       if (!process_.waitForReadyRead(kHang_ms)) break;
     }
-    device_ = QString::fromUtf8(process_.readLine()).trimmed();
-    if (device_.isEmpty()) ADD_FAILURE() << process_.readAllStandardError().toStdString();
+    if (process_.readLine().trimmed().isEmpty()) {
+      ADD_FAILURE() << process_.readAllStandardError().toStdString();
+    }
   }
 
   ~Simulator() { Stop(); }
   Simulator(const Simulator&) = delete;
   Simulator& operator=(const Simulator&) = delete;
 
-  [[nodiscard]] const QString& Device() const { return device_; }
+  [[nodiscard]] QString Device() const { return folder_.filePath(QStringLiteral("regler")); }
   [[nodiscard]] qint64 ProcessId() const { return process_.processId(); }
 
   /// Ends it as a user would (SIGTERM) and returns what it said.
@@ -63,8 +68,8 @@ class Simulator {
   }
 
  private:
+  QTemporaryDir folder_;
   QProcess process_;
-  QString device_;
 };
 
 /// kalivor-cli with a settings folder of its own.

@@ -30,7 +30,8 @@ class FakeFileSystem final : public platform::FileSystem {
   [[nodiscard]] platform::FileContent Read(const QString& path, qint64 /*largest_bytes*/) override {
     reads.append(path);
     const auto found = files.constFind(path);
-    return found == files.constEnd() ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden.")} : *found;
+    return found == files.constEnd() ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden.")}
+                                     : *found;
   }
 };
 

@@ -1,0 +1,140 @@
+"""What a screen reader finds: every window by its title, every control by role and name."""
+import unittest
+
+from Scenario import Scenario
+
+from Bus import wait_for
+from Window import HZL120, LFT205, keys
+
+BUTTON, BOX, LABEL, LIST = "push button", "text", "label", "combo box"
+
+MAIN_CONTROLS = [
+    (LIST, "Versionsnummer"),
+    (LIST, "Anlageart"),
+    ("panel", "Versionsnummer"),
+    ("panel", "Anlageart"),
+    ("tree", "Parameter"),
+    (BUTTON, "Empfangen"),
+    (BUTTON, "Senden"),
+    (BUTTON, "Standard"),
+    (BUTTON, "Vergleichen"),
+    (LABEL, "Ready"),
+    ("menu item", "Datei"),
+    ("menu item", "Optionen"),
+    ("menu item", "?"),
+]
+PANELS = ["Zustand", "Wertedatei"]
+TOOL_TIPS = {
+    "Empfangen": "Empfängt alle angekreuzten Parameter vom angeschlossenen Regler.",
+    "Senden": "Sendet alle angekreuzten Parameter an den angeschlossenen Regler.",
+    "Standard": "Setzt alle angekreuzten Parameter auf den jeweiligen Standardwert.",
+    "Vergleichen": "Vergleicht alle angekreuzten Parameter mit den entsprechenden im angeschlossenen Regler"
+    " und meldet alle Abweichungen.",
+}
+MENUS = {
+    "Datei": ["Öffnen...", "Schließen", "Speichern", "Speichern unter...", "Drucken...", "Beenden"],
+    "Optionen": ["Schnittstelle", "Regler", "Dateien"],
+    "?": ["Info "],
+}
+REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]
+NUMBER_CONTROLS = [
+    (BOX, "Wert"),
+    (BOX, "Standard"),
+    (BOX, "Minimum"),
+    (BOX, "Maximum"),
+    (BUTTON, "Standardwert übernehmen"),
+    (BUTTON, "OK"),
+    (BUTTON, "Abbrechen"),
+    (LABEL, "Heizkreis 1 Raumsolltemperatur Tag"),
+    (LABEL, "Gewünschte Raumtemperatur in der Nutzungszeit"),
+]
+TEXT_CONTROLS = [
+    (BOX, "Wert"),
+    (BUTTON, "OK"),
+    (BUTTON, "Abbrechen"),
+    (LABEL, "Standort"),
+    (LABEL, "Raum oder Gebäude in dem der Regler eingebaut ist"),
+]
+QUESTION_CONTROLS = [
+    (BUTTON, f"PC     (Senden Abbrechen)  : {HZL120}"),
+    (BUTTON, f"Regler (Werte neu Einlesen): {LFT205}"),
+]
+ABOUT_CONTROLS = [
+    (LABEL, "KALIVOR"),
+    (LABEL, "Parametrierung von Reglern"),
+    (BUTTON, "OK"),
+    (BUTTON, "Systeminfo..."),
+]
+
+
+class Access(Scenario):
+    def assert_controls(self, window, controls):
+        """They are all there. Nothing else that a user can operate is there without a name."""
+        for role, name in controls:
+            with self.subTest(window=window.name, role=role, name=name):
+                window.find(role, name)
+        for role in (BUTTON, BOX, "menu item", "tree"):
+            for control in window.find_all(role):
+                self.assertTrue(control.name, f"{role} without a name in {window.name!r}")
+
+    def menu_items(self, menu):
+        return [item.name for item in menu.find_all("menu item")]
+
+    def close(self, program, window):
+        wait_for(lambda: window.has("active"), f"{window.name!r} active")
+        keys("Escape")
+        wait_for(lambda: not window.has("showing"), f"{window.name!r} closed")
+
+    def test_main_window(self):
+        program = self.program()
+        self.assert_controls(program.main, MAIN_CONTROLS)
+        for panel in PANELS:
+            program.main.find(LABEL, description=panel)
+        self.assertEqual({caption: program.button(caption).description for caption in TOOL_TIPS}, TOOL_TIPS)
+        self.assertTrue(all(row.name for row in program.tree.rows()))
+
+    def test_menus(self):
+        program = self.program()
+        program.activate(program.main)
+        bar = program.main.find("menu bar")
+        self.assertEqual(self.menu_items(bar), list(MENUS))
+        for caption, items in MENUS.items():
+            menu = bar.find("menu item", caption)
+            menu.do("ShowMenu")
+            wait_for(lambda shown=menu: self.menu_items(shown), f"the menu {caption!r}")
+            self.assertEqual(self.menu_items(menu), items)
+            keys("Escape")
+            wait_for(lambda shown=menu: not self.menu_items(shown), f"the menu {caption!r} closed")
+
+    def test_about_box(self):
+        program = self.program()
+        program.activate(program.main)
+        menu = program.main.find("menu item", "?")
+        menu.do("ShowMenu")
+        wait_for(lambda: self.menu_items(menu), "the menu")
+        keys("Down", "Return")
+        about = program.window("Info")
+        self.assert_controls(about, ABOUT_CONTROLS)
+        self.close(program, about)
+        self.assert_usable(program)
+
+    def test_editors(self):
+        program = self.program()
+        number = "Heizkreis 1 Raumsolltemperatur Tag"
+        for start, controls in ((number, NUMBER_CONTROLS), ("Standort...", TEXT_CONTROLS)):
+            program.activate(program.main)
+            if program.tree.find(start) is None:
+                program.tree.expand_all()
+            editor = program.open_editor(start)
+            self.assert_controls(editor, controls)
+            self.close(program, editor)
+
+    def test_report_and_question(self):
+        program = self.program("--controller", LFT205)
+        report = program.transfer("Senden")
+        self.assert_controls(report.control, REPORT_CONTROLS)
+        self.assert_controls(program.window("Wählen"), QUESTION_CONTROLS)
+
+
+if __name__ == "__main__":
+    unittest.main()

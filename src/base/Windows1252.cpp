@@ -27,10 +27,13 @@ quint8 ByteFromCharacter(QChar character) {
 }
 
 QString TextFromBytes(QByteArrayView bytes) {
-  QString text(bytes.size(), Qt::Uninitialized);
-  QChar* out = text.data();
-  for (const char byte : bytes)
-    *out++ = CharacterFromByte(static_cast<quint8>(byte));
+  // Most texts are plain ASCII but for a few letters.
+  QString text = QString::fromLatin1(bytes);
+  for (QChar& character : text) {
+    if (character >= QChar(0x80) && character <= QChar(0x9F)) {
+      character = CharacterFromByte(static_cast<quint8>(character.unicode()));
+    }
+  }
   return text;
 }
 

@@ -103,7 +103,7 @@ class MemoryCheck {
 class ListCheck {
  public:
   ListCheck(const CheckedText& list, const QString& file, const QSet<QString>& needed, Findings& findings)
-      : items_(list.items), file_(file), needed_(needed), findings_(findings) {
+      : items_(list.items.items), file_(file), needed_(needed), findings_(findings) {
     if (IsAddress(GetField(list.heading, 1))) {
       Report(GetField(list.heading, 0), 1,
              u"Die erste Zeile gilt als Überschrift; diese Adresse wird nicht gelesen."_s);

@@ -349,7 +349,8 @@ void CheckHeading(const QString& heading, const QString& file, Findings& finding
 CheckedDefinitions CheckParameters(const CheckedText& text, const QString& file, bool hasAddressList,
                                    Findings& findings) {
   CheckHeading(text.heading, file, findings);
-  if (text.items.empty() && !text.torn) findings.Warning(file, 0, u"Die Datei enthält keine Parameter."_s);
+  if (text.items.items.empty() && !text.torn)
+    findings.Warning(file, 0, u"Die Datei enthält keine Parameter."_s);
   FileCheck check(file, hasAddressList, findings);
   for (const TextItem& item : text.items) {
     if (!check.Check(item)) break;

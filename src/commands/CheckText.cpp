@@ -72,7 +72,7 @@ CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path, co
     start = end + 1;
   }
   text.torn = !torn.isEmpty();
-  std::erase_if(text.items, [&torn](const TextItem& item) { return torn.contains(item.line); });
+  std::erase_if(text.items.items, [&torn](const TextItem& item) { return torn.contains(item.line); });
   return text;
 }
 

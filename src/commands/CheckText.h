@@ -12,9 +12,9 @@ namespace kalivor {
 
 /// A definition text as the program sees it.
 struct CheckedText {
-  QString heading;              ///< the first line, which the program drops
-  std::vector<TextItem> items;  ///< without those of lines that commas or quotes have torn apart
-  bool torn = false;            ///< there were such lines
+  QString heading;    ///< the first line, which the program drops
+  TextItems items;    ///< without those of lines that commas or quotes have torn apart
+  bool torn = false;  ///< there were such lines
 };
 
 /// Reads the text at `path` and reports, under the name `file`, what disturbs its lines: commas, quotes,

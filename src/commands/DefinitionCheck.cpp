@@ -48,7 +48,7 @@ class TableCheck {
     if (IsControllerVersion(GetField(table.heading, 0))) {
       TableError(1, u"Die erste Zeile gilt als Überschrift; diese Version wird nicht gelesen."_s);
     }
-    if (table.items.empty() && !table.torn) TableError(0, u"Die Tabelle enthält keine Version."_s);
+    if (table.items.items.empty() && !table.torn) TableError(0, u"Die Tabelle enthält keine Version."_s);
     for (const TextItem& item : table.items) {
       if (rows_.size() == kMostVersions) {
         TableError(item.line, u"Mehr als %1 Versionen."_s.arg(kMostVersions));

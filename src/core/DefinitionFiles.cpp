@@ -18,8 +18,11 @@ constexpr qsizetype kLongestUnwrappedName = 20;
 
 // Where the column that begins at `start` ends: before two blanks or at the end of the line.
 qsizetype ColumnEnd(QStringView line, qsizetype start) {
-  const qsizetype end = line.indexOf(u"  ", start);
-  return end < 0 ? line.size() : end;
+  // A plain loop: a general search for two characters costs several times as much, a hundred thousand times.
+  for (qsizetype end = start; end + 1 < line.size(); ++end) {
+    if (line[end] == u' ' && line[end + 1] == u' ') return end;
+  }
+  return line.size();
 }
 
 // Where the column after the one that ends at `end` begins.
@@ -87,7 +90,7 @@ void GiveAddress(ParameterRecord& record, const QString& value) {
 }
 
 // The items of a definition file; a failure names the path, as it may show in the box of another file.
-std::vector<TextItem> ReadDefinitionItems(platform::FileSystem& files, const QString& path) {
+TextItems ReadDefinitionItems(platform::FileSystem& files, const QString& path) {
   try {
     return ReadItems(files, path);
   } catch (const RuntimeError& error) {
@@ -105,14 +108,14 @@ class AddressBook {
   }
 
   void SetAddress(QStringView value, QStringView name) {
-    const auto [first, last] = slots_.equal_range(name.toString());
+    const auto [first, last] = slots_.equal_range(name);
     for (auto slot = first; slot != last; ++slot)
       GiveAddress(module_.Par[*slot], value.toString());
   }
 
  private:
   Module1& module_;
-  QMultiHash<QString, int> slots_;
+  QMultiHash<QStringView, int> slots_;  // the names are those in the table, which stay as they are
 };
 
 void ReadAddressLines(const std::vector<TextItem>& items, AddressBook& book) {
@@ -204,8 +207,8 @@ bool ReadVersionTable(Core& core) {
   module.Inipath = WithSeparator(module.Inipath);
   const QString path = VersionTablePath(module);
   try {
-    const std::vector<TextItem> items = ReadItems(core.files, path);
-    module.Versionen.assign(items.size() + 2, VersionRecord());
+    const TextItems items = ReadItems(core.files, path);
+    module.Versionen.assign(items.items.size() + 2, VersionRecord());
     for (const TextItem& item : items) {
       VersionRecord& row = module.Versionen[static_cast<std::size_t>(module.VersionCount)];
       row = ParseVersion(item.text);
@@ -248,9 +251,9 @@ void ReadAddressList(Core& core) {
   if (version.AdrDatei == kNoList) return;
   const QString path = DefinitionPath(core.module, version.AdrDatei);
   try {
-    const std::vector<TextItem> items = ReadItems(core.files, path);
+    const TextItems items = ReadItems(core.files, path);
     AddressBook book(core.module);
-    ReadAddressLines(items, book);
+    ReadAddressLines(items.items, book);
   } catch (const RuntimeError& error) {
     core.box.Show(u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() + u"\r\n"_s);
   }

@@ -33,12 +33,12 @@ void AppendItems(QStringView line, int number, std::vector<TextItem>& items) {
     qsizetype comma = 0;
     if (line.startsWith(u'"')) {
       const qsizetype closing = line.indexOf(u'"', 1);
-      items.push_back({line.mid(1, closing < 0 ? -1 : closing - 1).toString(), number});
+      items.push_back({line.mid(1, closing < 0 ? -1 : closing - 1), number});
       // What stands between the closing quote and the comma is lost.
       comma = closing < 0 ? -1 : line.indexOf(u',', closing);
     } else {
       comma = line.indexOf(u',');
-      items.push_back({line.left(comma < 0 ? line.size() : comma).toString(), number});
+      items.push_back({line.left(comma < 0 ? line.size() : comma), number});
     }
     if (comma < 0 || IsBlank(line.sliced(comma + 1))) return;
     line = line.sliced(comma + 1);
@@ -47,26 +47,27 @@ void AppendItems(QStringView line, int number, std::vector<TextItem>& items) {
 
 }  // namespace
 
-std::vector<TextItem> ReadItems(platform::FileSystem& files, const QString& path) {
+TextItems ReadItems(platform::FileSystem& files, const QString& path) {
   const platform::FileContent content = files.Read(path);
   if (!content.Ok()) Fail(content.error);
   if (content.bytes.contains('\0')) Fail(u"Die Datei ist keine Textdatei."_s);
 
-  const QString text = Decode(content.bytes);
-  std::vector<TextItem> items;
+  TextItems result;
+  result.text = Decode(content.bytes);
+  const QStringView text = result.text;
   int number = 0;
   for (qsizetype start = 0; start < text.size();) {
     qsizetype end = text.indexOf(u'\n', start);
     if (end < 0) end = text.size();
     if (end - start > kLongestLine) Fail(u"Die Datei ist keine Textdatei."_s);
-    QStringView line = QStringView(text).sliced(start, end - start);
+    QStringView line = text.sliced(start, end - start);
     if (line.endsWith(u'\r')) line.chop(1);
     ++number;
-    if (number > 1 && !IsBlank(line)) AppendItems(line, number, items);
+    if (number > 1 && !IsBlank(line)) AppendItems(line, number, result.items);
     start = end + 1;
   }
   if (number == 0) Fail(u"Die Datei ist leer."_s);
-  return items;
+  return result;
 }
 
 }  // namespace kalivor

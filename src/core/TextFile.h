@@ -10,8 +10,18 @@ namespace kalivor {
 
 /// An item and where it stands.
 struct TextItem {
-  QString text;
+  QStringView text;
   int line = 0;  ///< line of the file, counted from 1
+};
+
+/// The items of one file, and the text that they are parts of: a list of a hundred thousand lines would
+/// otherwise be as many small allocations.
+struct TextItems {
+  QString text;
+  std::vector<TextItem> items;
+
+  [[nodiscard]] auto begin() const { return items.begin(); }
+  [[nodiscard]] auto end() const { return items.end(); }
 };
 
 /// Reads a definition text. The first line is a heading and dropped; blank lines are skipped. Leading blanks
@@ -20,6 +30,6 @@ struct TextItem {
 /// after a byte order mark.
 /// Throws RuntimeError (FileError) when the file cannot be read, has no heading, or is no text; its
 /// description does not name the path.
-[[nodiscard]] std::vector<TextItem> ReadItems(platform::FileSystem& files, const QString& path);
+[[nodiscard]] TextItems ReadItems(platform::FileSystem& files, const QString& path);
 
 }  // namespace kalivor

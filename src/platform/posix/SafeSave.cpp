@@ -43,7 +43,7 @@ class OpenFile {
 
   // Reads up to the end, but no more than `largest_bytes`.
   [[nodiscard]] int ReadAll(qsizetype largest_bytes, QByteArray& bytes) const {
-    constexpr qsizetype kStep_bytes = 64 * 1024;
+    constexpr qsizetype kStep_bytes = 65536;
     for (;;) {
       const qsizetype used = bytes.size();
       bytes.resize(used + kStep_bytes);

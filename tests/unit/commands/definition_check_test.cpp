@@ -675,7 +675,8 @@ TEST_F(ShippedExampleTest, VersionsShareMostVariables) {
 
 TEST_F(ShippedExampleTest, AddressListIsLongAndHasWrappedNamesAndIndexes) {
   const VersionRecord version = Versions()[1];
-  const std::vector<TextItem> items = ReadItems(files, folder + version.AdrDatei);
+  const TextItems list = ReadItems(files, folder + version.AdrDatei);
+  const std::vector<TextItem>& items = list.items;
   EXPECT_GE(items.size(), 3000U);
   EXPECT_GE(std::count_if(items.begin(), items.end(),
                           [](const TextItem& item) {

@@ -247,12 +247,15 @@ TEST(FolderOf, APathWithoutAFolderIsNone) {
     EXPECT_EQ(ThrownKind([&] { (void)FolderOf(path); }), RuntimeError::Kind::InvalidArgument);
 }
 
-TEST_F(FileCommands, ADriveRootLeavesTheDriveAlone) {
-  for (const QString& path : {u"C:\\x.qpf"_s, u"C:/x.qpf"_s}) {
+TEST_F(FileCommands, ARootLeavesWhatStandsBeforeItsSeparator) {
+  const struct {
+    QString path, folder;
+  } cases[] = {{u"C:\\x.qpf"_s, u"C:"_s}, {u"C:/x.qpf"_s, u"C:"_s}, {u"/x.qpf"_s, u""_s}};
+  for (const auto& example : cases) {
     dialogs.shown.clear();
-    dialogs.answers = {path};
+    dialogs.answers = {example.path};
     mnuFileSaveAs_Click(context);
-    ExpectCurrent(path, u"C:"_s);
+    ExpectCurrent(example.path, example.folder);
   }
 }
 

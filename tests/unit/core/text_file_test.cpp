@@ -18,7 +18,7 @@ QStringList Items(const QByteArray& bytes) {
   files.files[u"f"_s] = {bytes, {}};
   QStringList texts;
   for (const TextItem& item : ReadItems(files, u"f"_s))
-    texts.append(item.text);
+    texts.append(item.text.toString());
   return texts;
 }
 

@@ -40,18 +40,18 @@ QByteArray Pattern(int size, int step) {
   return bytes;
 }
 
-std::vector<Situation> AllSituations() {
+constexpr Way kWays[] = {Way::Plain, Way::RelativeLink, Way::AbsoluteLink, Way::Chain};
+
+std::vector<Situation> SituationsOf(Way way) {
   std::vector<std::optional<QByteArray>> olds{std::nullopt};
   for (const int size : {0, 1, 61, 186, 248, 310, 70'000})
     olds.emplace_back(Pattern(size, 3));
   std::vector<Situation> situations;
   for (const auto& old : olds) {
     for (const int size : {62, 248}) {
-      for (const Way way : {Way::Plain, Way::RelativeLink, Way::AbsoluteLink, Way::Chain}) {
-        for (const bool otherCase : {false, true}) {
-          for (const bool refuses : {false, true})
-            situations.push_back({old, Pattern(size, 7), way, otherCase, refuses});
-        }
+      for (const bool otherCase : {false, true}) {
+        for (const bool refuses : {false, true})
+          situations.push_back({old, Pattern(size, 7), way, otherCase, refuses});
       }
     }
   }
@@ -238,15 +238,17 @@ qsizetype OpenDescriptors() {
   return QDir(u"/proc/self/fd"_s).entryList(QDir::System | QDir::Files).size();
 }
 
-TEST(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
-  const auto situations = AllSituations();
+// One test for each way to the file, because all together run long.
+class OverwriteFaults : public testing::TestWithParam<Way> {};
+
+TEST_P(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
+  const auto situations = SituationsOf(GetParam());
   const auto descriptors = OpenDescriptors();
   int failures = 0;
   int kills = 0;
   for (size_t i = 0; i < situations.size() && !HasFailure(); ++i) {
     const Situation& situation = situations[i];
-    SCOPED_TRACE(testing::Message() << "situation " << i << ", way " << static_cast<int>(situation.way)
-                                    << (situation.otherCase ? ", other case" : "")
+    SCOPED_TRACE(testing::Message() << "situation " << i << (situation.otherCase ? ", other case" : "")
                                     << (situation.folderRefuses ? ", folder refuses" : ""));
     Site site(situation);
     const std::vector<FileCall> calls = Undisturbed(site, situation);
@@ -268,13 +270,19 @@ TEST(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
     }
   }
   EXPECT_EQ(OpenDescriptors(), descriptors);
-  EXPECT_GE(situations.size(), 200U);
+  EXPECT_GE(situations.size() * std::size(kWays), 200U);
   RecordProperty("situations", static_cast<int>(situations.size()));
   RecordProperty("failures", failures);
   RecordProperty("kills", kills);
   std::cout << "interrupted saves: " << situations.size() << " situations, " << failures << " failures, "
             << kills << " kills, " << failures + kills << " cases\n";
 }
+
+std::string NameOf(const testing::TestParamInfo<Way>& info) {
+  const char* const names[] = {"Plain", "RelativeLink", "AbsoluteLink", "ChainOfLinks"};
+  return names[static_cast<size_t>(info.param)];
+}
+INSTANTIATE_TEST_SUITE_P(ByWay, OverwriteFaults, testing::ValuesIn(kWays), NameOf);
 
 }  // namespace
 }  // namespace kalivor::platform

@@ -422,7 +422,7 @@ TEST_F(Overwrite, AWriteThatStopsInTheMiddleLeavesTheOldFile) {
   SetMode(u"a.qpf"_s, 0666);
   SetMode(u"."_s, 0777);
   const auto saveWithLimit = [&](const QByteArray& bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{1000, 1000};
     return setrlimit(RLIMIT_FSIZE, &limit) == 0 && Save(u"a.qpf"_s, bytes) == kTooLarge;
   };

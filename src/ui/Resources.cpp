@@ -14,15 +14,26 @@ namespace kalivor::ui {
 namespace {
 
 constexpr std::array kSizes = {16, 24, 32, 48, 64, 128, 256};
+constexpr std::array kCommandSizes = {16, 24, 32};
+
+template <typename Sizes>
+QIcon IconOf(const QString& name, const Sizes& sizes) {
+  LinkPictures();
+  QIcon icon;
+  for (const int size : sizes)
+    icon.addFile(u":/kalivor/%1-%2.png"_s.arg(name).arg(size), QSize(size, size));
+  return icon;
+}
 
 }  // namespace
 
 QIcon ProgramIcon() {
-  LinkPictures();
-  QIcon icon;
-  for (const int size : kSizes)
-    icon.addFile(u":/kalivor/kalivor-%1.png"_s.arg(size), QSize(size, size));
-  return icon;
+  return IconOf(u"kalivor"_s, kSizes);
+}
+
+std::array<QIcon, 3> CommandIcons() {
+  return {IconOf(u"open"_s, kCommandSizes), IconOf(u"save"_s, kCommandSizes),
+          IconOf(u"print"_s, kCommandSizes)};
 }
 
 QPixmap Logo(int size, double scale) {

@@ -121,6 +121,18 @@ TEST_F(MenuTest, EveryItemHasItsCaptionShortcutAndVisibility) {
   }
 }
 
+TEST_F(MenuTest, OpenSaveAndPrintHaveAPicture) {
+  Start();
+  const QStringList items{u"mnuFileOpen"_s, u"mnuFileSave"_s, u"mnuFilePrint"_s};
+  for (qsizetype i = 0; i < items.size(); ++i) {
+    const QIcon icon = Action(items[i]).icon();
+    EXPECT_EQ(icon.cacheKey(), desktop->main.imlToolbarIcons.at(static_cast<std::size_t>(i)).cacheKey());
+    EXPECT_EQ(icon.availableSizes().size(), 3) << items[i].toStdString();
+    EXPECT_FALSE(icon.pixmap(16).isNull()) << items[i].toStdString();
+  }
+  EXPECT_NE(Action(items[0]).icon().cacheKey(), Action(items[1]).icon().cacheKey());
+}
+
 TEST_F(MenuTest, OnlyWhatHasNoWorkIsDisabled) {
   Start();
   for (const Item& item : Items()) {

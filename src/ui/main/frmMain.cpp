@@ -71,7 +71,8 @@ double Dpi(const QWidget& widget) {
 }  // namespace
 
 frmMain::frmMain(const platform::EventGuard& guard)
-    : guard_(guard),
+    : imlToolbarIcons(CommandIcons()),
+      guard_(guard),
       body_(Named(new QWidget(this), u"body"_s)),
       comboVN_(NewList(u"ComboVN"_s, u"Versionsnummer"_s, u"Versionsnummer"_s)),
       comboArt_(NewList(u"ComboArt"_s, u"Anlageart"_s, u"Art"_s)),
@@ -85,6 +86,7 @@ frmMain::frmMain(const platform::EventGuard& guard)
   BuildControls();
   BuildStatusBar();
   BuildMenus(*this, menuActions_, guard_);
+  ShowMenuIcons();
   SetTabOrder();
   setCentralWidget(body_);
   body_->installEventFilter(this);
@@ -127,6 +129,12 @@ void frmMain::BuildStatusBar() {
   bar->setContentsMargins(kMargin_px, 0, 0, 0);
   bar->addWidget(state_);
   bar->addWidget(file_);
+}
+
+void frmMain::ShowMenuIcons() {
+  const std::array items{u"mnuFileOpen"_s, u"mnuFileSave"_s, u"mnuFilePrint"_s};
+  for (std::size_t i = 0; i < items.size(); ++i)
+    findChild<QAction*>(items[i])->setIcon(imlToolbarIcons[i]);
 }
 
 void frmMain::SetTabOrder() {

@@ -7,6 +7,7 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
+#include <array>
 #include <vector>
 
 #include "core/Core.h"
@@ -52,6 +53,9 @@ class frmMain final : public QMainWindow, public MainForm {
   /// The session ends: an operation under way is asked to stop, and the window closes after it.
   void EndSession();
 
+  /// The pictures of opening, saving and printing, as the menu shows them.
+  const std::array<QIcon, 3> imlToolbarIcons;
+
   // MainForm
   [[nodiscard]] platform::ListBox& ComboVN() override { return versions_; }
   [[nodiscard]] platform::ListBox& ComboArt() override { return plants_; }
@@ -75,6 +79,7 @@ class frmMain final : public QMainWindow, public MainForm {
 
   void BuildControls();
   void BuildStatusBar();
+  void ShowMenuIcons();
   void SetTabOrder();
   void Arrange();
   void ArrangeTop(int height);

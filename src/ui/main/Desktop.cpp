@@ -120,8 +120,12 @@ void Desktop::StoreSettings() {
 
 void Desktop::ShowAbout() {
   if (module.BusyDepth > 0) return;
-  frmAbout about(&main, [this] { guard([this] { StartSysInfo(world.systemInformation, world.box); }); });
-  about.exec();
+  auto* about =
+      new frmAbout(&main, [this] { guard([this] { StartSysInfo(world.systemInformation, world.box); }); });
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  // Modal, but without an event loop of its own: the menu item has done its work when the box is there.
+  about->setModal(true);
+  about->show();
 }
 
 }  // namespace kalivor::ui

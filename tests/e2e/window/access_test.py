@@ -108,11 +108,10 @@ class Access(Scenario):
 
     def test_about_box(self):
         program = self.program()
-        program.activate(program.main)
         menu = program.main.find("menu item", "?")
         menu.do("ShowMenu")
         wait_for(lambda: self.menu_items(menu), "the menu")
-        keys("Down", "Return")
+        menu.find("menu item", "Info ").press()
         about = program.window("Info")
         self.assert_controls(about, ABOUT_CONTROLS)
         self.close(program, about)

@@ -24,7 +24,7 @@ void MakeCurrent(const FileCommandContext& context, const QString& path) {
 }
 
 void SaveUnderNewName(const FileCommandContext& context, const QString& title) {
-  const QString path = context.dialogs.SaveFile(title, kFilter.toString());
+  const QString path = context.CDlg.SaveFile(title, kFilter.toString());
   if (path.isEmpty()) return;
   MakeCurrent(context, path);
   WriteValueFile(context.core);
@@ -48,7 +48,7 @@ bool OpenValueFile(const FileCommandContext& context, const QString& path) {
 void mnuFileOpen_Click(const FileCommandContext& context) {
   if (Busy(context)) return;
   const QString path =
-      context.dialogs.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kFilter.toString());
+      context.CDlg.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kFilter.toString());
   if (!path.isEmpty()) OpenValueFile(context, path);
 }
 

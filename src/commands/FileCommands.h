@@ -11,7 +11,7 @@ namespace kalivor {
 /// What the file commands need besides the core.
 struct FileCommandContext {
   Core& core;
-  platform::FileDialogs& dialogs;
+  platform::FileDialogs& CDlg;
   std::function<void(const QString& path)> showFile;  ///< panel 2 of the status bar
 };
 

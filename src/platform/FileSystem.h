@@ -31,8 +31,8 @@ class FileSystem {
   /// behind it stays. The name is understood as Read() does. Whatever happens meanwhile, the file is
   /// afterwards either the old one or the complete new one: the new image is written beside it, brought to
   /// the disk and put in its place. Symbolic links are followed and permissions kept. Only where the folder
-  /// takes no new file, but the file itself can be written, it is written in place. Returns "" or a German
-  /// description of the failure.
+  /// takes no new file, but the file itself can be written, it is written in place. What a save that was
+  /// killed has left in the folder is removed. Returns "" or a German description of the failure.
   [[nodiscard]] virtual QString Overwrite(const QString& path, const QByteArray& beginning) = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -70,6 +71,14 @@ int FileCalls::ChangeMode(int fd, mode_t mode) const {
 
 int FileCalls::Sync(int fd) const {
   return fsync(fd);
+}
+
+int FileCalls::Lock(int fd) const {
+  return flock(fd, LOCK_EX | LOCK_NB);
+}
+
+int FileCalls::Duplicate(int fd) const {
+  return fcntl(fd, F_DUPFD_CLOEXEC, 0);
 }
 
 int FileCalls::Close(int fd) const {

@@ -31,6 +31,8 @@ class FileCalls {
   virtual int ChangeOwner(int fd, uid_t owner, gid_t group) const;
   virtual int ChangeMode(int fd, mode_t mode) const;
   virtual int Sync(int fd) const;
+  virtual int Lock(int fd) const;       ///< at once or not at all (EWOULDBLOCK); closing ends it
+  virtual int Duplicate(int fd) const;  ///< a second descriptor, closed when another program is started
   virtual int Close(int fd) const;
 
   virtual int Rename(const QByteArray& from, const QByteArray& to) const;

@@ -1,15 +1,13 @@
 #include "platform/posix/SafeSave.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
-#include <QRandomGenerator>
-#include <algorithm>
 #include <cerrno>
 
 #include "platform/FileSystem.h"
 #include "platform/posix/FileNames.h"
-#include "platform/posix/Uninterrupted.h"
+#include "platform/posix/OpenFile.h"
+#include "platform/posix/TemporaryFile.h"
 
 namespace kalivor::platform {
 namespace {
@@ -17,83 +15,6 @@ namespace {
 constexpr mode_t kPermissions = 07777;
 constexpr mode_t kNewFile = 0666;    // what the user's mask leaves of it
 constexpr mode_t kOwnerOnly = 0600;  // until the permissions of the old file are known to hold
-
-// Every operation below returns 0 or an error number.
-template <typename Call>
-int ErrorOf(Call call) {
-  return Uninterrupted(call) < 0 ? errno : 0;
-}
-
-// A file that was opened through the calls.
-class OpenFile {
- public:
-  explicit OpenFile(const FileCalls& calls) : calls_(calls) {}
-  ~OpenFile() { (void)Close(); }
-  OpenFile(const OpenFile&) = delete;
-  OpenFile& operator=(const OpenFile&) = delete;
-
-  [[nodiscard]] int Open(const QByteArray& path, int flags, mode_t mode = 0) {
-    fd_ = Uninterrupted([&] { return calls_.Open(path, flags | O_CLOEXEC | O_NOCTTY, mode); });
-    return fd_ < 0 ? errno : 0;
-  }
-
-  [[nodiscard]] int Status(struct stat& status) const {
-    return ErrorOf([&] { return calls_.OpenStatus(fd_, status); });
-  }
-
-  // Reads up to the end, but no more than `largest_bytes`.
-  [[nodiscard]] int ReadAll(qsizetype largest_bytes, QByteArray& bytes) const {
-    constexpr qsizetype kStep_bytes = 65536;
-    for (;;) {
-      const qsizetype used = bytes.size();
-      bytes.resize(used + kStep_bytes);
-      const ssize_t count =
-          Uninterrupted([&] { return calls_.Read(fd_, bytes.data() + used, kStep_bytes, used); });
-      bytes.resize(used + std::max<ssize_t>(count, 0));
-      if (count < 0) return errno;
-      if (count == 0) return 0;
-      if (bytes.size() > largest_bytes) return EFBIG;
-    }
-  }
-
-  // Writes at the file's beginning. `written`: how far it came.
-  [[nodiscard]] int Write(const QByteArray& bytes, qsizetype& written) const {
-    written = 0;
-    while (written < bytes.size()) {
-      const auto rest = static_cast<size_t>(bytes.size() - written);
-      const ssize_t count =
-          Uninterrupted([&] { return calls_.Write(fd_, bytes.constData() + written, rest, written); });
-      if (count < 0) return errno;
-      if (count == 0) return EIO;
-      written += count;
-    }
-    return 0;
-  }
-
-  [[nodiscard]] int Truncate(qsizetype size) const {
-    return ErrorOf([&] { return calls_.Truncate(fd_, size); });
-  }
-  [[nodiscard]] int ChangeOwner(uid_t owner, gid_t group) const {
-    return ErrorOf([&] { return calls_.ChangeOwner(fd_, owner, group); });
-  }
-  [[nodiscard]] int ChangeMode(mode_t mode) const {
-    return ErrorOf([&] { return calls_.ChangeMode(fd_, mode); });
-  }
-  [[nodiscard]] int Sync() const {
-    return ErrorOf([&] { return calls_.Sync(fd_); });
-  }
-
-  [[nodiscard]] int Close() {
-    if (fd_ < 0) return 0;
-    const int result = calls_.Close(std::exchange(fd_, -1));
-    // An interrupted close has released the descriptor all the same.
-    return result < 0 && errno != EINTR ? errno : 0;
-  }
-
- private:
-  const FileCalls& calls_;
-  int fd_ = -1;
-};
 
 // The file that is to be replaced, if there is one.
 struct OldFile {
@@ -142,18 +63,6 @@ int OpenOldFile(const FileCalls& calls, const QByteArray& path, OldFile& old) {
   return error;
 }
 
-// Creates a file of a name that nobody can have prepared. It starts with a point and has no suffix that a
-// dialog shows, in case that the program ends before it can remove it.
-int CreateTemporary(const QByteArray& folder, mode_t mode, OpenFile& file, QByteArray& path) {
-  constexpr int kMostAttempts = 16;
-  int error = EEXIST;
-  for (int i = 0; i < kMostAttempts && error == EEXIST; ++i) {
-    path = folder + ".kalivor-" + QByteArray::number(QRandomGenerator::system()->generate64(), 16) + ".tmp";
-    error = file.Open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-  }
-  return error;
-}
-
 // Gives the new file the owner and the permissions of the old one. That another user's file keeps its owner
 // is granted to the superuser only, so it is no failure when it does not.
 int TakeOverPermissions(const OpenFile& file, const struct stat& old) {
@@ -187,15 +96,16 @@ void SyncFolder(const FileCalls& calls, const QByteArray& folder) {
 
 int Replace(const FileCalls& calls, const QByteArray& path, const OldFile& old, const QByteArray& image) {
   const QByteArray folder = FolderPart(path);
-  OpenFile file(calls);
-  QByteArray temporary;
-  int error = CreateTemporary(folder, old.exists ? kOwnerOnly : kNewFile, file, temporary);
+  // First, because they may be what fills the disk.
+  RemoveAbandonedFiles(calls, folder);
+  TemporaryFile temporary(calls);
+  int error = temporary.Create(folder, old.exists ? kOwnerOnly : kNewFile);
   if (error != 0) return error;
-  error = WriteTemporary(file, old, image);
-  if (error == 0) error = ErrorOf([&] { return calls.Rename(temporary, path); });
+  error = WriteTemporary(temporary.file, old, image);
+  if (error == 0) error = ErrorOf([&] { return calls.Rename(temporary.path, path); });
   if (error != 0) {
-    // Nothing more can be done when this fails too; the name tells what is left over.
-    (void)ErrorOf([&] { return calls.Remove(temporary); });
+    // Nothing more can be done when this fails too; the next save into this folder tries it again.
+    (void)ErrorOf([&] { return calls.Remove(temporary.path); });
     return error;
   }
   SyncFolder(calls, folder);

@@ -25,6 +25,8 @@ enum class FileCall {
   ChangeOwner,
   ChangeMode,
   Sync,
+  Lock,
+  Duplicate,
   Close,
   Rename,
   Remove,
@@ -88,6 +90,8 @@ class FaultyFileCalls final : public platform::FileCalls {
   }
   // Nothing of these tests outlives the system, and the disk is slow.
   int Sync(int /*fd*/) const override { return Fails(FileCall::Sync) ? -1 : 0; }
+  int Lock(int fd) const override { return Fails(FileCall::Lock) ? -1 : FileCalls::Lock(fd); }
+  int Duplicate(int fd) const override { return Fails(FileCall::Duplicate) ? -1 : FileCalls::Duplicate(fd); }
   int Close(int fd) const override {
     const bool fails = Fails(FileCall::Close);
     const int error = errno;

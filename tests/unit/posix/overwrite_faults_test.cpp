@@ -31,6 +31,7 @@ struct Situation {
   Way way = Way::Plain;
   bool otherCase = false;
   bool folderRefuses = false;
+  bool leftover = false;  ///< a save that was killed has left a file behind
 };
 
 QByteArray Pattern(int size, int step) {
@@ -52,6 +53,7 @@ std::vector<Situation> SituationsOf(Way way) {
       for (const bool otherCase : {false, true}) {
         for (const bool refuses : {false, true})
           situations.push_back({old, Pattern(size, 7), way, otherCase, refuses});
+        situations.push_back({old, Pattern(size, 7), way, otherCase, false, true});
       }
     }
   }
@@ -83,6 +85,10 @@ class Site {
     QFile::remove(Path(target_));
     for (const QString& stray : Strays())
       QFile::remove(Path(stray));
+    if (situation_.leftover) {
+      QFile leftover(Path(Leftover()));
+      ASSERT_TRUE(leftover.open(QIODevice::WriteOnly));
+    }
     if (!situation_.old) return;
     QFile file(Path(target_));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -117,6 +123,8 @@ class Site {
     return strays;
   }
 
+  [[nodiscard]] bool HoldsLeftover() const { return QFileInfo::exists(Path(Leftover())); }
+
   /// The links are still links, and an old file's permissions are what they were.
   [[nodiscard]] bool KeepsItsKind() const {
     const QFileInfo link(folder_.filePath(u"Werte.qpf"_s));
@@ -129,6 +137,10 @@ class Site {
                                             QFile::WriteUser | QFile::ReadGroup};
 
   [[nodiscard]] QString Path(const QString& name) const { return folder_.filePath(name); }
+  // It lies beside the file itself, not beside the link that leads to it.
+  [[nodiscard]] QString Leftover() const {
+    return target_.left(target_.lastIndexOf(u'/') + 1) + u".kalivor-0123456789abcdef.tmp"_s;
+  }
   [[nodiscard]] QByteArray SystemName(const QString& name) const { return QFile::encodeName(Path(name)); }
   void Link(const QByteArray& to, const QString& name) const {
     EXPECT_EQ(symlink(to.constData(), SystemName(name).constData()), 0);
@@ -231,6 +243,7 @@ std::vector<FileCall> Undisturbed(Site& site, const Situation& situation) {
   EXPECT_EQ(message, refused ? DescribeWriting(EACCES) : QString());
   EXPECT_EQ(site.Content(), refused ? std::nullopt : std::optional(site.Image()));
   EXPECT_EQ(site.Strays(), QStringList());
+  EXPECT_FALSE(site.HoldsLeftover());
   return calls.Calls();
 }
 
@@ -249,7 +262,8 @@ TEST_P(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
   for (size_t i = 0; i < situations.size() && !HasFailure(); ++i) {
     const Situation& situation = situations[i];
     SCOPED_TRACE(testing::Message() << "situation " << i << (situation.otherCase ? ", other case" : "")
-                                    << (situation.folderRefuses ? ", folder refuses" : ""));
+                                    << (situation.folderRefuses ? ", folder refuses" : "")
+                                    << (situation.leftover ? ", leftover" : ""));
     Site site(situation);
     const std::vector<FileCall> calls = Undisturbed(site, situation);
     for (int at = 0; at < static_cast<int>(calls.size()); ++at) {

@@ -1,7 +1,12 @@
 // Saving a file: what it holds afterwards, which file it is, its permissions, and what the user is told.
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <algorithm>
 #include <csignal>
+#include <functional>
 
 #include <gtest/gtest.h>
 #include <QDir>
@@ -412,6 +417,148 @@ TEST_F(Overwrite, InAFolderThatCannotBeListedWritesWhatExistsAsWrittenOnly) {
   SetMode(u"sub"_s, 0755);
   EXPECT_EQ(Bytes(u"sub/a.qpf"_s), "newer");
   EXPECT_EQ(Names(u"sub"_s), QStringList{u"a.qpf"_s});
+}
+
+// --- what interrupted saves leave behind ---
+
+// The first save is killed before its image takes the name. So its file stays, and the next one removes it.
+TEST_F(Overwrite, RemovesWhatAKilledSaveHasLeft) {
+  Write(u"a.qpf"_s, "old");
+  const FaultyFileCalls probe;
+  EXPECT_EQ(PosixFileSystem(probe).Overwrite(Path(u"a.qpf"_s), "old"), QString());
+  const auto rename = std::find(probe.Calls().begin(), probe.Calls().end(), FileCall::Rename);
+  const pid_t child = fork();
+  if (child == 0) {
+    FaultyFileCalls calls;
+    calls.fault = {static_cast<int>(rename - probe.Calls().begin()), FileFault::kKill,
+                   FileFault::Lasting::Once};
+    (void)PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "new");
+    _exit(0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_EQ(Names().size(), 2);
+  EXPECT_TRUE(Names().constFirst().startsWith(u".kalivor-"));
+  EXPECT_EQ(Save(u"b.qpf"_s, "other"), QString()) << "whatever file of the folder is saved";
+  EXPECT_EQ(Names(), (QStringList{u"a.qpf"_s, u"b.qpf"_s}));
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "old");
+}
+
+// Another program saves at the very moment at which the first one's image is complete.
+TEST_F(Overwrite, LeavesTheTemporaryFileOfAProgramAtWork) {
+  struct Nested final : FileCalls {
+    std::function<void()> beforeRename;
+    int Rename(const QByteArray& from, const QByteArray& to) const override {
+      beforeRename();
+      return FileCalls::Rename(from, to);
+    }
+  };
+  Nested calls;
+  calls.beforeRename = [this] { EXPECT_EQ(Save(u"b.qpf"_s, "second"), QString()); };
+  EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "first"), QString());
+  EXPECT_EQ(Bytes(u"a.qpf"_s), "first");
+  EXPECT_EQ(Bytes(u"b.qpf"_s), "second");
+  EXPECT_EQ(Names(), (QStringList{u"a.qpf"_s, u"b.qpf"_s}));
+}
+
+// Another program takes the new file for abandoned, because it is not locked yet, and removes it.
+TEST_F(Overwrite, TriesAnotherNameWhenItsTemporaryFileIsTakenAway) {
+  struct Cleaned final : FileCalls {
+    bool holdsLock = false;  ///< the other program is about to remove it
+    mutable int opened = 0;
+    mutable QByteArray path;
+    mutable int other = -1;
+    int Open(const QByteArray& name, int flags, mode_t mode) const override {
+      if ((flags & O_CREAT) != 0) {
+        path = name;
+        ++opened;
+      }
+      return FileCalls::Open(name, flags, mode);
+    }
+    int Lock(int fd) const override {
+      if (opened == 1 && other < 0) {
+        other = open(path.constData(), O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(FileCalls::Lock(other), 0);
+        if (!holdsLock) {
+          EXPECT_EQ(unlink(path.constData()), 0);
+          close(other);
+        }
+      }
+      return FileCalls::Lock(fd);
+    }
+  };
+  for (const bool holdsLock : {false, true}) {
+    Cleaned calls;
+    calls.holdsLock = holdsLock;
+    EXPECT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "content"), QString());
+    EXPECT_EQ(calls.opened, 2);
+    EXPECT_EQ(Bytes(u"a.qpf"_s), "content");
+    EXPECT_EQ(Names(), QStringList{u"a.qpf"_s});
+    if (holdsLock) close(calls.other);
+  }
+}
+
+TEST_F(Overwrite, LeavesEverythingElseOfASimilarName) {
+  const QStringList others{u".kalivor-0123456789abcde.tmp"_s,
+                           u".kalivor-0123456789abcdef.qpf"_s,
+                           u".kalivor-0123456789ABCDEF.tmp"_s,
+                           u".kalivor-0123456789abcdef0.tmp"_s,
+                           u".kalivor-0123456789abcdeg.tmp"_s,
+                           u"kalivor-0123456789abcdef.tmp"_s,
+                           u".kalivor-.tmp"_s};
+  for (const QString& name : others)
+    Write(name, "x");
+  Write(u"precious"_s, "x");
+  Link("precious", u".kalivor-1111111111111111.tmp"_s);
+  ASSERT_EQ(mkfifo(SystemName(u".kalivor-2222222222222222.tmp"_s).constData(), 0600), 0);
+  ASSERT_TRUE(QDir(folder_.path()).mkdir(u".kalivor-3333333333333333.tmp"_s));
+  const QStringList before = Names();
+  EXPECT_EQ(Save(u"precious"_s, "y"), QString());
+  EXPECT_EQ(Names(), before);
+}
+
+TEST_F(Overwrite, LeavesTheTemporaryFilesOfAnotherUser) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the superuser can make another user's file";
+  SetMode(u"."_s, 0777);
+  Write(u".kalivor-0123456789abcdef.tmp"_s, "root's");
+  SetMode(u".kalivor-0123456789abcdef.tmp"_s, 0666);
+  EXPECT_TRUE(HoldsAsOrdinaryUser([&] { return Save(u"a.qpf"_s, "x").isEmpty(); }));
+  EXPECT_EQ(Names(), (QStringList{u".kalivor-0123456789abcdef.tmp"_s, u"a.qpf"_s}));
+  SetMode(u"."_s, 0700);
+}
+
+// Some network drives know no locks.
+TEST_F(Overwrite, WithoutLocksSavesAndRemovesNothing) {
+  struct NoLocks final : FileCalls {
+    int Lock(int /*fd*/) const override {
+      errno = ENOTSUP;
+      return -1;
+    }
+  };
+  Write(u".kalivor-0123456789abcdef.tmp"_s, "of a program that is perhaps at work");
+  EXPECT_EQ(PosixFileSystem(NoLocks()).Overwrite(Path(u"a.qpf"_s), "x"), QString());
+  EXPECT_EQ(Names(), (QStringList{u".kalivor-0123456789abcdef.tmp"_s, u"a.qpf"_s}));
+}
+
+// What lies there under a temporary file's name is neither followed nor written.
+TEST_F(Overwrite, MakesItsTemporaryFileAnewUnderANameThatCannotBeGuessed) {
+  struct Recorded final : FileCalls {
+    mutable QByteArrayList names;
+    int Open(const QByteArray& name, int flags, mode_t mode) const override {
+      if ((flags & O_CREAT) != 0) {
+        names.append(name);
+        EXPECT_EQ(flags & (O_EXCL | O_NOFOLLOW), O_EXCL | O_NOFOLLOW);
+      }
+      return FileCalls::Open(name, flags, mode);
+    }
+  };
+  Recorded calls;
+  for (int i = 0; i < 100; ++i)
+    ASSERT_EQ(PosixFileSystem(calls).Overwrite(Path(u"a.qpf"_s), "x"), QString());
+  std::sort(calls.names.begin(), calls.names.end());
+  EXPECT_EQ(std::unique(calls.names.begin(), calls.names.end()) - calls.names.begin(), 100);
+  for (const QByteArray& name : calls.names)
+    EXPECT_EQ(name.size(), SystemName(u".kalivor-0123456789abcdef.tmp"_s).size());
 }
 
 // --- failures ---

@@ -103,8 +103,10 @@ class Session {
 
   int ShowValueFile() {
     const platform::FileContent file = world_.files.Read(arguments_.file, kLargestValueFile_bytes);
-    if (!file.Ok()) throw BadInput{u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s + file.error};
+    const QString failed = u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s;
+    if (!file.Ok()) throw BadInput{failed + file.error};
     const ValueFileContent content = ParseValueFile(file.bytes);
+    if (!content.hasHeader) throw BadInput{failed + u"Die Datei ist keine Wertedatei."_s};
     return Print(ValueFileText(content), [&content] { return ValueFileJson(content); });
   }
 

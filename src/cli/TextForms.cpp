@@ -6,10 +6,15 @@ namespace kalivor::cli {
 
 QString OnOneLine(const QString& text) {
   QString line = text;
-  line.replace(u"\n\r"_s, u"\n"_s).replace(u"\r\n"_s, u"\n"_s);
+  line.replace(u"\n\r"_s, u"\n"_s).replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
   while (line.endsWith(u'\n'))
     line.chop(1);
-  return line.replace(u"\n"_s, u" | "_s);
+  line.replace(u"\n"_s, u" | "_s);
+  // What a damaged file brings into a message must not operate the user's terminal.
+  for (QChar& c : line) {
+    if (c.category() == QChar::Other_Control) c = u'?';
+  }
+  return line;
 }
 
 void TextReportView::AppendLine(const QString& text) {

@@ -36,10 +36,8 @@ ValueRecord ParseRecord(QByteArrayView bytes) {
 
 int RecordLength(const QByteArray& image) {
   // A current file pads its version with blanks to the end of the field.
-  if (image.size() >= kCurrentRecord_bytes &&
-      image.at(kNameAt + NameWidth(kCurrentRecord_bytes) - 1) != ' ') {
-    return kOldRecord_bytes;
-  }
+  constexpr qsizetype kLastOfVersion = kNameAt + NameWidth(kCurrentRecord_bytes) - 1;
+  if (image.size() > kLastOfVersion && image.at(kLastOfVersion) != ' ') return kOldRecord_bytes;
   // In an old file that byte belongs to the second record's value and may look like a blank.
   const bool fitsOldOnly =
       image.size() % kCurrentRecord_bytes != 0 && image.size() % kOldRecord_bytes == 0 && !image.isEmpty();
@@ -65,6 +63,7 @@ ValueFileContent ParseValueFile(const QByteArray& image) {
     ValueRecord record =
         ParseRecord(QByteArrayView(image).sliced(i * content.recordLength, content.recordLength));
     if (i == 0) {
+      content.hasHeader = true;
       content.storedCount = record.Wert;
       content.version = record.Variable;
     } else {

@@ -23,6 +23,7 @@ struct ValueRecord {
 
 struct ValueFileContent {
   int recordLength = kCurrentRecord_bytes;
+  bool hasHeader = false;            ///< the first record is whole; without it everything else is empty
   qint32 storedCount = 0;            ///< ParCount when the file was written
   QString version;                   ///< controller version, without trailing blanks
   std::vector<ValueRecord> records;  ///< the parameters, in file order

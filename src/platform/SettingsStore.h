@@ -15,6 +15,10 @@ class SettingsStore {
 
   /// Stores `value`; it is on disk at the latest when the store is destroyed.
   virtual void Save(const QString& section, const QString& key, const QString& value) = 0;
+
+  /// Brings everything that was saved to the disk now, all of it or nothing. Returns "" or a German
+  /// description of the failure.
+  [[nodiscard]] virtual QString Flush() { return {}; }
 };
 
 }  // namespace kalivor::platform

@@ -40,6 +40,8 @@ class MemorySettings final : public platform::SettingsStore {
     EXPECT_EQ(section, u"Settings"_s);
     values[key] = value;
   }
+  QString failure;  ///< why nothing can be brought to the disk
+  [[nodiscard]] QString Flush() override { return failure; }
 };
 
 /// The real event queue, with a chance for the test to act at every moment at which a user could.

@@ -55,6 +55,36 @@ TEST_F(FileMenuTest, ASavedSetIsOpenedAgain) {
   EXPECT_TRUE(Tree().Text(Node(u"sK 1"_s)).contains(u"177.7"_s));
 }
 
+TEST_F(FileMenuTest, TheFolderOfTheLastFileIsStoredAtTheEnd) {
+  dialogs.answers.push_back(u"/werte/a.qpf"_s);
+  Choose(u"mnuFileSave"_s);
+  EXPECT_TRUE(desktop->main.close());
+  EXPECT_EQ(settings.values[u"Userpath"_s], u"/werte"_s);
+  Start();
+  dialogs.answers.push_back({});
+  Choose(u"mnuFileOpen"_s);
+  EXPECT_EQ(dialogs.shown.back().folder, u"/werte"_s);
+}
+
+TEST_F(FileMenuTest, HiddenItemsKeepTheirBehaviour) {
+  const QString noHelp =
+      u"Hilfeinhalt konnte nicht angezeigt werden. Dieser Anwendung ist keine Hilfedatei zugeordnet."_s;
+  const struct {
+    QString item, text;
+  } cases[] = {{u"mnuFileNew"_s, u"Code für 'mnuFileNew_Click' hinzufügen."_s},
+               {u"mnuFileSend"_s, u"Code für 'mnuFileSend_Click' hinzufügen."_s},
+               {u"mnuDatenEdit"_s, RuntimeError(RuntimeError::Kind::MissingObject).Description()},
+               {u"mnuHelpContents"_s, noHelp},
+               {u"mnuHelpSearchForHelpOn"_s, noHelp}};
+  for (const auto& example : cases) {
+    Choose(example.item);
+    const auto boxes = box.Take();
+    ASSERT_EQ(boxes.size(), 1U) << example.item.toStdString();
+    EXPECT_EQ(boxes[0].text, example.text);
+  }
+  ExpectReady();
+}
+
 TEST_F(FileMenuTest, ClosingForgetsTheNameAndKeepsTheValues) {
   dialogs.answers.push_back(u"/werte/a.qpf"_s);
   Choose(u"mnuFileSave"_s);

@@ -322,6 +322,24 @@ TEST_P(MainWindowStates, KeepTheStoredPlaceButStoreTheRest) {
 INSTANTIATE_TEST_SUITE_P(NotNormal, MainWindowStates,
                          testing::Values(Qt::WindowMaximized, Qt::WindowMinimized, Qt::WindowFullScreen));
 
+TEST_F(MainWindowTest, ClosingSaysThatTheSettingsCouldNotBeStored) {
+  Start();
+  settings.failure = u"Die Einstellungen konnten nicht gespeichert werden:\r\n/a/b.ini"_s;
+  EXPECT_TRUE(desktop->main.close());
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_EQ(boxes[0].text, settings.failure);
+  EXPECT_FALSE(desktop->main.isVisible());
+}
+
+TEST_F(MainWindowTest, TheEndOfTheSessionIsNotHeldUpByABox) {
+  Start();
+  settings.failure = u"Die Einstellungen konnten nicht gespeichert werden:\r\n/a/b.ini"_s;
+  desktop->main.EndSession();
+  EXPECT_FALSE(desktop->main.isVisible());
+  EXPECT_TRUE(box.Take().empty());
+}
+
 TEST_F(MainWindowTest, ClosingTakesTheOtherWindowsAlong) {
   Start();
   Open(u"sK 1"_s);

@@ -64,6 +64,35 @@ TEST_F(OptionsTest, ShowsThePresentSettingsWhenItOpens) {
   EXPECT_EQ(Path().text(), kFolder + u"VF.INI"_s);
 }
 
+TEST_F(OptionsTest, StandsInTheMiddleOfTheScreen) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  const QPoint middle = desktop->options.screen()->availableGeometry().center();
+  const QPoint away = desktop->options.geometry().center() - middle;
+  // The window's frame is not known before it is shown.
+  EXPECT_LE(away.manhattanLength(), 40);
+}
+
+TEST_F(OptionsTest, SettingsOutsideTheListsSelectNothingAndStay) {
+  desktop->module.Schnittstelle = 9;
+  desktop->module.Adresse = 300;
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(Port().currentText(), QString());
+  EXPECT_EQ(Address().currentText(), QString());
+  Click(desktop->options, u"cmdOK"_s);
+  EXPECT_EQ(desktop->module.Schnittstelle, 9);
+  EXPECT_EQ(desktop->module.Adresse, 300);
+}
+
+TEST_F(OptionsTest, KeepsWhatWasChosenWhenAnotherMenuItemIsChosenMeanwhile) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  Port().setCurrentText(u"COM8"_s);
+  OpenPage(u"mnuOptioenFiles"_s);
+  Path().setText(u"/neu/T.INI"_s);
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(Port().currentText(), u"COM8"_s);
+  EXPECT_EQ(Path().text(), u"/neu/T.INI"_s);
+}
+
 TEST_F(OptionsTest, CtrlTabGoesRoundThePages) {
   OpenPage(u"mnuOptioenSchnittstelle"_s);
   for (const int page : {1, 2, 0}) {
@@ -140,12 +169,43 @@ TEST_F(OptionsTest, APathWithoutFolderIsSaidAndTheDialogStays) {
   EXPECT_EQ(desktop->module.Inipath, kFolder);
 }
 
+TEST_F(OptionsTest, ARefusedPathIsReadOnceItHasBeenCorrected) {
+  OpenPage(u"mnuOptioenFiles"_s);
+  Path().setText(u"VF.INI"_s);
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_EQ(box.Take().size(), 1U);
+  EXPECT_TRUE(files.reads.isEmpty());
+  Path().setText(kFolder + u"VF.INI"_s);
+  Click(desktop->options, u"cmdOK"_s);
+  EXPECT_FALSE(files.reads.isEmpty());
+  EXPECT_FALSE(desktop->options.isVisible());
+}
+
+TEST_F(OptionsTest, AMissingTableIsSaidAndEmptiesTheListOfVersions) {
+  OpenPage(u"mnuOptioenFiles"_s);
+  Path().setText(u"/fehlt/T.INI"_s);
+  Click(desktop->options, u"cmdOK"_s);
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1U);
+  EXPECT_TRUE(boxes[0].text.startsWith(u"Fehler beim Lesen von\r\n/fehlt/T.INI\r\n"_s))
+      << boxes[0].text.toStdString();
+  EXPECT_EQ(desktop->main.ComboVN().Count(), 0);
+  EXPECT_EQ(desktop->module.Inipath, u"/fehlt/"_s);
+  EXPECT_FALSE(desktop->options.isVisible());
+  ExpectReady();
+}
+
 TEST_F(OptionsTest, EachPortNamesItsDeviceWhenTheListOpens) {
   OpenPage(u"mnuOptioenSchnittstelle"_s);
   devices[2] = u"/dev/ttyUSB0"_s;
   QTest::keyClick(&Port(), Qt::Key_Down, Qt::AltModifier);
   EXPECT_EQ(Port().itemData(0, Qt::ToolTipRole).toString(), u"nicht vorhanden"_s);
   EXPECT_EQ(Port().itemData(1, Qt::ToolTipRole).toString(), u"/dev/ttyUSB0"_s);
+  Port().hidePopup();
+  // The adapter has been pulled out.
+  devices.clear();
+  QTest::mousePress(&Port(), Qt::LeftButton);
+  EXPECT_EQ(Port().itemData(1, Qt::ToolTipRole).toString(), u"nicht vorhanden"_s);
   Port().hidePopup();
 }
 

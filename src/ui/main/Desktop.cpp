@@ -116,6 +116,9 @@ void Desktop::StoreSettings() {
   module.Schnittstelle = port;
   module.Inipath = path;
   module.Inifile = file;
+  const QString error = world.settings.Flush();
+  // Nobody answers a box any more when the session ends.
+  if (!error.isEmpty() && !main.EndsSession()) world.box.Show(error);
 }
 
 void Desktop::ShowAbout() {

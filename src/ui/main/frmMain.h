@@ -52,6 +52,7 @@ class frmMain final : public QMainWindow, public MainForm {
 
   /// The session ends: an operation under way is asked to stop, and the window closes after it.
   void EndSession();
+  [[nodiscard]] bool EndsSession() const { return closeWhenReady_; }
 
   /// The pictures of opening, saving and printing, as the menu shows them.
   const std::array<QIcon, 3> imlToolbarIcons;

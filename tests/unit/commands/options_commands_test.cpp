@@ -87,10 +87,14 @@ TEST_F(Options, BothSeparatorsEndTheFolder) {
 }
 
 TEST_F(Options, APathThatEndsInASeparatorLeavesNoFileNameAndReads) {
-  ApplyOptions(pc.core, {0, 1, u"leer/"_s, true});
-  EXPECT_EQ(pc.module.Inifile, QString());
-  EXPECT_EQ(pc.files.reads, QStringList(u"leer/"_s));
-  EXPECT_EQ(pc.box.Take().size(), 1U);
+  for (const QString& path : {u"leer/"_s, u"C:\\leer\\"_s}) {
+    pc.files.reads.clear();
+    ApplyOptions(pc.core, {0, 1, path, true});
+    EXPECT_EQ(pc.module.Inipath, path);
+    EXPECT_EQ(pc.module.Inifile, QString());
+    EXPECT_EQ(pc.files.reads, QStringList(path));
+    EXPECT_EQ(pc.box.Take().size(), 1U);
+  }
 }
 
 TEST_F(Options, APathWithoutFolderIsRefusedBeforeItIsTakenOver) {

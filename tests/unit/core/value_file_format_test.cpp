@@ -84,6 +84,7 @@ TEST(ParseValueFile, ReadsAHeaderAlone) {
   for (const QByteArray& image : {Current(1, {}, u"V"_s, {}), Old(1, {}, u"V"_s, {})}) {
     const ValueFileContent content = ParseValueFile(image);
     EXPECT_EQ(content.recordLength, image.size());
+    EXPECT_TRUE(content.hasHeader);
     EXPECT_EQ(content.version, u"V"_s);
     EXPECT_EQ(content.storedCount, 1);
     EXPECT_TRUE(content.records.empty());
@@ -102,11 +103,22 @@ TEST(ParseValueFile, IgnoresAnIncompleteRecordAtTheEnd) {
   }
 }
 
+TEST(ParseValueFile, KnowsAnOldFileThatIsCutOffBehindItsFirstRecord) {
+  const QByteArray image = OldFile(4711, 0);
+  for (int size = 54; size < 104; ++size) {
+    const ValueFileContent content = ParseValueFile(image.left(size));
+    EXPECT_EQ(content.recordLength, 52) << size;
+    EXPECT_EQ(content.version, u"AB1-123.4"_s) << size;
+    EXPECT_TRUE(content.records.empty()) << size;
+  }
+}
+
 TEST(ParseValueFile, HoldsNothingWhenItIsShorterThanARecord) {
   const QByteArray image = Current(7, u"text"_s, u"V"_s, u"int"_s);
   for (int size = 0; size < 62; ++size) {
     if (size == 52) continue;  // a whole old record
     const ValueFileContent content = ParseValueFile(image.left(size));
+    EXPECT_FALSE(content.hasHeader) << size;
     EXPECT_EQ(content.storedCount, 0) << size;
     EXPECT_EQ(content.version, QString()) << size;
     EXPECT_TRUE(content.records.empty()) << size;

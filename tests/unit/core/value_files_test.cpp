@@ -118,6 +118,16 @@ TEST_F(ValueFiles, CutsTextsAtTheirFields) {
   EXPECT_EQ(Image().sliced(186 + 4, 22), "ABCDEFGHIJKLMNOPQRSTN4");
 }
 
+TEST_F(ValueFiles, ANameThatSavingHasCutIsNotFoundAgain) {
+  module.Par[1].Variable = QString(31, u'v');
+  module.Par[2].Variable = QString(30, u'w');
+  ASSERT_TRUE(WriteValueFile(core));
+  module.Par[1].Wert = 1;
+  module.Par[2].Wert = 2;
+  ASSERT_TRUE(ReadValueFile(core));
+  EXPECT_EQ(Values(), (Numbers{1, 200, 0}));
+}
+
 TEST_F(ValueFiles, WritesTheCodePageOfTheControllers) {
   module.Par[3].WertText = u"Öl €10 ☃ß"_s;
   ASSERT_TRUE(WriteValueFile(core));
@@ -385,6 +395,16 @@ TEST_F(ValueFiles, AnUnknownVersionIsReportedAndNothingRead) {
 TEST_F(ValueFiles, AnUnknownVersionOfAnOldFileIsShownAsWideAsACurrentOne) {
   EXPECT_FALSE(Load(Old(1, {}, u"ABCDEFGHIJKLMNOPQRST"_s, {})));
   EXPECT_EQ(TakeBoxes(box), QStringList{kUnknown + u"ABCDEFGHIJKLMNOPQRST          "_s});
+}
+
+// An old file holds the first 20 characters of a version only, which are another one.
+TEST_F(ValueFiles, AnOldFileOfALongVersionIsUnknown) {
+  const QString version = u"ABCDEFGHIJKLMNOPQRST-5"_s;
+  SetVersions({version + u"  -  A.TXT  -  WR"_s});
+  Refresh(core, 5);
+  EXPECT_TRUE(Load(Current(1, {}, version, {})));
+  EXPECT_FALSE(Load(Old(1, {}, version.left(20), {})));
+  EXPECT_EQ(TakeBoxes(box), QStringList{kUnknown + version.left(20) + QString(10, u' ')});
 }
 
 TEST_F(ValueFiles, VersionsAreComparedExactly) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include "fakes/QtPrinters.h"
@@ -95,7 +96,16 @@ TEST_F(IniSettingsStoreTest, AFileThatIsNoIniFileGivesTheFallbacks) {
 }
 
 TEST_F(IniSettingsStoreTest, TheUsersOwnFileIsNamedAfterTheProgram) {
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.path());
+  const std::optional<QByteArray> before =
+      qEnvironmentVariableIsSet("XDG_CONFIG_HOME") ? std::optional(qgetenv("XDG_CONFIG_HOME")) : std::nullopt;
+  const auto restore = qScopeGuard([&before] {
+    if (before) {
+      qputenv("XDG_CONFIG_HOME", *before);
+    } else {
+      qunsetenv("XDG_CONFIG_HOME");
+    }
+  });
+  qputenv("XDG_CONFIG_HOME", folder.path().toUtf8());
   IniSettingsStore().Save(u"Settings"_s, u"Adresse"_s, u"17"_s);
   EXPECT_EQ(IniSettingsStore().Get(u"Settings"_s, u"Adresse"_s, u""_s), u"17"_s);
   const QString own = folder.filePath(u"KALIVOR/KALIVOR.ini"_s);

@@ -35,8 +35,7 @@ QString FindController() {
 
 QString FindExample() {
   const QString table = u"/VF.INI"_s;
-  const QString found = FindBesideProgram({u"../share/kalivor/examples"_s + table, u"examples"_s + table,
-                                           QStringLiteral(KALIVOR_EXAMPLES_DIR) + table});
+  const QString found = FindBesideProgram({u"../share/kalivor/examples"_s + table, u"examples"_s + table});
   return found.isEmpty() ? QString() : QFileInfo(found).absolutePath();
 }
 

@@ -48,6 +48,20 @@ bool FollowPlantType(Core& core, qint16 number) {
   return true;
 }
 
+// The controller's values into table and tree. Where a RuntimeError ends the walk, the tree shows what had
+// been taken over by then.
+WalkResult ReceiveIntoTree(Core& core) {
+  WalkResult walk;
+  try {
+    walk = Receive(core);
+  } catch (const RuntimeError&) {
+    Refresh(core, 2);
+    throw;
+  }
+  Refresh(core, 2);
+  return walk;
+}
+
 // The lines and choices in which receiving and comparing differ.
 struct FollowingTransfer {
   QString started;
@@ -120,8 +134,7 @@ TransferOutcome Follow(Core& core, const FollowingTransfer& transfer) {
 
 // The controller's values into the table, after the user decided for the controller's side of a question.
 void TakeOverValues(Core& core, TransferOutcome& outcome) {
-  outcome.walk.failures += Receive(core).failures;
-  Refresh(core, 2);
+  outcome.walk.failures += ReceiveIntoTree(core).failures;
 }
 
 void WritePlantType(Core& core, TransferOutcome& outcome) {
@@ -135,12 +148,8 @@ void WritePlantType(Core& core, TransferOutcome& outcome) {
 }  // namespace
 
 TransferOutcome CommandEmpfangen_Click(Core& core) {
-  return Follow(core,
-                {u"Empfangen.."_s, u"Empfangen beendet"_s, u"Empfangen abgebrochen"_s, true, [](Core& c) {
-                   const WalkResult walk = Receive(c);
-                   Refresh(c, 2);
-                   return walk;
-                 }});
+  return Follow(
+      core, {u"Empfangen.."_s, u"Empfangen beendet"_s, u"Empfangen abgebrochen"_s, true, ReceiveIntoTree});
 }
 
 TransferOutcome CommandVergleichen_Click(Core& core) {

@@ -269,6 +269,8 @@ TEST(ReceiveCommand, AnErrorAddsTheAbortLineAndPasses) {
   EXPECT_EQ(ThrownKind([&] { CommandEmpfangen_Click(site.core); }), RuntimeError::Kind::Overflow);
   EXPECT_EQ(site.Report(), u"Empfangen... | "_s + kAborted);
   EXPECT_EQ(site.module.Par[1].Wert, 1234);
+  // The tree shows what was taken over before.
+  EXPECT_TRUE(site.main.tree.Text(site.main.tree.Find(u"sK 1"_s)).contains(u"123.4 "_s));
   EXPECT_TRUE(site.Rests());
 }
 

@@ -1,0 +1,45 @@
+// A PC wired as the programs wire it, on any line, clock and files.
+#pragma once
+
+#include "campaign/Forms.h"
+#include "commands/StartUp.h"
+
+namespace kalivor::campaign {
+
+/// Everything of one running program. `line`, `clock` and `files` must outlive it.
+struct Pc {
+  Module1 module;
+  PlainMainForm main;
+  PlainReportView view;
+  PlainChoiceForm choice;
+  NoEditors editors;
+  PlainMessageBox box;
+  HookedEvents events;
+  TH timers;
+  COM_T_frm host;
+  Report report;
+  COM_A controller;
+  Core core;
+
+  Pc(platform::SerialControl& line, platform::Clock& clock, platform::FileSystem& files)
+      : timers(clock),
+        host(module, line, timers),
+        report(module, view, events, timers),
+        controller(module, host, main, report),
+        core{module, main, report, choice, editors, box, files, events, controller} {}
+
+  /// Reads the definitions that `module` names and configures the channel.
+  void Start() {
+    ConnectHandlers(core);
+    StartUp(core);
+  }
+
+  /// Nothing is under way: no busy state, no flag, no open port.
+  [[nodiscard]] bool Rests() const {
+    return module.BusyDepth == 0 && module.Abbruch == kFalse && module.TreeUpdating == kFalse &&
+           main.enabled && main.state == QStringLiteral("Ready") && main.tree.Visible() && view.okEnabled &&
+           !view.abortEnabled && host.Ports[kSlot].Offen == kFalse;
+  }
+};
+
+}  // namespace kalivor::campaign

@@ -211,7 +211,6 @@ void Line::Answer(double arrival_s, const QByteArray& frame, Trouble trouble) {
           content += sim::Hex(static_cast<unsigned>(random_.Below(16)), 1);
       }
       origin.bytes = sim::Sealed(content);
-      origin.otherLength = true;
       break;
     }
     case Trouble::Foreign:

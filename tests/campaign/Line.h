@@ -64,7 +64,6 @@ struct Origin {
   int damages = 0;               ///< characters changed, lost, doubled or added on the way back
   int requestDamages = 0;        ///< the same on the way to the controller
   bool otherController = false;  ///< it comes from one that took the place of the first
-  bool otherLength = false;      ///< the controller itself made it longer or shorter, with the right sum
   bool forgotten = false;        ///< acknowledges a write that was not kept
 };
 

@@ -20,7 +20,7 @@ enum class WrongClass {
   SumPreserving,        ///< two or more changed characters whose sum is the same, in request or reply
   WriteWithoutEffect,   ///< the controller acknowledged and did not keep the value
   ExchangedController,  ///< another controller had taken the place of the one that was identified
-  OtherLength,          ///< a version reply that the controller itself made longer or shorter
+  OtherLength,          ///< a version reply that is longer or shorter than it should be
   Collision,            ///< characters of two senders between each other, whose sum happens to fit
   kCount
 };

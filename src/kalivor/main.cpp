@@ -78,6 +78,19 @@ void InstallGermanTexts(QApplication& application) {
     QApplication::installTranslator(translator);
 }
 
+// What needs no window is answered without one, also where there is no display. The toolkit's own options
+// pass.
+bool AnswerWithoutWindow(const QStringList& arguments) {
+  if (arguments.contains(u"--help"_s)) {
+    std::cout << HelpText().toStdString();
+  } else if (arguments.contains(u"--program-version"_s)) {
+    std::cout << "kalivor " << KALIVOR_VERSION << '\n';
+  } else {
+    return false;
+  }
+  return true;
+}
+
 // A port number, or a device that stands for the stored one. Returns "" or the fault.
 QString TakePort(const QString& text, ui::RunSettings& run, QString& device) {
   bool isNumber = false;
@@ -145,6 +158,11 @@ int RunProgram(QApplication& application, Process& process, const ui::RunSetting
 }  // namespace
 
 int main(int argc, char** argv) {
+  QStringList words;
+  for (int i = 1; i < argc; ++i)
+    words.append(QString::fromLocal8Bit(argv[i]));
+  if (AnswerWithoutWindow(words)) return 0;
+
   QApplication application(argc, argv);
   QApplication::setApplicationName(u"KALIVOR"_s);
   QApplication::setDesktopFileName(u"kalivor"_s);
@@ -153,14 +171,6 @@ int main(int argc, char** argv) {
 
   const Arguments arguments = ParseArguments(QCoreApplication::arguments().sliced(1));
   if (!arguments.error.isEmpty()) return Refuse(arguments.error);
-  if (arguments.help) {
-    std::cout << HelpText().toStdString();
-    return 0;
-  }
-  if (arguments.programVersion) {
-    std::cout << "kalivor " << KALIVOR_VERSION << '\n';
-    return 0;
-  }
 
   ui::RunSettings run{arguments.iniPath, arguments.iniFile, {}};
   QString device;

@@ -151,8 +151,9 @@ bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
 void frmOptions::NameDevices() {
   for (int number = 1; number <= kPorts; ++number) {
     const QString device = DeviceOfPort ? DeviceOfPort(number) : QString();
-    comboSchnittstelle_->setItemData(number - 1, device.isEmpty() ? u"nicht vorhanden"_s : device,
-                                     Qt::ToolTipRole);
+    const QString shown = device.isEmpty() ? u"nicht vorhanden"_s : device;
+    comboSchnittstelle_->setItemData(number - 1, shown, Qt::ToolTipRole);
+    comboSchnittstelle_->setItemData(number - 1, shown, Qt::AccessibleDescriptionRole);
   }
 }
 

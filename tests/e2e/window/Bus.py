@@ -67,6 +67,17 @@ class Control:
         """The text of a text box."""
         return Atspi.Text.get_text(self._accessible, 0, Atspi.Text.get_character_count(self._accessible))
 
+    @text.setter
+    def text(self, text):
+        Atspi.EditableText.set_text_contents(self._accessible, text)
+        wait_for(lambda: self.text == text, f"{text!r} in {self.name!r}")
+
+    @property
+    def place(self):
+        """Left, top, width and height on the screen."""
+        extents = Atspi.Component.get_extents(self._accessible, Atspi.CoordType.SCREEN)
+        return extents.x, extents.y, extents.width, extents.height
+
     @property
     def labels(self):
         """The names of the controls that label it."""

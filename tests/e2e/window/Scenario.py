@@ -1,6 +1,7 @@
 """The base of the scenarios. Importing it starts the desktop that they run on; import it first."""
 import atexit
 import sys
+import tempfile
 import unittest
 
 from Desktop import Desktop
@@ -23,14 +24,19 @@ class Scenario(unittest.TestCase):
         self.addCleanup(controller.close)
         return controller
 
-    def program_on(self, device):
-        program = Program(device)
+    def program_on(self, device, *arguments, **options):
+        program = Program(device, *arguments, **options)
         self.addCleanup(program.close)
         return program
 
     def program(self, *options):
         """The desktop program on a simulated controller with these options."""
         return self.program_on(self.controller(*options).device)
+
+    def folder(self):
+        folder = tempfile.TemporaryDirectory(prefix="kalivor-scenario-")
+        self.addCleanup(folder.cleanup)
+        return folder.name
 
     def assert_usable(self, program):
         """Nothing of an operation is left behind."""

@@ -3,6 +3,7 @@ import os
 import shutil
 import subprocess
 import tempfile
+import time
 
 from Bus import ROW, application, wait_for
 from Desktop import stop
@@ -10,6 +11,7 @@ from Desktop import stop
 EXAMPLES = os.environ["KALIVOR_EXAMPLES"]
 HZL120, HZL131, LFT205 = "HZL-012.0", "HZL-013.1", "LFT-020.5"
 ENCODING = "utf-8"
+MENU_S = 2
 
 
 def keys(*names):
@@ -125,38 +127,104 @@ class Report:
 class Program:
     """The desktop program with settings of its own, on a line."""
 
-    def __init__(self, device, ini_path=EXAMPLES):
-        self.settings_folder = tempfile.mkdtemp(prefix="kalivor-settings-")
+    def __init__(self, device, *arguments, ini_path=EXAMPLES, settings_folder=None):
+        """`ini_path` and `device` may be None: what is stored counts then. `settings_folder` is left as it is
+        at the end; without one the program has a new one. `messages` are the boxes before the window."""
+        self._own_folder = settings_folder is None
+        self.settings_folder = settings_folder or tempfile.mkdtemp(prefix="kalivor-settings-")
         environment = dict(os.environ, XDG_CONFIG_HOME=self.settings_folder)
-        command = [os.environ["KALIVOR"], "--ini-path", ini_path, "--port", device]
+        command = [os.environ["KALIVOR"], *arguments]
+        command += ["--ini-path", ini_path] if ini_path else []
+        command += ["--port", device] if device else []
         self.process = subprocess.Popen(command, env=environment)
         self._report = None
-        self.main = self.window("KALIVOR")
+        self.messages = []
+        self.main = self._main_window()
         self._buttons = {button.name: button for button in self.main.find_all("push button")}
         self._state = self.main.find("label", description="Zustand")
         self.versions = self.main.find("combo box", "Versionsnummer")
         self.plants = self.main.find("combo box", "Anlageart")
         self.tree = Tree(self.main.find("tree", "Parameter"), self.button("Empfangen"))
 
-    def find_window(self, title):
+    def _main_window(self):
+        """The main window, after the boxes that come before it."""
+        while True:
+            first = self.window("KALIVOR", ("frame", "alert"))
+            if first.role == "frame":
+                return first
+            self.messages.append(self.answer(first))
+
+    def find_window(self, title, roles=("frame", "dialog", "alert")):
         program = application(self.process.pid)
         for window in program.children if program else []:
-            if window.name == title and window.has("showing") and window.role in ("frame", "dialog", "alert"):
+            if window.name == title and window.has("showing") and window.role in roles:
                 return window
         return None
 
-    def window(self, title):
+    def window(self, title, roles=("frame", "dialog", "alert")):
         def shown():
             if self.process.poll() is not None:
                 raise AssertionError(f"The program has ended with status {self.process.returncode}")
-            return self.find_window(title)
+            return self.find_window(title, roles)
 
         return wait_for(shown, f"a window {title!r}")
 
     def is_shown(self, title):
         return self.find_window(title) is not None
 
+    # Message boxes and file dialogs
+
+    def answer(self, box):
+        """Presses OK in a message box. Returns its text."""
+        text = box.find("label").name
+        box.find("push button", "OK").press()
+        wait_for(lambda: not box.has("showing"), "the box closed")
+        return text
+
+    def message(self):
+        """Answers the next message box. Returns its text."""
+        return self.answer(self.window("KALIVOR", ("alert",)))
+
+    def choose_file(self, title, path):
+        """Accepts a file dialog with this path."""
+        dialog = self.window(title)
+        name = dialog.find("text")
+        name.text = path
+        name.focus()
+        keys("Return")
+        wait_for(lambda: not self.is_shown(title), f"the dialog {title!r} closed")
+
+    def cancel_file(self, title):
+        dialog = self.window(title)
+        self.activate(dialog)
+        keys("Escape")
+        wait_for(lambda: not self.is_shown(title), f"the dialog {title!r} closed")
+
     # The main window
+
+    def menu(self, stroke, *item):
+        """A key stroke to the main window: a shortcut, or a menu's with those that choose one of its items."""
+        self.activate(self.main)
+        if not item:
+            keys(stroke)
+            return
+        # The toolkit takes a menu's letter after an earlier menu for the end of that one, and wants it again.
+        wait_for(lambda: self._open_menu(stroke), "an open menu")
+        keys(*item)
+
+    def _open_menu(self, stroke):
+        keys(stroke)
+        menus = self.main.find("menu bar").children
+        end = time.monotonic() + MENU_S
+        while time.monotonic() < end:
+            if any(menu.find_all("menu item") for menu in menus):
+                return True
+        return False
+
+    @property
+    def file(self):
+        """The current value file, as the status bar shows it."""
+        return self.main.find("label", description="Wertedatei").name
 
     @property
     def state(self):
@@ -249,6 +317,13 @@ class Program:
             fields = file.read().rpartition(")")[2].split()
         return int(fields[11]) + int(fields[12])
 
+    def end(self):
+        """Closes the main window. The program's status when it has ended."""
+        self.ask_to_close(self.main)
+        wait_for(lambda: self.process.poll() is not None, "the end of the program")
+        return self.process.returncode
+
     def close(self):
         stop(self.process)
-        shutil.rmtree(self.settings_folder, ignore_errors=True)
+        if self._own_folder:
+            shutil.rmtree(self.settings_folder, ignore_errors=True)

@@ -16,6 +16,7 @@ struct PrintSite : Installation {
   bool plantSelector = true;
   QString path = u"C:\\Daten\\test.qpf"_s;
   QDate today{2026, 11, 21};
+  QLocale language{QLocale::German};
 
   PrintSite() {
     main.versions.Add(u"AB1-123.4"_s);
@@ -41,12 +42,13 @@ struct PrintSite : Installation {
   }
 
   [[nodiscard]] print::PrintWorld World() {
-    return {core, printer, [this] { return plantSelector; }, [this] { return path; },
-            [this] { return today; }};
+    return {
+        core,    printer, [this] { return plantSelector; }, [this] { return path; }, [this] { return today; },
+        language};
   }
 
   [[nodiscard]] print::PrintInput Input(int orientation = kPortrait) const {
-    return {plantSelector, path, today, orientation};
+    return {plantSelector, path, today, orientation, language};
   }
 };
 

@@ -1,7 +1,5 @@
 #include "print/pages/PageTexts.h"
 
-#include <QLocale>
-
 #include "base/Numbers.h"
 #include "base/Paths.h"
 #include "platform/RuntimeError.h"
@@ -26,8 +24,13 @@ QString PageText(double page, std::optional<qint16> maxPage) {
   return u"Seite "_s + BlankDouble(page) + u" von "_s + (maxPage ? QString::number(*maxPage) : QString());
 }
 
-QString DateText(const QDate& date) {
-  return QLocale(QLocale::German, QLocale::Germany).toString(date, u"dddd, dd MMMM yyyy");
+QLocale SystemLanguage() {
+  const QLocale system = QLocale::system();
+  return system.language() == QLocale::C ? QLocale(QLocale::German, QLocale::Germany) : system;
+}
+
+QString DateText(const QDate& date, const QLocale& language) {
+  return language.toString(date, u"dddd, dd MMMM yyyy");
 }
 
 QString HeaderText(const QString& version, bool plantSelectorVisible, const QString& plantType) {

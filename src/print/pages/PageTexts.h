@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDate>
+#include <QLocale>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -15,8 +16,11 @@ namespace kalivor::print {
 /// A number with a blank in front unless it is negative.
 [[nodiscard]] QString BlankDouble(double number);
 
-/// "Samstag, 21 November 2026", whatever the system's language.
-[[nodiscard]] QString DateText(const QDate& date);
+/// The system's language; German, as the rest of the program, where the system names none.
+[[nodiscard]] QLocale SystemLanguage();
+
+/// "Samstag, 21 November 2026" in that language.
+[[nodiscard]] QString DateText(const QDate& date, const QLocale& language);
 
 /// The controller version, and the plant type while its selector is switched on.
 [[nodiscard]] QString HeaderText(const QString& version, bool plantSelectorVisible, const QString& plantType);

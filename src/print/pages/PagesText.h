@@ -16,6 +16,7 @@ struct PrintInput {
   QString statusPath;                ///< the path in the footer: the current value file
   QDate date;
   int orientation = kPortrait;
+  QLocale language = SystemLanguage();  ///< of the date
 };
 
 /// A printer that only has settings.

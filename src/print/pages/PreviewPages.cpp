@@ -63,7 +63,8 @@ void PreviewPages::DoLayout() {
 
   // Measured at 1:1, so that the preview shows the footer that will be printed.
   const double size_pt = FontSize[1];
-  footer_ = FittedFooter(DateText(world_.today()), panelText_, world_.statusPath(), layout_.FooterRoom(),
+  footer_ = FittedFooter(DateText(world_.today(), world_.language), panelText_, world_.statusPath(),
+                         layout_.FooterRoom(),
                          [size_pt](const QString& text) { return TextWidth_cm(text.size(), size_pt); });
   MainForm& main = world_.core.main;
   header_ = HeaderText(main.ComboVN().SelectedText(), world_.plantSelectorVisible(),

@@ -21,6 +21,7 @@ struct PrintWorld {
   std::function<bool()> plantSelectorVisible;  ///< whether the main window's selector is switched on
   std::function<QString()> statusPath;         ///< panel 2 of the main window's status bar
   std::function<QDate()> today;
+  QLocale language = SystemLanguage();  ///< of the date
 };
 
 /// One page, ready to be drawn at 1:1.

@@ -11,6 +11,7 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/QtPrinters.h"
+#include "print/pages/PageTexts.h"
 #include "sim/Controller.h"
 #include "sim/SimulatedLine.h"
 
@@ -460,7 +461,8 @@ TEST_F(CliTest, PagesPrintsWhatThePrinterWould) {
   EXPECT_EQ(lines[2], u"Anlage"_s);
   EXPECT_EQ(lines[3], u"  Antrieb"_s);
   EXPECT_TRUE(lines[4].startsWith(u"    Drehzahl....."_s));
-  EXPECT_TRUE(lines[lines.size() - 2].startsWith(u"Samstag, 21 November 2026   "_s))
+  const QString date = print::DateText({2026, 11, 21}, print::SystemLanguage());
+  EXPECT_TRUE(lines[lines.size() - 2].startsWith(date + u"   Seite  1 von 1   "_s))
       << lines[lines.size() - 2].toStdString();
   EXPECT_TRUE(lines[lines.size() - 2].endsWith(u"   C:\\w.qpf"_s));
 }

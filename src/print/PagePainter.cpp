@@ -132,9 +132,6 @@ class BranchDrawer {
     }
     if (node.level == 2 && number < lastOnTop_)
       painter_.drawLine(QPointF(X(1), area.top()), QPointF(X(1), area.bottom()));
-    if (node.level < 2 && number < page_.list.Count() && LevelOf(number + 1) > node.level)
-      painter_.drawLine(QPointF(X(node.level + 1), area.bottom() - area.height() / 8),
-                        QPointF(X(node.level + 1), area.bottom()));
     if (node.level == 0 || node.IsGroup())
       DrawSign(Sign(page_.geometry, scale_, number - page_.lines.first, node.level));
   }

@@ -1,7 +1,7 @@
 // The printer of the program: its settings, the question for them, and print jobs.
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 #include <functional>
 #include <optional>
 
@@ -20,7 +20,7 @@ class Printer {
  public:
   virtual ~Printer() = default;
 
-  /// kPortrait or kLandscape. Holds for the next page, and for as long as the program runs.
+  /// kPortrait or kLandscape. Holds from the next job on, and for as long as the program runs.
   [[nodiscard]] virtual int Orientation() const = 0;
   virtual void SetOrientation(int orientation) = 0;
 
@@ -32,14 +32,22 @@ class Printer {
   /// of copies, which is returned; nothing when the user cancels. `flags` says what the dialog offers.
   [[nodiscard]] virtual std::optional<int> Choose(qint32 flags) = 0;
 
-  /// Prints one page, which starts a job when none is under way. `draw` gets a painter in centimetres, the
-  /// origin at the upper left corner of the paper. Throws RuntimeError when there is no printer or it fails.
-  virtual void PrintPage(const std::function<void(QPainter&)>& draw) = 0;
+  using Draw = std::function<void(QPainter&)>;
 
-  /// Ends the job and sends it off; does nothing when none is under way. Throws RuntimeError on failure.
+  /// Prints one page, which starts a job when none is under way. `draw` gets a painter in centimetres, the
+  /// origin at the upper left corner of the paper; it may be called as late as in EndPrinting(). Throws
+  /// RuntimeError when there is no printer or it fails.
+  virtual void PrintPage(const Draw& draw) = 0;
+
+  /// Ends the job and sends it off; does nothing when none is under way. Throws RuntimeError on failure, and
+  /// then nothing of the job has been printed.
   virtual void EndDoc() = 0;
 
-  /// Drops the job under way, if there is one.
+  /// The user's command is done. Printing to a file, all its jobs are written now, into one file, whose path
+  /// is returned. "" when nothing was printed or it went to a printer. Throws RuntimeError on failure.
+  [[nodiscard]] virtual QString EndPrinting() = 0;
+
+  /// Drops the job under way, if there is one, and jobs that have not become a file yet.
   virtual void AbortDoc() noexcept = 0;
 };
 

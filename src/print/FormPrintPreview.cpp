@@ -32,8 +32,8 @@ FormPrintPreview::FormPrintPreview(const PrintWorld& world, platform::EventGuard
 }
 
 void FormPrintPreview::PrintForm() {
-  const PageView page = View();
-  World().printer.PrintPage([&](QPainter& painter) { pagePainter_.Draw(painter, page); });
+  // The list itself stays what it is until the job is sent off: there is no input meanwhile.
+  World().printer.PrintPage([this, page = View()](QPainter& painter) { pagePainter_.Draw(painter, page); });
 }
 
 void FormPrintPreview::Changed() {

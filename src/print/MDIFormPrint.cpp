@@ -60,7 +60,11 @@ class InputHold {
 }  // namespace
 
 MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
-    : world_(world), guard_(std::move(guard)), area_(new QScrollArea(this)), panel1_(new QLabel) {
+    : world_(world),
+      guard_(std::move(guard)),
+      area_(new QScrollArea(this)),
+      panel1_(new QLabel),
+      panel2_(new QLabel) {
   setObjectName(u"MDIFormPrint"_s);
   setWindowTitle(u"Print Preview"_s);
   BuildToolbar();
@@ -74,6 +78,11 @@ MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
   panel1_->setAccessibleDescription(u"Seite"_s);
   panel1_->setTextFormat(Qt::PlainText);
   statusBar()->addWidget(panel1_);
+  panel2_->setObjectName(u"panel2"_s);
+  panel2_->setTextFormat(Qt::PlainText);
+  // However long a path is, it does not make the window wider.
+  panel2_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  statusBar()->addWidget(panel2_, 1);
 }
 
 void MDIFormPrint::BuildToolbar() {
@@ -138,6 +147,7 @@ void MDIFormPrint::ShowForm() {
 }
 
 void MDIFormPrint::Initialize_MDIPP() {
+  ShowFile(QString());
   preview_->Initialize_fPP();
 }
 
@@ -192,8 +202,18 @@ void MDIFormPrint::Turn(int pages) {
 }
 
 void MDIFormPrint::PrintWith(void (PreviewPages::*command)()) {
+  ShowFile(QString());
   const InputHold hold(*this, world_.core.main);
   (preview_->*command)();
+  ShowFile(preview_->PrintedFile());
+}
+
+// Jobs after the first one get names that the user has not chosen.
+void MDIFormPrint::ShowFile(const QString& path) {
+  const QString text = path.isEmpty() ? QString() : u"Gedruckt in "_s + path;
+  const int room = statusBar()->width() - 2 * panel1_->sizeHint().width();
+  panel2_->setText(panel2_->fontMetrics().elidedText(text, Qt::ElideMiddle, room));
+  panel2_->setAccessibleName(text);
 }
 
 void MDIFormPrint::closeEvent(QCloseEvent* event) {

@@ -43,6 +43,7 @@ class MDIFormPrint final : public QMainWindow {
   void NextScale();
   void ShowScale();
   void Turn(int pages);
+  void ShowFile(const QString& path);
   void PrintWith(void (PreviewPages::*command)());
 
   PrintWorld world_;
@@ -51,6 +52,7 @@ class MDIFormPrint final : public QMainWindow {
   QScrollArea* area_;
   QToolButton* format_ = nullptr;
   QLabel* panel1_;
+  QLabel* panel2_;  // the file that was written
 };
 
 }  // namespace kalivor::print

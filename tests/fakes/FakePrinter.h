@@ -24,6 +24,8 @@ class FakePrinter final : public platform::Printer {
   int openPages = 0;      ///< pages of the job under way
   int pages = 0;          ///< pages of all jobs, dropped ones too
   int aborted = 0;        ///< jobs dropped
+  int commands = 0;       ///< print commands completed
+  QString file;           ///< what they are said to be written to
 
   [[nodiscard]] int Orientation() const override { return orientation; }
   void SetOrientation(int value) override { orientation = value; }
@@ -37,7 +39,7 @@ class FakePrinter final : public platform::Printer {
     return copies;
   }
 
-  void PrintPage(const std::function<void(QPainter&)>&) override {
+  void PrintPage(const Draw&) override {
     RequirePrinter();
     if (++pages == failAtPage) throw RuntimeError(RuntimeError::Kind::FileError);
     ++openPages;
@@ -48,6 +50,11 @@ class FakePrinter final : public platform::Printer {
     if (openPages == 0) return;
     jobs.push_back(openPages);
     openPages = 0;
+  }
+
+  [[nodiscard]] QString EndPrinting() override {
+    ++commands;
+    return file;
   }
 
   void AbortDoc() noexcept override {

@@ -16,6 +16,8 @@ void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, con
 int main(int argc, char** argv) {
   // Another platform can be chosen to watch the tests.
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  // Nothing is printed on the printers of the machine.
+  qputenv("CUPS_SERVER", "/nicht/vorhanden");
   qInstallMessageHandler(WriteMessage);
   testing::InitGoogleTest(&argc, argv);
   QApplication application(argc, argv);

@@ -38,8 +38,10 @@ void PdfFile::AddPage(bool landscape, const std::function<void(QPainter&)>& draw
 bool PdfFile::Save(const QString& path) {
   if (!painter_.end()) return false;
   QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  file.write(content_.data());
+  // A disk that gets full takes a part, which the toolkit does not count as an error, and with a buffer does
+  // not even tell.
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
+  if (file.write(content_.data()) != content_.size()) file.cancelWriting();
   return file.commit();
 }
 

@@ -2,12 +2,17 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
+#include <QLibrary>
 #include <QPageLayout>
+#include <QPainter>
 #include <QPrintDialog>
 #include <QPrinterInfo>
 #include <QStandardPaths>
+#include <utility>
 
 #include "platform/RuntimeError.h"
+#include "platform/qt/PdfFile.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +28,35 @@ constexpr int kOtherPaper = 256;
 constexpr qint32 kNoSelection = 4;
 
 QString DefaultFile() {
-  return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).filePath(u"KALIVOR.pdf"_s);
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  // Not every user has that folder.
+  return QDir(QFileInfo(documents).isDir() ? documents : QDir::homePath()).filePath(u"KALIVOR.pdf"_s);
+}
+
+// `path` with the first number before its suffix that no file has: "liste-2.pdf".
+QString NumberedFile(const QString& path) {
+  const QFileInfo file(path);
+  const QString suffix = file.suffix().isEmpty() ? QString() : u'.' + file.suffix();
+  for (int number = 2;; ++number) {
+    const QString name = file.completeBaseName() + u'-' + QString::number(number) + suffix;
+    const QString candidate = file.dir().filePath(name);
+    if (!QFileInfo(candidate).isSymLink() && !QFileInfo::exists(candidate)) return candidate;
+  }
+}
+
+// Why the printing system has not taken the job that was just sent off; nothing when it has. The toolkit
+// keeps that to itself; the library that it has sent the job with tells.
+std::optional<QString> Refusal() {
+#ifdef Q_OS_UNIX
+  constexpr int kLastSuccess = 0xFF;
+  QLibrary cups(u"cups"_s, 2);
+  const auto lastError = reinterpret_cast<int (*)()>(cups.resolve("cupsLastError"));
+  const auto lastErrorText = reinterpret_cast<const char* (*)()>(cups.resolve("cupsLastErrorString"));
+  if (lastError == nullptr || lastErrorText == nullptr) return std::nullopt;
+  const int error = lastError();
+  if (error < 0 || error > kLastSuccess) return QString::fromUtf8(lastErrorText());
+#endif
+  return std::nullopt;
 }
 
 }  // namespace
@@ -53,6 +86,22 @@ void QtPrinter::SetPaperSize(int paperSize) {
 void QtPrinter::UseFile(const QString& path) {
   printer_.setOutputFormat(QPrinter::PdfFormat);
   printer_.setOutputFileName(path);
+  fileWritten_ = false;
+}
+
+QtPrinter::Target QtPrinter::CurrentTarget() const {
+  return {printer_.outputFormat(), printer_.printerName(), printer_.outputFileName(), printer_.pageLayout()};
+}
+
+void QtPrinter::Use(const Target& target) {
+  printer_.setOutputFormat(target.format);
+  if (target.format == QPrinter::NativeFormat) {
+    printer_.setOutputFileName(QString());
+    printer_.setPrinterName(target.printerName);
+  } else {
+    printer_.setOutputFileName(target.file);
+  }
+  printer_.setPageLayout(target.layout);
 }
 
 void QtPrinter::UseDefaultPrinter() {
@@ -63,60 +112,81 @@ void QtPrinter::UseDefaultPrinter() {
     printer_.setOutputFileName(QString());
     printer_.setPrinterName(standard.printerName());
   } else if (QPrinterInfo::availablePrinterNames().isEmpty()) {
-    UseFile(printer_.outputFileName().isEmpty() ? DefaultFile() : printer_.outputFileName());
+    printer_.setOutputFormat(QPrinter::PdfFormat);
+    if (printer_.outputFileName().isEmpty()) printer_.setOutputFileName(DefaultFile());
   }
   SetOrientation(orientation);
 }
 
 std::optional<int> QtPrinter::Choose(qint32 flags) {
+  const Target before = CurrentTarget();
   UseDefaultPrinter();
   QPrintDialog dialog(&printer_, QApplication::activeWindow());
   dialog.setObjectName(u"CDlg"_s);
   // Page ranges and collating are the program's own business.
   dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
   dialog.setOption(QAbstractPrintDialog::PrintSelection, (flags & kNoSelection) == 0);
-  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+  if (dialog.exec() != QDialog::Accepted) {
+    Use(before);
+    return std::nullopt;
+  }
+  fileWritten_ = false;
   const int copies = printer_.copyCount();
   // The program repeats the pages itself; the device would multiply the copies.
   printer_.setCopyCount(1);
   return copies;
 }
 
-void QtPrinter::PrintPage(const std::function<void(QPainter&)>& draw) {
-  if (PrintsToFile()) {
-    if (!pdf_) pdf_ = std::make_unique<PdfFile>();
-    pdf_->AddPage(Orientation() == kLandscape, draw);
-    return;
-  }
-  const bool ready =
-      painter_.isActive() ? printer_.newPage() : printer_.isValid() && painter_.begin(&printer_);
-  const QPrinter::PrinterState state = printer_.printerState();
-  if (!ready || state == QPrinter::Error || state == QPrinter::Aborted)
-    throw RuntimeError(RuntimeError::Kind::MissingObject, u"Der Drucker ist nicht bereit."_s);
-  painter_.save();
-  painter_.scale(printer_.logicalDpiX() / kCentimetresPerInch, printer_.logicalDpiY() / kCentimetresPerInch);
-  draw(painter_);
-  painter_.restore();
+void QtPrinter::PrintPage(const Draw& draw) {
+  job_.push_back(draw);
 }
 
 void QtPrinter::EndDoc() {
-  if (pdf_) {
-    const std::unique_ptr<PdfFile> finished = std::move(pdf_);
-    if (!finished->Save(printer_.outputFileName())) {
-      throw RuntimeError(RuntimeError::Kind::FileError,
-                         u"Die Datei kann nicht geschrieben werden: "_s + printer_.outputFileName());
-    }
-  } else if (painter_.isActive()) {
-    if (!painter_.end() || printer_.printerState() == QPrinter::Error)
-      throw RuntimeError(RuntimeError::Kind::FileError, u"Der Drucker hat den Auftrag nicht angenommen."_s);
+  if (job_.empty()) return;
+  const std::vector<Draw> pages = std::exchange(job_, {});
+  if (PrintsToFile()) {
+    filePages_.insert(filePages_.end(), pages.begin(), pages.end());
+  } else {
+    Send(pages);
   }
 }
 
+void QtPrinter::Send(const std::vector<Draw>& pages) {
+  QPainter painter;
+  bool complete = printer_.isValid() && painter.begin(&printer_);
+  if (!complete) throw RuntimeError(RuntimeError::Kind::MissingObject, u"Der Drucker ist nicht bereit."_s);
+  painter.scale(printer_.logicalDpiX() / kCentimetresPerInch, printer_.logicalDpiY() / kCentimetresPerInch);
+  for (std::size_t page = 0; page < pages.size() && complete; ++page) {
+    if (page > 0) complete = printer_.newPage();
+    if (complete) pages[page](painter);
+  }
+  if (!complete) printer_.abort();
+  complete = painter.end() && complete && printer_.printerState() != QPrinter::Error;
+  const std::optional<QString> refusal = Refusal();
+  if (complete && !refusal) return;
+  QString text = u"Der Drucker hat den Auftrag nicht angenommen: "_s + printer_.printerName();
+  if (refusal && !refusal->isEmpty()) text += u"\r\n"_s + *refusal;
+  throw RuntimeError(RuntimeError::Kind::FileError, text);
+}
+
+QString QtPrinter::EndPrinting() {
+  if (filePages_.empty()) return {};
+  const std::vector<Draw> pages = std::exchange(filePages_, {});
+  PdfFile pdf;
+  for (const Draw& page : pages)
+    pdf.AddPage(Orientation() == kLandscape, page);
+  const QString chosen = printer_.outputFileName();
+  const QString path = fileWritten_ ? NumberedFile(chosen) : chosen;
+  if (!pdf.Save(path)) {
+    throw RuntimeError(RuntimeError::Kind::FileError, u"Die Datei kann nicht geschrieben werden: "_s + path);
+  }
+  fileWritten_ = true;
+  return path;
+}
+
 void QtPrinter::AbortDoc() noexcept {
-  pdf_.reset();
-  if (!painter_.isActive()) return;
-  printer_.abort();
-  painter_.end();
+  job_.clear();
+  filePages_.clear();
 }
 
 }  // namespace kalivor::platform

@@ -29,8 +29,9 @@ class NoPrinter final : public platform::Printer {
   [[nodiscard]] int PaperSize() const override { return kPaperA4; }
   void SetPaperSize(int) override {}
   [[nodiscard]] std::optional<int> Choose(qint32) override { return std::nullopt; }
-  void PrintPage(const std::function<void(QPainter&)>&) override {}
+  void PrintPage(const Draw&) override {}
   void EndDoc() override {}
+  [[nodiscard]] QString EndPrinting() override { return {}; }
   void AbortDoc() noexcept override {}
 
  private:

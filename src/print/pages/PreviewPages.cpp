@@ -91,6 +91,7 @@ void PreviewPages::CommandAusrichtung() {
 
 // Neither command goes back to the scale of before.
 void PreviewPages::PreparePrinting() {
+  printedFile_.clear();
   Masstab = 1;
   DoLayout();
 }
@@ -107,6 +108,7 @@ void PreviewPages::CommandDrucken() {
     }
   }
   world_.printer.EndDoc();
+  printedFile_ = world_.printer.EndPrinting();
   abort.dismiss();
 }
 
@@ -119,6 +121,7 @@ void PreviewPages::CommandSeiteDrucken() {
     PrintForm();
     world_.printer.EndDoc();
   }
+  printedFile_ = world_.printer.EndPrinting();
   abort.dismiss();
 }
 

@@ -88,6 +88,9 @@ class PreviewPages {
   /// The page text, as the frame's status bar shows it.
   [[nodiscard]] const QString& PanelText() const { return panelText_; }
 
+  /// The file that the last print command wrote; "" when it went to a printer or failed.
+  [[nodiscard]] const QString& PrintedFile() const { return printedFile_; }
+
   [[nodiscard]] PageView View() const;
 
  protected:
@@ -117,6 +120,7 @@ class PreviewPages {
   QString header_;
   QString footer_;
   QString panelText_;
+  QString printedFile_;
 };
 
 }  // namespace kalivor::print

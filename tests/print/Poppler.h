@@ -51,18 +51,47 @@ inline QStringList PdfLines(const QString& file, int page) {
   return lines;
 }
 
+/// PdfLines() of each page of the file.
+inline std::vector<QStringList> PdfLinesOfAllPages(const QString& file) {
+  const QByteArray text = RunTool(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
+  std::vector<QStringList> pages;
+  const QStringList parts = QString::fromUtf8(text).remove(u' ').split(u'\f');
+  for (const QString& part : parts) {
+    pages.push_back(part.split(u'\n'));
+    pages.back().removeAll(QString());
+  }
+  // Each page ends with a form feed.
+  pages.pop_back();
+  return pages;
+}
+
+/// The fonts of the file, and how many of them it carries itself.
+struct PdfFonts {
+  int all = 0;
+  int embedded = 0;
+};
+
+inline PdfFonts FontsOf(const QString& file) {
+  static const QRegularExpression embedded(u"\\s+yes\\s+(yes|no)\\s+(yes|no)\\s+\\d+\\s+\\d+$"_s);
+  PdfFonts fonts;
+  const QStringList lines = QString::fromUtf8(RunTool(u"pdffonts"_s, {file})).split(u'\n').sliced(2);
+  for (const QString& line : lines) {
+    if (line.isEmpty()) continue;
+    ++fonts.all;
+    if (line.contains(embedded)) ++fonts.embedded;
+  }
+  return fonts;
+}
+
 /// A word on a page, its place in centimetres.
 struct PdfWord {
   QString text;
   double left, top, right, bottom;
 };
 
-inline std::vector<PdfWord> PdfWords(const QString& file, int page) {
+inline std::vector<PdfWord> WordsIn(const QString& text) {
   static const QRegularExpression pattern(
       uR"x(<word xMin="([^"]*)" yMin="([^"]*)" xMax="([^"]*)" yMax="([^"]*)">(.*)</word>)x"_s);
-  const QString number = QString::number(page);
-  const QString text = QString::fromUtf8(
-      RunTool(u"pdftotext"_s, {u"-bbox"_s, u"-f"_s, number, u"-l"_s, number, file, u"-"_s}));
   std::vector<PdfWord> words;
   auto matches = pattern.globalMatch(text);
   while (matches.hasNext()) {
@@ -71,6 +100,21 @@ inline std::vector<PdfWord> PdfWords(const QString& file, int page) {
     words.push_back({word.captured(5), centimetres(1), centimetres(2), centimetres(3), centimetres(4)});
   }
   return words;
+}
+
+inline std::vector<PdfWord> PdfWords(const QString& file, int page) {
+  const QString number = QString::number(page);
+  return WordsIn(QString::fromUtf8(
+      RunTool(u"pdftotext"_s, {u"-bbox"_s, u"-f"_s, number, u"-l"_s, number, file, u"-"_s})));
+}
+
+inline std::vector<std::vector<PdfWord>> PdfWordsOfAllPages(const QString& file) {
+  const QString text = QString::fromUtf8(RunTool(u"pdftotext"_s, {u"-bbox"_s, file, u"-"_s}));
+  const QStringList parts = text.split(u"<page "_s).sliced(1);
+  std::vector<std::vector<PdfWord>> pages;
+  for (const QString& part : parts)
+    pages.push_back(WordsIn(part));
+  return pages;
 }
 
 /// A page as grey picture of exactly that size.

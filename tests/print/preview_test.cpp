@@ -1,8 +1,6 @@
 // The preview on the screen: how it looks, and clicks on it.
-#include <QImage>
-
 #include "print/PdfPrint.h"
-#include "print/Poppler.h"
+#include "print/Pictures.h"
 #include "print/WindowSite.h"
 
 namespace kalivor::test {
@@ -10,24 +8,6 @@ namespace {
 
 using print::Geometry;
 using print::PagePainter;
-
-// A centimetre of the page in pixels of `picture`.
-QRect Pixels(const QRectF& area, const Geometry& page, const QSize& picture) {
-  const double x = picture.width() / page.ScaleWidth;
-  const double y = picture.height() / page.ScaleHeight;
-  return QRectF(area.x() * x, area.y() * y, area.width() * x, area.height() * y).toRect();
-}
-
-// The smallest rectangle around everything dark in `area`.
-QRect Ink(const QImage& picture, const QRect& area) {
-  QRect ink;
-  for (int y = std::max(0, area.top()); y <= std::min(area.bottom(), picture.height() - 1); ++y) {
-    for (int x = std::max(0, area.left()); x <= std::min(area.right(), picture.width() - 1); ++x) {
-      if (qGray(picture.pixel(x, y)) < 128) ink |= QRect(x, y, 1, 1);
-    }
-  }
-  return ink;
-}
 
 struct PictureSite : WindowSite {
   QTemporaryDir folder;
@@ -53,29 +33,27 @@ TEST_P(PreviewPicture, ShowsEachLineWhereItIsPrinted) {
   site.Open();
   site.Press(u"Format"_s);
   ASSERT_EQ(print::PrintPdf(site.core, {site.Input(GetParam()), site.file, 1, {}}), QString());
-  const QImage screen = site.Preview().grab().toImage();
-  const QImage paper = PdfPicture(site.file, 1, screen.size());
-  const Geometry page = print::GeometryFor(GetParam(), 1);
-  const int millimetre = screen.width() / static_cast<int>(page.ScaleWidth * 10) + 1;
+  ExpectSamePlaces(site.Preview(), site.file, 1);
+}
 
-  std::vector<QRectF> areas{{0, page.HeaderTop, page.ScaleWidth, 0.5},
-                            {0, page.FooterTop, page.ScaleWidth, 0.5}};
-  const print::LineRange lines = site.Preview().View().lines;
-  ASSERT_GT(lines.last, 20);
-  for (int line = lines.first; line <= lines.last; ++line) {
-    // The text only.
-    const int level = site.Preview().List().nodes[static_cast<std::size_t>(line - 1)].level;
-    areas.push_back(PagePainter::LineArea(page, line - lines.first).adjusted(level + 0.95, 0, 0, 0));
-  }
-  for (std::size_t i = 0; i < areas.size(); ++i) {
-    const QRect area = Pixels(areas[i], page, screen.size());
-    const QRect shown = Ink(screen, area);
-    const QRect printed = Ink(paper, area);
-    ASSERT_FALSE(printed.isEmpty()) << i;
-    EXPECT_NEAR(shown.left(), printed.left(), millimetre) << i;
-    EXPECT_NEAR(shown.right(), printed.right(), millimetre) << i;
-    EXPECT_NEAR(shown.top(), printed.top(), millimetre) << i;
-    EXPECT_NEAR(shown.bottom(), printed.bottom(), millimetre) << i;
+// All the way through the frame and the program's printer, page by page, the last one partly filled.
+TEST_P(PreviewPicture, OfEveryPageIsWhatTheFilePrintedHolds) {
+  FileSite site;
+  site.printer.SetOrientation(GetParam());
+  site.Open();
+  site.Press(u"Format"_s);
+  site.Press(u"Drucken"_s);
+  const int pages = *site.Preview().MaxPage;
+  ASSERT_EQ(pages, GetParam() == kPortrait ? 3 : 5);
+  ASSERT_EQ(PdfPages(site.file), pages);
+  // The footers keep what they were before printing began.
+  const QString footer = site.Preview().Footer();
+  for (int page = 1; page <= pages; ++page) {
+    site.Preview().Page = page;
+    site.Preview().selectPage();
+    ASSERT_EQ(site.Preview().Footer(), footer);
+    ExpectSamePlaces(site.Preview(), site.file, page);
+    ExpectSameLines(site.Preview(), site.file, page);
   }
 }
 

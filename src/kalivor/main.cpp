@@ -1,5 +1,6 @@
 // kalivor: the desktop program.
 #include <QApplication>
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QProcess>
@@ -15,6 +16,7 @@
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SerialDevices.h"
 #include "platform/posix/SystemClock.h"
+#include "platform/qt/ManualHelp.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtFileDialogs.h"
 #include "platform/qt/QtMessageBox.h"
@@ -65,7 +67,8 @@ struct Process {
   platform::SystemClock clock;
   platform::QtEvents events;
   platform::QtFileDialogs dialogs;
-  platform::NoHelp help;
+  platform::ManualHelp help{platform::ManualFolders(QCoreApplication::applicationDirPath()),
+                            QDesktopServices::openUrl};
 #ifdef Q_OS_WIN
   platform::Win32Registry registry;
 #endif

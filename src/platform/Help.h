@@ -1,4 +1,4 @@
-// The help viewer of the system.
+// The help viewer of the system, and the manual.
 #pragma once
 
 #include <QString>
@@ -17,13 +17,10 @@ class Help {
 
   /// Opens the viewer on the help file. Throws RuntimeError when it cannot be opened.
   virtual void Open(HelpCommand command) = 0;
-};
 
-/// No help file is assigned.
-class NoHelp final : public Help {
- public:
-  [[nodiscard]] QString HelpFile() const override { return {}; }
-  void Open(HelpCommand /*command*/) override {}
+  /// Opens a page of the manual: "optionen", or a place on it: "optionen#regler". Returns at once. Throws
+  /// RuntimeError (FileError) when there is no manual or nothing to show it with.
+  virtual void ShowPage(const QString& page) = 0;
 };
 
 }  // namespace kalivor::platform

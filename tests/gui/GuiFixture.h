@@ -16,6 +16,7 @@
 #include "fakes/FakeFileDialogs.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/FakeForms.h"
+#include "fakes/FakeHelp.h"
 #include "fakes/QtPrinters.h"
 #include "platform/qt/QtEvents.h"
 #include "sim/Controller.h"
@@ -237,7 +238,7 @@ class GuiTest : public testing::Test {
   TestEvents events;
   QStringList printed;
   FakeFileDialogs dialogs;
-  platform::NoHelp help;
+  FakeHelp help;
   QMap<int, QString> devices;  ///< behind the port numbers
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;

@@ -16,6 +16,7 @@
 #include "ui/dialogs/DlgAchtung.h"
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
+#include "ui/main/HelpKey.h"
 #include "ui/main/frmMain.h"
 #include "ui/options/frmOptions.h"
 
@@ -75,6 +76,7 @@ struct Desktop {
   Core core;
   FileCommandContext files;
   frmOptions options;
+  HelpKey helpKey{world.help, guard};
 
  private:
   void LoadMain(const RunSettings& run);

@@ -2,6 +2,7 @@
 #include "commands/MenuCommands.h"
 
 #include "fakes/FakeForms.h"
+#include "fakes/FakeHelp.h"
 #include "fakes/QtPrinters.h"
 #include "fakes/ThrownKind.h"
 
@@ -9,20 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace kalivor::test {
 namespace {
-
-/// A viewer that records what it is asked, and fails on request.
-class FakeHelp final : public platform::Help {
- public:
-  QString file;
-  QString failure;
-  std::vector<int> opened;
-
-  [[nodiscard]] QString HelpFile() const override { return file; }
-  void Open(platform::HelpCommand command) override {
-    opened.push_back(static_cast<int>(command));
-    if (!failure.isEmpty()) throw RuntimeError(RuntimeError::Kind::FileError, failure);
-  }
-};
 
 TEST(MenuCommands, ItemsWithoutFunctionSaySo) {
   FakeMessageBox box;

@@ -226,7 +226,7 @@ Befehle:
   check-definitions   Definitionsdateien auf Fehler prüfen
 
 Optionen (vor oder nach dem Befehl):
-  --ini-path VERZEICHNIS     Verzeichnis der Versionstabelle und der Definitionsdateien
+  --ini-path ORDNER          Ordner der Versionstabelle und der Definitionsdateien
   --ini-file NAME            Dateiname der Versionstabelle
   --controller TEXT          Reglerversion, genau wie in der Versionstabelle
   --plant TEXT | '#N'        Anlagenart, als Text oder als Position ab 0
@@ -241,6 +241,7 @@ Optionen (vor oder nach dem Befehl):
   --landscape                Querformat (pages, print)
   --status-path TEXT         Dateipfad in der Fußzeile (pages)
   --date JJJJ-MM-TT          Datum in der Fußzeile (pages)
+  --pdf DATEI                wohin gedruckt wird (print)
   --copies N                 Anzahl der Exemplare (print)
   --page N                   nur diese Seite (print)
   --json                     Ausgabe als JSON (versions, plants, params, show, compare)

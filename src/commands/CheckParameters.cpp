@@ -277,8 +277,7 @@ class FileCheck {
       result_.complete = false;
       findings_.Error(
           file_, item.line,
-          u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen, leere füllt \"-\"."_s
-              .arg(columns)
+          u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen, leere füllt „-“."_s.arg(columns)
               .arg(kColumns));
       return true;
     }

@@ -114,7 +114,7 @@ class TableCheck {
     // The list takes a name when a blank follows it.
     const QString dropped = row.plants.takeLast();
     if (dropped != u"-") {
-      TableWarning(row.line, u"Die letzte Anlage %1 wird nicht übernommen; dahinter fehlt noch \"-\"."_s.arg(
+      TableWarning(row.line, u"Die letzte Anlage %1 wird nicht übernommen; dahinter fehlt noch „-“."_s.arg(
                                  Quoted(dropped)));
     }
     // Hostile lines aside, nobody has more plant types than this.

@@ -44,7 +44,7 @@ Arguments ParseArguments(const QStringList& list) {
       } else if (i + 1 < list.size()) {
         *withValue[name] = list.at(++i);
       } else {
-        arguments.error = u"Es fehlt der Wert von "_s + name;
+        arguments.error = u"Option "_s + name + u": Wert fehlt."_s;
       }
     } else if (flags.contains(argument)) {
       *flags[argument] = true;

@@ -140,7 +140,7 @@ Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das P
   --ini-file NAME        Dateiname der Versionstabelle (sonst VF.INI)
   --controller TEXT      Reglerversion, genau wie in der Tabelle (sonst die erste)
   --link PFAD            symbolischer Link, der auf das Gerät zeigt
-  --address N            Stationsadresse 0 bis 255 (sonst 1)
+  --address N            Geräteadresse 0 bis 255 (sonst 1)
   --rate 9600|19200      die einzige Baudrate, die der Regler versteht (sonst jede)
   --paced                Zeichen brauchen so lange wie auf einer echten Leitung
   --echo                 jede Anfrage kommt vor der Antwort zurück (Zweidraht-Adapter)

@@ -111,8 +111,8 @@ int Run(const QStringList& list, platform::FileSystem& files, const Console& con
   const std::optional<QByteArray> payload = VersionPayload(version.Version);
   if (!payload) {
     console.error(
-        u"Kein Regler kann sich mit der Version \""_s + version.Version +
-        u"\" melden: Sie muss aus drei oder vier Zeichen, \"-\" und einer Nummer wie 012.0 bestehen."_s);
+        u"Kein Regler kann sich mit der Version „"_s + version.Version +
+        u"“ melden: Sie muss aus drei oder vier Zeichen, „-“ und einer Nummer wie 012.0 bestehen."_s);
     return kBadInput;
   }
 

@@ -35,7 +35,7 @@ TEST(ProgramArguments, FlagsStandAlone) {
 TEST(ProgramArguments, FaultsAreNamed) {
   EXPECT_EQ(ParseArguments({u"--prot"_s, u"1"_s}).error, u"Unbekannte Option: --prot"_s);
   EXPECT_EQ(ParseArguments({u"--demo=1"_s}).error, u"Unbekannte Option: --demo=1"_s);
-  EXPECT_EQ(ParseArguments({u"--port"_s}).error, u"Es fehlt der Wert von --port"_s);
+  EXPECT_EQ(ParseArguments({u"--port"_s}).error, u"Option --port: Wert fehlt."_s);
   EXPECT_EQ(ParseArguments({u"a.qpf"_s, u"b.qpf"_s}).error,
             u"Nur eine Wertedatei kann geöffnet werden: b.qpf"_s);
 }

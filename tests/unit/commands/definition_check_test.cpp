@@ -142,7 +142,7 @@ TEST_F(DefinitionCheckTest, Kennung) {
 
 TEST_F(DefinitionCheckTest, DroppedLastPlantIsNamed) {
   table[1] = u"ABC-012.0  -  DEF.TXT  Heizung Luft  WR"_s;
-  Expect({u"VF.INI:2 Warnung Die letzte Anlage „Luft“ wird nicht übernommen; dahinter fehlt noch \"-\"."_s,
+  Expect({u"VF.INI:2 Warnung Die letzte Anlage „Luft“ wird nicht übernommen; dahinter fehlt noch „-“."_s,
           u"DEF.TXT:2 Warnung Anlage „Luft“ nennt keine Version mit dieser Datei."_s});
 }
 
@@ -241,7 +241,7 @@ TEST_F(DefinitionCheckTest, TooFewColumns) {
   definitions.append(merged);
   definitions.append(Line({{9, u"3000"_s}, {10, u"_c"_s}, {12, u""_s}}));
   const QString text =
-      u"Fehler Nur %1 Spalten statt 13; Spalten trennt man mit zwei Leerzeichen, leere füllt \"-\"."_s;
+      u"Fehler Nur %1 Spalten statt 13; Spalten trennt man mit zwei Leerzeichen, leere füllt „-“."_s;
   Expect({u"DEF.TXT:4 "_s + text.arg(3), u"DEF.TXT:5 "_s + text.arg(12), u"DEF.TXT:6 "_s + text.arg(12)});
 }
 

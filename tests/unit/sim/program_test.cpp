@@ -206,8 +206,8 @@ TEST_F(ProgramTest, ReportsWhatItCannotReadOrWrite) {
       {{u"--ini-path"_s, u"/def"_s, u"--controller"_s, u"HZL-012.1"_s},
        u"Unbekannte Reglerversion: HZL-012.1"_s},
       {{u"--ini-path"_s, u"/def"_s, u"--controller"_s, u"Prototyp"_s},
-       u"Kein Regler kann sich mit der Version \"Prototyp\" melden: Sie muss aus drei oder vier Zeichen, "
-       u"\"-\" und "
+       u"Kein Regler kann sich mit der Version „Prototyp“ melden: Sie muss aus drei oder vier Zeichen, "
+       u"„-“ und "
        "einer Nummer wie 012.0 bestehen."_s},
       {{u"--ini-path"_s, u"/def"_s, u"--values"_s, u"/fehlt.qpf"_s},
        u"Fehler beim Lesen von /fehlt.qpf: Datei nicht gefunden."_s},

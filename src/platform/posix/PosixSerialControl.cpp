@@ -117,7 +117,9 @@ bool PosixSerialControl::Configure(const LineSettings& settings, const termios& 
 // USB adapters otherwise keep a reply back for up to 16 ms. Where the driver cannot, it stays as it is.
 void PosixSerialControl::LowerLatency() const {
   serial_struct driver{};
-  if (ioctl(port_.Get(), TIOCGSERIAL, &driver) != 0 || (driver.flags & ASYNC_LOW_LATENCY) != 0) return;
+  if (ioctl(port_.Get(), TIOCGSERIAL, &driver) != 0 ||
+      (static_cast<unsigned>(driver.flags) & ASYNC_LOW_LATENCY) != 0)
+    return;
   driver.flags |= ASYNC_LOW_LATENCY;
   (void)ioctl(port_.Get(), TIOCSSERIAL, &driver);
 }

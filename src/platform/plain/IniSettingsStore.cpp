@@ -1,12 +1,18 @@
 #include "platform/plain/IniSettingsStore.h"
 
 #include <QFileInfo>
+#include <QIODevice>
 #include <QStandardPaths>
+
+#include "platform/plain/IniText.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::platform {
 namespace {
+
+// A settings file holds some hundred bytes; a larger one is something else.
+constexpr qint64 kLargestFile_bytes = 1024 * 1024;
 
 QString OwnFile() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/KALIVOR/KALIVOR.ini"_s;
@@ -14,9 +20,31 @@ QString OwnFile() {
 
 // The library reads whatever stands under the name, also what never ends or never answers.
 bool IsUsable(const QString& path) {
-  constexpr qint64 kLargestFile_bytes = 1024 * 1024;
   const QFileInfo file(path);
   return !file.exists() || (file.isFile() && file.size() <= kLargestFile_bytes);
+}
+
+bool ReadFile(QIODevice& file, QSettings::SettingsMap& map) {
+  if (file.size() > kLargestFile_bytes) return false;
+  const IniValues values = ReadIni(file.readAll());
+  for (auto value = values.begin(); value != values.end(); ++value)
+    map[value.key()] = value.value();
+  return true;
+}
+
+bool WriteFile(QIODevice& file, const QSettings::SettingsMap& map) {
+  IniValues values;
+  for (auto value = map.begin(); value != map.end(); ++value)
+    values[value.key()] = value->toString();
+  const QByteArray bytes = WriteIni(values);
+  return file.write(bytes) == bytes.size();
+}
+
+// The library's own INI format also takes values of other types apart, the stored images of any objects
+// included; a damaged file makes it ask for gigabytes of memory.
+QSettings::Format TextFormat() {
+  static const QSettings::Format format = QSettings::registerFormat(u"ini"_s, ReadFile, WriteFile);
+  return format;
 }
 
 }  // namespace
@@ -24,15 +52,11 @@ bool IsUsable(const QString& path) {
 IniSettingsStore::IniSettingsStore() : IniSettingsStore(OwnFile()) {}
 
 IniSettingsStore::IniSettingsStore(const QString& path) : path_(path) {
-  if (IsUsable(path)) settings_.emplace(path, QSettings::IniFormat);
+  if (IsUsable(path)) settings_.emplace(path, TextFormat());
 }
 
 QString IniSettingsStore::Get(const QString& section, const QString& key, const QString& fallback) const {
-  if (!settings_) return fallback;
-  const QVariant stored = settings_->value(section + u'/' + key);
-  if (!stored.isValid()) return fallback;
-  // A comma in a value written by hand makes the library see a list; it is one text all the same.
-  return stored.typeId() == QMetaType::QStringList ? stored.toStringList().join(u',') : stored.toString();
+  return settings_ ? settings_->value(section + u'/' + key, fallback).toString() : fallback;
 }
 
 void IniSettingsStore::Save(const QString& section, const QString& key, const QString& value) {

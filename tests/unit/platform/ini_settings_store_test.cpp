@@ -95,6 +95,57 @@ TEST_F(IniSettingsStoreTest, AFileThatIsNoIniFileGivesTheFallbacks) {
   EXPECT_EQ(ReadAnew(u"Adresse"_s, u"1"_s), u"1"_s);
 }
 
+// Each of them made the library ask for gigabytes, or take a text for something else.
+TEST_F(IniSettingsStoreTest, AValueIsATextWhateverItLooksLike) {
+  WriteFile("[Settings]\nUserpath=@Variant(\\0\\0\\0\\X11d0)\nInipath=@Point(1 2)\nAdresse=17\n");
+  EXPECT_EQ(ReadAnew(u"Adresse"_s), u"17"_s);
+  EXPECT_EQ(ReadAnew(u"Inipath"_s), u"@Point(1 2)"_s);
+  EXPECT_TRUE(ReadAnew(u"Userpath"_s).startsWith(u"@Variant("));
+}
+
+TEST_F(IniSettingsStoreTest, AnEndlessFileIsNotRead) {
+  WriteFile("[Settings]\nAdresse=17\n" + QByteArray(2 * 1024 * 1024, ';'));
+  EXPECT_EQ(ReadAnew(u"Adresse"_s, u"1"_s), u"1"_s);
+}
+
+// Files of earlier versions of the program are the library's own.
+TEST_F(IniSettingsStoreTest, FilesOfTheLibraryAreUnderstood) {
+  const QStringList values{u"17"_s,
+                           u""_s,
+                           u"C:\\Daten\\Regler"_s,
+                           u"Größe äöüß €"_s,
+                           u"a,b"_s,
+                           u"a, b"_s,
+                           u"12,5"_s,
+                           u"  Ränder  "_s,
+                           u"a;b=c"_s,
+                           u"\"x\""_s,
+                           u"@Invalid()"_s,
+                           u"@"_s,
+                           u"a\nb\tc\x01"
+                           "2\x1b"
+                           "g"_s,
+                           u"100%"_s,
+                           QString(QChar(u'\0')) + u"1"_s,
+                           u"\U0001F600"_s,
+                           u"Ende\\"_s};
+  for (const QString& value : values) {
+    QSettings(path, QSettings::IniFormat).setValue(u"Settings/Userpath"_s, value);
+    EXPECT_EQ(ReadAnew(u"Userpath"_s), value);
+    SaveAndEnd(u"Inipath"_s, value);
+    EXPECT_EQ(ReadAnew(u"Userpath"_s), value) << "stays when another one is saved";
+    EXPECT_EQ(QSettings(path, QSettings::IniFormat).value(u"Settings/Inipath"_s).toString(), value);
+  }
+}
+
+TEST_F(IniSettingsStoreTest, SectionsOfOthersStay) {
+  WriteFile("alone=1\n[Ports]\nCOM1=/dev/ttyS0\n\n[Settings]\nAdresse=17\n");
+  SaveAndEnd(u"Adresse"_s, u"18"_s);
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  EXPECT_EQ(file.readAll(), QByteArray("alone=1\n\n[Ports]\nCOM1=/dev/ttyS0\n\n[Settings]\nAdresse=18\n"));
+}
+
 TEST_F(IniSettingsStoreTest, TheUsersOwnFileIsNamedAfterTheProgram) {
   const std::optional<QByteArray> before =
       qEnvironmentVariableIsSet("XDG_CONFIG_HOME") ? std::optional(qgetenv("XDG_CONFIG_HOME")) : std::nullopt;

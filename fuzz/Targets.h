@@ -1,0 +1,51 @@
+// The fuzz targets: each takes any bytes and checks what the program makes of them.
+#pragma once
+
+#include <QByteArrayView>
+#include <stdexcept>
+
+namespace kalivor::fuzz {
+
+/// The program has not kept a promise.
+class Defect : public std::logic_error {
+ public:
+  using std::logic_error::logic_error;
+};
+
+/// Throws Defect unless `kept`.
+inline void Require(bool kept, const char* promise) {
+  if (!kept) throw Defect(promise);
+}
+
+// Every target leaves nothing behind that the next input could see. Throws Defect; any other exception, and
+// whatever the sanitizers find, is a defect as well.
+void AddressList(QByteArrayView input);
+void CommandLine(QByteArrayView input);
+void ControllerReply(QByteArrayView input);
+void DefinitionCheck(QByteArrayView input);
+void DefinitionFile(QByteArrayView input);
+void Numbers(QByteArrayView input);
+void Pages(QByteArrayView input);
+void Settings(QByteArrayView input);
+void ValueFile(QByteArrayView input);
+void VersionTable(QByteArrayView input);
+
+struct Target {
+  const char* name;  ///< also that of its folder in fuzz/corpus
+  void (*run)(QByteArrayView input);
+};
+
+inline constexpr Target kTargets[] = {
+    {"address_list", AddressList},
+    {"command_line", CommandLine},
+    {"controller_reply", ControllerReply},
+    {"definition_check", DefinitionCheck},
+    {"definition_file", DefinitionFile},
+    {"numbers", Numbers},
+    {"pages", Pages},
+    {"settings", Settings},
+    {"value_file", ValueFile},
+    {"version_table", VersionTable},
+};
+
+}  // namespace kalivor::fuzz

@@ -1,0 +1,170 @@
+// Value file: any bytes as the file, read twice; what is saved reads back the same.
+#include <QtEndian>
+#include <memory>
+#include <vector>
+
+#include "Targets.h"
+#include "World.h"
+#include "base/Windows1252.h"
+#include "core/ValueFileFormat.h"
+#include "core/ValueFiles.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::fuzz {
+namespace {
+
+constexpr int kParameters = 7;
+
+// Names that occur twice, are longer than a field, or share what fits into a field.
+const QString& NameOf(int index) {
+  static const QString names[kParameters] = {u"N1"_s,
+                                             u"N2"_s,
+                                             u"N1"_s,
+                                             u""_s,
+                                             u"_Name_mit_25_Buchstaben__"_s,
+                                             u"_Name_mit_25_Buchstaben_2"_s,
+                                             u"_Name_mit_mehr_als_30_Buchstaben"_s};
+  return names[index - 1];
+}
+
+struct Value {
+  qint32 number = 0;
+  QString text;
+  QString type;
+  bool operator==(const Value&) const = default;
+};
+using Values = std::vector<Value>;
+
+Values ValuesOf(const Module1& module) {
+  Values values;
+  for (int i = 1; i <= kParameters; ++i)
+    values.push_back({module.Par[i].Wert, module.Par[i].WertText, module.Par[i].Typ.Padded()});
+  return values;
+}
+
+void Reset(World& world, quint8 marks) {
+  Module1& module = world.module;
+  module.ParCount = kParameters + 1;
+  for (int i = 1; i <= kParameters; ++i) {
+    ParameterRecord& record = module.Par[i];
+    // The tree shows one of them: its texts have their own target.
+    record.Zusatz = i == 1 ? u"Luft"_s : u"Wasser"_s;
+    record.Variable = NameOf(i);
+    record.Wert = i;
+    record.WertText = u"alt"_s;
+    record.Typ = i % 3 == 0 ? u"string8"_s : u"int"_s;
+    module.ParNode[i] = (marks >> (i - 1) & 1) != 0 ? kTrue : kFalse;
+  }
+  world.box.shown = 0;
+  world.choice.asked = 0;
+}
+
+QString WithoutBlanks(QString text) {
+  while (text.endsWith(u' '))
+    text.chop(1);
+  return text;
+}
+
+// What the file says, read by its layout: number 4, text 20, name 30 or 20, type 8 bytes.
+struct PlainFile {
+  explicit PlainFile(const QByteArray& bytes) {
+    const bool old = (bytes.size() >= 62 && bytes.at(53) != ' ') ||
+                     (bytes.size() % 62 != 0 && bytes.size() % 52 == 0 && !bytes.isEmpty());
+    nameWidth = old ? 20 : 30;
+    const int length = 32 + nameWidth;
+    for (qsizetype at = 0; at + length <= bytes.size(); at += length) {
+      Record record;
+      record.value.number = qFromLittleEndian<qint32>(bytes.data() + at);
+      record.value.text = TextFromBytes(bytes.mid(at + 4, 20));
+      record.name = WithoutBlanks(TextFromBytes(bytes.mid(at + 24, nameWidth)));
+      record.value.type = TextFromBytes(bytes.mid(at + 24 + nameWidth, 8));
+      records.push_back(record);
+    }
+  }
+
+  struct Record {
+    QString name;
+    Value value;
+  };
+  int nameWidth = 30;
+  std::vector<Record> records;  // the first is the head
+};
+
+// The parameter that a record goes to, 0 for none.
+int PlainFind(const PlainFile& file, const QString& name) {
+  for (int i = 1; i <= kParameters; ++i) {
+    if (NameOf(i) == name || (file.nameWidth == 20 && NameOf(i).left(20) == name)) return i;
+  }
+  return 0;
+}
+
+Values Expected(const PlainFile& file, const Module1& before) {
+  Values values = ValuesOf(before);
+  for (std::size_t i = 1; i < file.records.size(); ++i) {
+    const int index = PlainFind(file, file.records[i].name);
+    if (index != 0 && before.ParNode[index] != kFalse) {
+      values[static_cast<std::size_t>(index - 1)] = file.records[i].value;
+    }
+  }
+  return values;
+}
+
+QString AsStored(const QString& text, int width) {
+  return TextFromBytes(BytesFromText(text.leftJustified(width, u' ', true)));
+}
+
+// Saves the values and reads them back into a table of other values.
+void CheckSaving(World& world) {
+  const QString path = u"saved"_s;
+  world.module.Dateiname = path;
+  world.files.files[path].clear();
+  const Values saved = ValuesOf(world.module);
+  Require(WriteValueFile(world.core), "the values can be saved");
+  Require(world.files.files[path].size() == 62 * (kParameters + 1), "one record for each parameter");
+  Reset(world, 0xFF);
+  Require(ReadValueFile(world.core), "the values can be loaded again");
+  // The first of two parameters of a name gets the value of the last one.
+  for (const auto& [index, source] : {std::pair{1, 3}, {2, 2}, {4, 4}, {5, 5}, {6, 6}}) {
+    const Value& value = saved[static_cast<std::size_t>(source - 1)];
+    const ParameterRecord& record = world.module.Par[index];
+    Require(record.Wert == value.number, "a number reads back the same");
+    Require(record.WertText == AsStored(value.text, 20), "a text reads back the same");
+    Require(record.Typ.Padded() == value.type, "a type reads back the same");
+  }
+  Require(world.module.Par[7].Wert == 7, "a name longer than its field is not found again");
+}
+
+}  // namespace
+
+void ValueFile(QByteArrayView input) {
+  static const std::unique_ptr<World> made = [] {
+    std::unique_ptr<World> world = WorldWithoutLine();
+    world->main.versions.Add(u"AB1-123.4"_s);
+    world->main.versions.Add(u"AB1-124.0"_s);
+    world->main.plants.Add(u"Luft"_s);
+    world->main.plants.Select(0);
+    return world;
+  }();
+  World& world = *made;
+  if (input.isEmpty()) return;
+  const QByteArray bytes = input.sliced(1).toByteArray();
+  world.main.versions.Select(0);
+  Reset(world, static_cast<quint8>(input.front()));
+  world.module.Dateiname = u"loaded"_s;
+  world.files.files[u"loaded"_s] = bytes;
+
+  const PlainFile plain(bytes);
+  const QString version = plain.records.empty() ? QString() : plain.records.front().name;
+  const bool own = version == u"AB1-123.4";
+  const bool other = version == u"AB1-124.0";
+  const Values expected = own || other ? Expected(plain, world.module) : ValuesOf(world.module);
+  Require(ReadValueFile(world.core) == (own || other), "a file of a known version is read");
+  Require(world.box.shown == (own || other ? 0 : 1), "a box for an unknown version");
+  Require(world.choice.asked == (other ? 1 : 0), "a question for another version");
+  Require(ValuesOf(world.module) == expected, "the values of the checked parameters");
+  Require(world.module.BusyDepth == 0 && world.main.enabled, "the program is ready again");
+  if ((input.front() & 0x80) != 0) CheckSaving(world);
+}
+
+}  // namespace kalivor::fuzz

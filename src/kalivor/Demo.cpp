@@ -46,7 +46,8 @@ QString Demo::Start() {
   if (folder_.isEmpty()) return u"Das mitgelieferte Beispiel wurde nicht gefunden."_s;
   const QString program = FindController();
   if (program.isEmpty()) return u"Der simulierte Regler (kalivor-sim) wurde nicht gefunden."_s;
-  if (!settings_.isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
+  settings_.emplace();
+  if (!settings_->isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
 
   controller_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   controller_.start(program, {u"--ini-path"_s, folder_});

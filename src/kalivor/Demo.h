@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
+#include <optional>
 
 namespace kalivor {
 
@@ -20,12 +21,12 @@ class Demo {
   /// The folder of the example's definitions.
   [[nodiscard]] const QString& Folder() const { return folder_; }
 
-  /// A settings file for this run alone.
-  [[nodiscard]] QString SettingsFile() const { return settings_.filePath(QStringLiteral("KALIVOR.ini")); }
+  /// A settings file for this run alone. After Start().
+  [[nodiscard]] QString SettingsFile() const { return settings_->filePath(QStringLiteral("KALIVOR.ini")); }
 
  private:
   QProcess controller_;
-  QTemporaryDir settings_;
+  std::optional<QTemporaryDir> settings_;  // only where there is a demonstration
   QString device_;
   QString folder_;
 };

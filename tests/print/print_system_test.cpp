@@ -1,4 +1,7 @@
 // Printing through a real printing system, from the print command to what reaches the printer.
+#include <QRadioButton>
+
+#include "platform/qt/TextPrinter.h"
 #include "print/Pictures.h"
 #include "print/PrintCommand.h"
 #include "print/PrintDialog.h"
@@ -172,6 +175,47 @@ TEST_F(PrintSystem, AQueueThatTakesNoJobsShowsABox) {
 
 // --- the dialog ---
 
+// The user changes something in the properties of the printer and prints.
+void PrintWithProperties(FrameSite<RealPrinterSite>& site, const std::function<void(QDialog&)>& change) {
+  WhenOpen([&](QDialog& dialog) {
+    QTimer::singleShot(0, [&] {
+      auto* properties = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(properties, nullptr);
+      change(*properties);
+      PressOk(*properties);
+    });
+    dialog.findChild<QPushButton*>(u"properties"_s)->click();
+    PressOk(dialog);
+  });
+  print::mnuFilePrint_Click(site.frame);
+}
+
+TEST_F(PrintSystem, TheOrientationIsTakenFromTheDialog) {
+  ListSite site;
+  for (const auto& [button, orientation] :
+       {std::pair(u"landscape"_s, kLandscape), std::pair(u"portrait"_s, kPortrait)}) {
+    PrintWithProperties(site,
+                        [&](QDialog& properties) { properties.findChild<QRadioButton*>(button)->click(); });
+    EXPECT_EQ(site.printer.Orientation(), orientation);
+    EXPECT_EQ(site.Preview().MaxPage, orientation == kLandscape ? 5 : 3);
+  }
+}
+
+TEST_F(PrintSystem, OtherPaperIsChangedToA4) {
+  ListSite site;
+  PrintWithProperties(site, [](QDialog& properties) {
+    auto* sizes = properties.findChild<QComboBox*>(u"pageSizeCombo"_s);
+    const int letter = sizes->findText(u"Letter"_s, Qt::MatchContains);
+    ASSERT_GE(letter, 0);
+    sizes->setCurrentIndex(letter);
+  });
+  EXPECT_EQ(TakeBoxes(site.box), QStringList(u"Seitengrösse wird auf A4 geändert"_s));
+  site.Press(u"SeiteDrucken"_s);
+  const std::vector<ArrivedJob> jobs = server.Jobs(1);
+  ASSERT_EQ(jobs.size(), 1);
+  EXPECT_EQ(PdfInfo(jobs[0].file, u"Page size"_s), u"595 x 842 pts (A4)"_s);
+}
+
 TEST_F(PrintSystem, ACancelledDialogLeavesTheTargetAlone) {
   FileSite site;
   site.Open();
@@ -204,6 +248,26 @@ TEST_F(PrintSystem, AFileCanBeChosenInsteadOfThePrinter) {
   print::mnuFilePrint_Click(site.frame);
   site.Press(u"Drucken"_s);
   EXPECT_EQ(PdfPages(file), 6);
+  EXPECT_EQ(server.TakenJobs(), 0);
+}
+
+// --- the report ---
+
+TEST_F(PrintSystem, AReportArrives) {
+  WhenOpen([](QDialog& dialog) { PressOk(dialog); });
+  platform::AskAndPrintText(nullptr, u"Report"_s, u"Empfangen..\r\nEmpfangen beendet\r\n"_s);
+  const std::vector<ArrivedJob> jobs = server.Jobs(1);
+  ASSERT_EQ(jobs.size(), 1);
+  EXPECT_EQ(jobs[0].title, u"Report"_s);
+  EXPECT_EQ(PdfLines(jobs[0].file, 1),
+            (QStringList{u"Report"_s, u"Empfangen.."_s, u"Empfangenbeendet"_s, u"Seite1von1"_s}));
+}
+
+TEST_F(PrintSystem, AReportThatIsNotTakenIsAnError) {
+  server.Reject();
+  WhenOpen([](QDialog& dialog) { PressOk(dialog); });
+  EXPECT_EQ(ThrownKind([] { platform::AskAndPrintText(nullptr, u"Report"_s, u"Empfangen..\r\n"_s); }),
+            RuntimeError::Kind::FileError);
   EXPECT_EQ(server.TakenJobs(), 0);
 }
 

@@ -3,16 +3,15 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QLibrary>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinterInfo>
-#include <QStandardPaths>
 #include <utility>
 
 #include "platform/RuntimeError.h"
 #include "platform/qt/PdfFile.h"
+#include "platform/qt/PrintJobs.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,12 +26,6 @@ constexpr int kOtherPaper = 256;
 // What the dialog's flags say about it: the choice of a selected part of the document is off.
 constexpr qint32 kNoSelection = 4;
 
-QString DefaultFile() {
-  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-  // Not every user has that folder.
-  return QDir(QFileInfo(documents).isDir() ? documents : QDir::homePath()).filePath(u"KALIVOR.pdf"_s);
-}
-
 // `path` with the first number before its suffix that no file has: "liste-2.pdf".
 QString NumberedFile(const QString& path) {
   const QFileInfo file(path);
@@ -42,21 +35,6 @@ QString NumberedFile(const QString& path) {
     const QString candidate = file.dir().filePath(name);
     if (!QFileInfo(candidate).isSymLink() && !QFileInfo::exists(candidate)) return candidate;
   }
-}
-
-// Why the printing system has not taken the job that was just sent off; nothing when it has. The toolkit
-// keeps that to itself; the library that it has sent the job with tells.
-std::optional<QString> Refusal() {
-#ifdef Q_OS_UNIX
-  constexpr int kLastSuccess = 0xFF;
-  QLibrary cups(u"cups"_s, 2);
-  const auto lastError = reinterpret_cast<int (*)()>(cups.resolve("cupsLastError"));
-  const auto lastErrorText = reinterpret_cast<const char* (*)()>(cups.resolve("cupsLastErrorString"));
-  if (lastError == nullptr || lastErrorText == nullptr) return std::nullopt;
-  const int error = lastError();
-  if (error < 0 || error > kLastSuccess) return QString::fromUtf8(lastErrorText());
-#endif
-  return std::nullopt;
 }
 
 }  // namespace
@@ -113,7 +91,7 @@ void QtPrinter::UseDefaultPrinter() {
     printer_.setPrinterName(standard.printerName());
   } else if (QPrinterInfo::availablePrinterNames().isEmpty()) {
     printer_.setOutputFormat(QPrinter::PdfFormat);
-    if (printer_.outputFileName().isEmpty()) printer_.setOutputFileName(DefaultFile());
+    if (printer_.outputFileName().isEmpty()) printer_.setOutputFileName(ProposedFile(u"KALIVOR.pdf"_s));
   }
   SetOrientation(orientation);
 }
@@ -162,11 +140,9 @@ void QtPrinter::Send(const std::vector<Draw>& pages) {
   }
   if (!complete) printer_.abort();
   complete = painter.end() && complete && printer_.printerState() != QPrinter::Error;
-  const std::optional<QString> refusal = Refusal();
+  const std::optional<QString> refusal = RefusedJob();
   if (complete && !refusal) return;
-  QString text = u"Der Drucker hat den Auftrag nicht angenommen: "_s + printer_.printerName();
-  if (refusal && !refusal->isEmpty()) text += u"\r\n"_s + *refusal;
-  throw RuntimeError(RuntimeError::Kind::FileError, text);
+  throw RuntimeError(RuntimeError::Kind::FileError, RefusalText(printer_.printerName(), refusal));
 }
 
 QString QtPrinter::EndPrinting() {

@@ -7,7 +7,9 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "platform/RuntimeError.h"
 #include "platform/qt/FixedFont.h"
+#include "platform/qt/PrintJobs.h"
 #include "platform/qt/ShownText.h"
 
 using namespace Qt::StringLiterals;
@@ -64,8 +66,20 @@ int PrintText(QPagedPaintDevice& device, const QString& title, const QString& te
 void AskAndPrintText(QWidget* parent, const QString& title, const QString& text) {
   QPrinter printer(QPrinter::HighResolution);
   printer.setDocName(title);
+  if (printer.outputFormat() == QPrinter::PdfFormat)
+    printer.setOutputFileName(ProposedFile(title + u".pdf"_s));
   QPrintDialog dialog(&printer, parent);
-  if (dialog.exec() == QDialog::Accepted) PrintText(printer, title, text);
+  dialog.setObjectName(u"CDlg"_s);
+  if (dialog.exec() != QDialog::Accepted) return;
+  const bool printed = PrintText(printer, title, text) > 0;
+  if (printer.outputFormat() == QPrinter::PdfFormat) {
+    if (printed) return;
+    throw RuntimeError(RuntimeError::Kind::FileError,
+                       u"Die Datei kann nicht geschrieben werden: "_s + printer.outputFileName());
+  }
+  const std::optional<QString> refusal = RefusedJob();
+  if (!printed || refusal)
+    throw RuntimeError(RuntimeError::Kind::FileError, RefusalText(printer.printerName(), refusal));
 }
 
 }  // namespace kalivor::platform

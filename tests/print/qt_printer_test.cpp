@@ -28,7 +28,7 @@ struct PrinterSite {
   PrinterSite() { printer.UseFile(file); }
 
   void Print(const QString& text) {
-    printer.PrintPage([&](QPainter& painter) {
+    printer.PrintPage([text](QPainter& painter) {
       // A font of 1 cm, on a painter in centimetres.
       QFont font;
       font.setPixelSize(100);

@@ -10,7 +10,7 @@ namespace kalivor {
 template <int Width>
 class FixedText {
  public:
-  FixedText() : FixedText(QString()) {}
+  FixedText() : text_(Blanks()) {}
   FixedText(const QString& text) : text_(text.leftJustified(Width, u' ', true)) {}
 
   [[nodiscard]] const QString& Padded() const { return text_; }
@@ -31,6 +31,12 @@ class FixedText {
   }
 
  private:
+  // Shared by all that are empty: a table of thousands begins with nothing else.
+  static const QString& Blanks() {
+    static const QString blanks(Width, u' ');
+    return blanks;
+  }
+
   QString text_;
 };
 

@@ -238,7 +238,7 @@ class Installation {
   // Nothing can bring a wrong value here. A clock that is set or passes midnight can: it ends the wait for a
   // reply early, which then comes as the answer to a later request.
   [[nodiscard]] bool MustBeRight() const {
-    return (scene == Scene::Clean || scene == Scene::Unplugged) && !clock_.Disturbed(0, clock_.Passed());
+    return scene == Scene::Clean && !clock_.Disturbed(0, clock_.Passed());
   }
 
   // The user edits values and check marks between the transfers.

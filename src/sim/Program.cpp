@@ -40,7 +40,8 @@ QString Prepare(const Arguments& arguments, platform::FileSystem& files, const C
 QString WriteDump(const QString& path, const Memory& memory) {
   QSaveFile file(path);
   const QByteArray text = memory.Dump().toLatin1();
-  if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit()) return {};
+  // Unbuffered: with a buffer a full disk is not told of.
+  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size() && file.commit()) return {};
   return u"Fehler beim Schreiben von "_s + path + u": "_s + file.errorString();
 }
 

@@ -33,6 +33,8 @@ def literals(code):
     """The string literals of C++ code; neighbours are one. Raw ones, the help texts, have tests of their own."""
     code = re.sub(r"(?m)^\s*(//|#include).*$", "", code)
     code = re.sub(r'R"\(.*?\)"', '""', code, flags=re.S)
+    # A quotation mark as a character opens no text.
+    code = re.sub(r"'(?:[^'\\\n]|\\.)'", "' '", code)
     pieces = r'u?"((?:[^"\\\n]|\\.)*)"(?:_s)?'
     for neighbours in re.finditer(rf"{pieces}(?:\s*{pieces})*", code):
         yield "".join(re.findall(pieces, neighbours.group()))

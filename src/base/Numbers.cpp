@@ -3,6 +3,7 @@
 #include <QLocale>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "platform/RuntimeError.h"
 
@@ -75,6 +76,21 @@ double DecimalNumber(QStringView text, bool comma, qsizetype& length) {
   return number;
 }
 
+// Most numbers are whole and short, and need neither a copy nor the general conversion. Nothing where `text`
+// is anything but a sign and digits that a double holds exactly.
+std::optional<double> ShortWholeNumber(QStringView text) {
+  constexpr qsizetype kExactDigits = 15;
+  const bool negative = text.startsWith(u'-');
+  if (negative || text.startsWith(u'+')) text = text.sliced(1);
+  if (text.isEmpty() || text.size() > kExactDigits) return {};
+  qint64 number = 0;
+  for (const QChar c : text) {
+    if (!IsDigit(c)) return {};
+    number = number * 10 + (c.unicode() - u'0');
+  }
+  return static_cast<double>(negative ? -number : number);
+}
+
 template <typename Int>
 Int RoundTo(double number) {
   const double rounded = std::nearbyint(number);  // the default rounding mode is half to even
@@ -96,6 +112,7 @@ Int Checked(qint64 number) {
 }  // namespace
 
 double LeadingNumber(QStringView text) {
+  if (const std::optional<double> number = ShortWholeNumber(text)) return *number;
   QString dense;
   dense.reserve(text.size());
   for (const QChar c : text) {

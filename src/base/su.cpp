@@ -1,6 +1,8 @@
 #include "base/su.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 
 #include "base/Numbers.h"
@@ -14,6 +16,23 @@ int Digit(QChar c) {
   if (c >= u'A' && c <= u'F') return c.unicode() - u'A' + 10;
   if (c >= u'a' && c <= u'f') return c.unicode() - u'a' + 10;
   return 0;
+}
+
+void AppendRepeated(QString& text, QStringView piece, qsizetype times) {
+  for (; times > 0; --times)
+    text += piece;
+}
+
+// Characters of a 64-bit number with its sign.
+constexpr int kLongestNumber = 20;
+
+// A number in decimal, with `fill` in front up to `width` characters.
+void AppendRight(QString& text, qint64 number, int width, QStringView fill) {
+  std::array<char, kLongestNumber> digits{};
+  const char* const end = std::to_chars(digits.begin(), digits.end(), number).ptr;
+  const QLatin1StringView plain(digits.begin(), end);
+  AppendRepeated(text, fill, width - plain.size());
+  text += plain;
 }
 
 }  // namespace
@@ -33,15 +52,29 @@ double SignedHexToNumber(QStringView text) {
   return -(sum + 1);
 }
 
-QString HexPad(double value, int length) {
+void AppendHexPad(QString& text, double value, int length) {
   const double rounded = std::nearbyint(value);  // half to even
   if (!(rounded >= -2147483648.0 && rounded < 9223372036854775808.0)) {
     throw RuntimeError(RuntimeError::Kind::Overflow);
   }
-  const quint64 bits =
+  quint64 bits =
       rounded < 0 ? static_cast<quint32>(static_cast<qint32>(rounded)) : static_cast<quint64>(rounded);
-  const QString digits = QStringLiteral("0000000000000000") + QString::number(bits, 16).toUpper();
-  return digits.right(std::max(0, length));
+  constexpr int kZeros = 16;
+  constexpr int kMostDigits = 16;
+  std::array<char16_t, kZeros + kMostDigits> digits{};
+  digits.fill(u'0');
+  std::size_t first = digits.size();
+  do {
+    digits[--first] = u"0123456789ABCDEF"[bits % 16];
+    bits /= 16;
+  } while (bits != 0);
+  text.append(QStringView(digits).sliced(static_cast<qsizetype>(first) - kZeros).right(std::max(0, length)));
+}
+
+QString HexPad(double value, int length) {
+  QString text;
+  AppendHexPad(text, value, length);
+  return text;
 }
 
 QString HexPad(QStringView value, int length) {
@@ -49,10 +82,15 @@ QString HexPad(QStringView value, int length) {
 }
 
 QString Align(const QString& text, int width, QStringView alignment, QStringView fill) {
-  const qsizetype missing = std::max<qsizetype>(0, width - text.size());
-  if (alignment == u"R") return fill.toString().repeated(missing) + text;
-  if (alignment == u"L") return text + fill.toString().repeated(missing);
-  return text;
+  const bool right = alignment == u"R";
+  const qsizetype missing = width - text.size();
+  if (missing <= 0 || (!right && alignment != u"L")) return text;
+  QString aligned;
+  aligned.reserve(text.size() + missing * fill.size());
+  if (!right) aligned += text;
+  AppendRepeated(aligned, fill, missing);
+  if (right) aligned += text;
+  return aligned;
 }
 
 QString ScaledNumber(qint32 value, int dropped, int decimals, int width, int reserve, QStringView fill) {
@@ -60,9 +98,15 @@ QString ScaledNumber(qint32 value, int dropped, int decimals, int width, int res
   const qint64 quotient = value / whole;
   const qint64 remainder = value % whole;
   const qint64 fraction = remainder / PowerOfTen(dropped);
-  QString text = Align(QString::number(quotient), width, u"R", fill);
-  if (decimals > 0) text += u'.' + Align(QString::number(std::abs(fraction)), decimals, u"R", u"0");
-  return text.leftJustified(width + reserve + 1, u' ');
+  QString text;
+  text.reserve(std::max(0, width) * fill.size() + std::max(0, reserve) + kLongestNumber);
+  AppendRight(text, quotient, width, fill);
+  if (decimals > 0) {
+    text += u'.';
+    AppendRight(text, std::abs(fraction), decimals, u"0");
+  }
+  AppendRepeated(text, u" ", width + reserve + 1 - text.size());
+  return text;
 }
 
 }  // namespace kalivor::su

@@ -1,5 +1,7 @@
 #include "comm/COM_A.h"
 
+#include <algorithm>
+
 #include "base/Numbers.h"
 #include "base/su.h"
 
@@ -9,6 +11,7 @@ namespace kalivor {
 namespace {
 
 constexpr int kTries = 3;
+constexpr qsizetype kAddressLength = 4;
 
 // "AB1-04D2…" becomes "AB1-123.4": type text, "-", the number with its last digit behind a point.
 QString VersionText(const QString& payload) {
@@ -44,14 +47,21 @@ QString COM_A::Identify(qint16 slot) {
 }
 
 // Letter 0 writes, letter 1 reads. Without a selected version row 0 is used, whose letters are blanks.
-QString COM_A::CommandLetter(int index) const {
-  return module_.VersionRow(main_.ComboVN().Position() + 1).Kennung.Padded().mid(index, 1);
+QStringView COM_A::CommandLetter(int index) const {
+  return QStringView(module_.VersionRow(main_.ComboVN().Position() + 1).Kennung.Padded()).mid(index, 1);
+}
+
+void COM_A::StartBody(int letter, QStringView address) {
+  body_.resize(0);
+  body_ += CommandLetter(letter);
+  body_ += address.last(std::min(address.size(), kAddressLength));
 }
 
 bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
   if (host_.Ports[slot].Protokoll != kControllerProtocol) return true;
-  const QString body = CommandLetter(0) + address.right(4) + su::HexPad(value, 4);
-  const QString result = transport_.SendWithRetry(slot, body, true, kTries);
+  StartBody(0, address);
+  su::AppendHexPad(body_, value, 4);
+  const QString result = transport_.SendWithRetry(slot, body_, true, kTries);
   if (!IsError(result)) return true;
   report_.Add(result);
   return false;
@@ -60,7 +70,8 @@ bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
 bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
   digits.clear();
   if (host_.Ports[slot].Protokoll == kControllerProtocol) {
-    digits = transport_.SendWithRetry(slot, CommandLetter(1) + address.right(4), true, kTries);
+    StartBody(1, address);
+    digits = transport_.SendWithRetry(slot, body_, true, kTries);
   }
   if (IsError(digits)) {
     report_.Add(digits);

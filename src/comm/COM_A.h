@@ -36,7 +36,8 @@ class COM_A {
   QString Configure(qint16 slot, QStringView settings);
 
  private:
-  [[nodiscard]] QString CommandLetter(int index) const;
+  [[nodiscard]] QStringView CommandLetter(int index) const;
+  void StartBody(int letter, QStringView address);
   bool ReadWord(qint16 slot, QString& digits, const QString& address);
 
   const Module1& module_;
@@ -44,6 +45,7 @@ class COM_A {
   COM_T transport_;
   MainForm& main_;
   ReportForm& report_;
+  QString body_;  // kept from telegram to telegram, so that reading a word needs no new memory
 };
 
 }  // namespace kalivor

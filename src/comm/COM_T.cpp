@@ -27,12 +27,13 @@ bool IsTerminator(QChar c) {
   return c >= kLineFeed && c <= kCarriageReturn;
 }
 
-// Two hexadecimal digits of the sum of all character codes.
-QString Checksum(QStringView characters) {
+// Two hexadecimal digits of the sum of all character codes, behind what `text` holds. `characters` may be
+// that text.
+void AppendChecksum(QString& text, QStringView characters) {
   qint16 sum = 0;
   for (const QChar c : characters)
     sum = ToInt16(sum + ByteFromCharacter(c));
-  return su::HexPad(sum, 2);
+  su::AppendHexPad(text, sum, 2);
 }
 
 QString ReplyCodeText(const QString& code) {
@@ -83,7 +84,14 @@ class PortGuard {
 
 }  // namespace
 
-QString COM_T::SendWithRetry(qint16 slot, const QString& body, bool wantReply, int maxTries) {
+COM_T::COM_T(COM_T_frm& host) : host_(host) {
+  constexpr qsizetype kTelegram_characters = 256;
+  for (QString* text : {&frame_, &reply_, &checksum_, &payload_})
+    text->reserve(kTelegram_characters);
+  output_.reserve(kTelegram_characters);
+}
+
+QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
   QString result;
   RetryCount = 0;
   do {
@@ -94,19 +102,28 @@ QString COM_T::SendWithRetry(qint16 slot, const QString& body, bool wantReply, i
   return result;
 }
 
-QString COM_T::Transact(qint16 slot, const QString& body, bool wantReply) {
+QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   host_.Timers().Wait(kPauseTimer);
-  QString frame = u'#' + su::HexPad(host_.Ports[slot].Adr, 2) + u"02"_s + body;
-  frame += Checksum(frame) + kCarriageReturn;
+  frame_.resize(0);
+  frame_ += u'#';
+  su::AppendHexPad(frame_, host_.Ports[slot].Adr, 2);
+  frame_ += u"02";
+  frame_ += body;
+  AppendChecksum(frame_, frame_);
+  frame_ += kCarriageReturn;
 
-  QString reply = SendReceive(slot, frame, wantReply);
+  const QString reply = SendReceive(slot, frame_, wantReply);
   if (!wantReply || IsError(reply)) return reply;
   if (reply.size() < 9) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
   if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));
   const QStringView summed = QStringView(reply).chopped(3);
-  if (Checksum(summed) != reply.mid(reply.size() - 3, 2)) return u"ERROR:  Checksumme Falsch"_s;
-  return summed.mid(6).toString();
+  checksum_.resize(0);
+  AppendChecksum(checksum_, summed);
+  if (checksum_ != QStringView(reply).sliced(summed.size(), 2)) return u"ERROR:  Checksumme Falsch"_s;
+  payload_.resize(0);
+  payload_ += summed.mid(6);
+  return payload_;
 }
 
 QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
@@ -123,7 +140,9 @@ QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
     return WithLineError(u"ERROR: COM"_s + BlankNumber(port.PortNr) + u" nicht verfügber"_s, {});
   }
   line.SetRts(true);
-  line.Output(BytesFromText(frame));
+  output_.resize(0);
+  AppendBytes(output_, frame);
+  line.Output(output_);
   line.SetSThreshold(1);
   host_.SendDone = kFalse;
 
@@ -136,11 +155,13 @@ QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
     timers.StartTimer(kReplyTimer, timeout_ms);
     if (!ReceivesLines(port.Protokoll)) return ReceiveRaw();
 
-    QString reply = TextFromBytes(line.Input());
+    QString& reply = reply_;
+    reply.resize(0);
+    AppendText(reply, line.Input());
     while (!reply.isEmpty() && reply.back() > kCarriageReturn && bound.Remaining() > 0) {
       const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
       const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
-      reply += TextFromBytes(line.Input());
+      AppendText(reply, line.Input());
       if (gone || timers.TimerExpired(kReplyTimer)) {
         return WithLineError(u"ERROR: ungültiger Empfang:  ("_s + reply + u")."_s, reply);
       }

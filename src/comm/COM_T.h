@@ -11,13 +11,13 @@ namespace kalivor {
 /// returned text that begins "ERROR: ".
 class COM_T {
  public:
-  explicit COM_T(COM_T_frm& host) : host_(host) {}
+  explicit COM_T(COM_T_frm& host);
 
   /// Transact up to `maxTries` times; returns the first good result or the last failure.
-  [[nodiscard]] QString SendWithRetry(qint16 slot, const QString& body, bool wantReply, int maxTries);
+  [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries);
 
   /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted.
-  [[nodiscard]] QString Transact(qint16 slot, const QString& body, bool wantReply);
+  [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply);
 
   /// Sends the complete `frame` and returns the reply without the echo of the frame. Opens the port before
   /// and closes it after.
@@ -31,6 +31,13 @@ class COM_T {
 
   COM_T_frm& host_;
   int RetryCount = 0;
+
+  // Kept from telegram to telegram, so that a transfer needs no new memory for each.
+  QString frame_;
+  QByteArray output_;
+  QString reply_;
+  QString checksum_;
+  QString payload_;
 };
 
 }  // namespace kalivor

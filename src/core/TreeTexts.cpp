@@ -55,13 +55,20 @@ bool IsStringForTree(const ParameterRecord& record) {
 
 QString ParamTextShort(const ParameterRecord& record) {
   if (IsStringForTree(record)) return NameColumn(record) + u' ' + record.WertText;
-  return NameColumn(record) + Scaled(record, record.Wert) + record.Einheit.Padded();
+  QString text = NameColumn(record);
+  text += Scaled(record, record.Wert);
+  text += record.Einheit.Padded();
+  return text;
 }
 
 QString ParamText(const ParameterRecord& record) {
-  if (IsStringForTree(record)) return ParamTextShort(record);
-  return ParamTextShort(record) + u'|' + Scaled(record, record.Min) + u'|' + Scaled(record, record.Max) +
-         u'|' + Scaled(record, record.Standard);
+  QString text = ParamTextShort(record);
+  if (IsStringForTree(record)) return text;
+  for (const qint32 value : {record.Min, record.Max, record.Standard}) {
+    text += u'|';
+    text += Scaled(record, value);
+  }
+  return text;
 }
 
 QString GroupText(const QString& group) {

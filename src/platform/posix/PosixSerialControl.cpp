@@ -29,8 +29,7 @@ bool IsPseudoTerminal(int fd) {
   return number >= 136 && number <= 143;
 }
 
-Descriptor OpenDevice(const QString& path) {
-  const QByteArray name = QFile::encodeName(path);
+Descriptor OpenDevice(const QByteArray& name) {
   int fd = -1;
   do {
     fd = open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
@@ -68,6 +67,7 @@ PosixSerialControl::PosixSerialControl(DeviceResolver resolver, std::unique_ptr<
   constexpr qsizetype kTelegram_bytes = 256;
   output_.reserve(kTelegram_bytes);
   input_.reserve(kTelegram_bytes);
+  taken_.reserve(kTelegram_bytes);
 }
 
 PosixSerialControl::~PosixSerialControl() {
@@ -82,7 +82,11 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
   const QString path = resolver_(number);
   if (path.isEmpty()) return false;
 
-  Descriptor device = OpenDevice(path);
+  if (path != path_) {
+    path_ = path;
+    fileName_ = QFile::encodeName(path);
+  }
+  Descriptor device = OpenDevice(fileName_);
   termios present{};
   if (!device.Valid() || tcgetattr(device.Get(), &present) != 0) return false;
   // Before anything is touched: another program may be in the middle of a transfer.
@@ -229,10 +233,11 @@ int PosixSerialControl::InBufferCount() {
 
 QByteArray PosixSerialControl::Input() {
   ReadAll();
-  // A copy, so that the buffer keeps its memory.
-  QByteArray taken(input_.constData(), input_.size());
+  // A copy, so that both buffers keep their memory from exchange to exchange.
+  taken_.resize(0);
+  taken_.append(input_.constData(), input_.size());
   input_.resize(0);
-  return taken;
+  return taken_;
 }
 
 InputWait PosixSerialControl::WaitForInput(double seconds) {

@@ -82,6 +82,9 @@ class PosixSerialControl final : public SerialControl {
   std::optional<LineErrorCounts> counted_;
   QByteArray output_;  // queued, not yet taken by the driver
   QByteArray input_;   // received, not yet taken by Input()
+  QByteArray taken_;   // what Input() returned last
+  QString path_;       // the device that was opened last, and its name for the system
+  QByteArray fileName_;
   MarkedInput marks_;
 };
 

@@ -8,6 +8,7 @@
 #include <QTranslator>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "kalivor/Arguments.h"
 #include "kalivor/Demo.h"
@@ -55,7 +56,10 @@ struct Process {
     system.registry = &registry;
 #endif
     system.fileExists = [](const QString& path) { return QFileInfo::exists(path); };
-    system.start = [](const QString& program) { QProcess::startDetached(program, {}); };
+    // By its full path only: nobody's search path decides what is started.
+    system.start = [](const QString& program) {
+      if (QFileInfo(program).isAbsolute()) QProcess::startDetached(program, {});
+    };
     return system;
   }
 
@@ -113,15 +117,17 @@ QString PresentDevice(const QString& device) {
   return QFileInfo::exists(device) ? device : QString();
 }
 
-// The print frame, made when it is first needed.
+// The print frame, made when it is first needed. So is the printer: making it asks the system's printing
+// service, over the network where that has no local socket, and who does not print wants neither.
 struct Printing {
   explicit Printing(ui::Desktop& theDesktop) : desktop(theDesktop) {}
 
   void Print() {
     if (desktop.module.BusyDepth > 0) return;
     if (!frame) {
+      printer.emplace();
       frame = std::make_unique<print::MDIFormPrint>(
-          print::PrintWorld{desktop.core, printer, [this] { return desktop.main.PlantSelectorVisible(); },
+          print::PrintWorld{desktop.core, *printer, [this] { return desktop.main.PlantSelectorVisible(); },
                             [this] { return desktop.module.Dateiname; }, [] { return QDate::currentDate(); }},
           desktop.guard);
       desktop.main.AddCompanion(*frame, true);
@@ -130,7 +136,7 @@ struct Printing {
   }
 
   ui::Desktop& desktop;
-  platform::QtPrinter printer;
+  std::optional<platform::QtPrinter> printer;
   std::unique_ptr<print::MDIFormPrint> frame;
 };
 

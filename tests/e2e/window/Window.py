@@ -133,7 +133,8 @@ class Program:
         self._own_folder = settings_folder is None
         self.settings_folder = settings_folder or tempfile.mkdtemp(prefix="kalivor-settings-")
         environment = dict(os.environ, XDG_CONFIG_HOME=self.settings_folder)
-        command = [os.environ["KALIVOR"], *arguments]
+        # Whoever turns to the network is killed; the display is reached by a local socket.
+        command = [os.environ["KALIVOR_WITHOUT_NETWORK"], os.environ["KALIVOR"], *arguments]
         command += ["--ini-path", ini_path] if ini_path else []
         command += ["--port", device] if device else []
         self.process = subprocess.Popen(command, env=environment)

@@ -472,7 +472,15 @@ TEST(OnScreen, APlaceThatCannotBeReachedIsMoved) {
 
 TEST(OnScreen, AWindowLargerThanTheScreenIsMadeToFit) {
   const QList<QRect> screens{QRect(0, 0, 800, 600)};
-  EXPECT_EQ(ui::OnScreen({9000, 0, 3000, 2000}, screens), QRect(0, 0, 800, 600));
+  const QRect fitting(0, 0, 784, 560);
+  EXPECT_EQ(ui::OnScreen({9000, 0, 3000, 2000}, screens), fitting) << "out of reach";
+  EXPECT_EQ(ui::OnScreen({0, 0, 3000, 2000}, screens), fitting) << "its upper edge is in reach";
+  EXPECT_EQ(ui::OnScreen({0, 0, 400, 2000}, screens), QRect(0, 0, 400, 560)) << "only too high";
+}
+
+TEST(OnScreen, AWindowMayLieOnTwoScreens) {
+  const QList<QRect> screens{QRect(0, 0, 800, 600), QRect(800, 0, 800, 600)};
+  EXPECT_EQ(ui::OnScreen({100, 0, 1400, 500}, screens), QRect(100, 0, 1400, 500));
 }
 
 TEST(OnScreen, WithoutAScreenNothingIsChanged) {

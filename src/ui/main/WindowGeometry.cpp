@@ -18,6 +18,9 @@ constexpr double kLargest_px = 30000;
 // What must be visible of a window's upper edge, so that it can be taken hold of.
 constexpr int kHandleWidth_px = 100;
 constexpr int kHandleHeight_px = 30;
+// Left free for the frame of a window that would fill the screen. How large it is shows too late.
+constexpr int kFrameWidth_px = 16;
+constexpr int kFrameHeight_px = 40;
 
 int Pixels(const platform::SettingsStore& store, platform::MessageBox& box, const QString& key,
            double fallback_twips, double dpi) {
@@ -51,14 +54,19 @@ void SaveGeometry(platform::SettingsStore& store, const QRect& place, double dpi
 
 QRect OnScreen(const QRect& place, const QList<QRect>& screens) {
   if (screens.isEmpty()) return place;
+  QRect all;
+  for (const QRect& screen : screens)
+    all |= screen;
+  const bool tooLarge = place.width() > all.width() || place.height() > all.height();
   const QRect handle(place.left(), place.top(), place.width(), kHandleHeight_px);
   for (const QRect& screen : screens) {
     const QRect visible = handle & screen;
-    if (visible.width() >= std::min(kHandleWidth_px, place.width()) && visible.height() == kHandleHeight_px)
+    if (!tooLarge && visible.width() >= std::min(kHandleWidth_px, place.width()) &&
+        visible.height() == kHandleHeight_px)
       return place;
   }
   const QRect& screen = screens.first();
-  const QSize size = place.size().boundedTo(screen.size());
+  const QSize size = place.size().boundedTo(screen.size() - QSize(kFrameWidth_px, kFrameHeight_px));
   const int left = std::clamp(place.left(), screen.left(), screen.right() + 1 - size.width());
   const int top = std::clamp(place.top(), screen.top(), screen.bottom() + 1 - size.height());
   return {QPoint(left, top), size};

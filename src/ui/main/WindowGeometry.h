@@ -19,9 +19,9 @@ inline constexpr double kTwipsPerInch = 1440;
 
 void SaveGeometry(platform::SettingsStore& store, const QRect& place, double dpi);
 
-/// `place` moved, and made smaller if need be, until it lies on one of the screens; unchanged when enough of
-/// its upper edge to take hold of lies on one already. `screens` are the areas that windows may use; the
-/// first is the main one.
+/// `place` moved, and made smaller if need be, until it lies on one of the screens with its frame; unchanged
+/// when enough of its upper edge to take hold of lies on one already and it is not larger than all of them.
+/// `screens` are the areas that windows may use; the first is the main one.
 [[nodiscard]] QRect OnScreen(const QRect& place, const QList<QRect>& screens);
 
 }  // namespace kalivor::ui

@@ -10,7 +10,7 @@
 namespace kalivor::cli {
 
 /// Columns are separated by TAB, lines end with LF; TAB, CR, LF and backslash inside a text are written as
-/// \t \r \n \\.
+/// a backslash and t, r, n or a second backslash.
 [[nodiscard]] QString VersionsText(const Module1& module);
 [[nodiscard]] QString PlantsText(Core& core);
 [[nodiscard]] QString ParametersText(const Module1& module);

@@ -21,7 +21,8 @@ QIcon IconOf(const QString& name, const Sizes& sizes) {
   LinkPictures();
   QIcon icon;
   for (const int size : sizes)
-    icon.addFile(u":/kalivor/%1-%2.png"_s.arg(name).arg(size), QSize(size, size));
+    // Without a size the picture is not unpacked before a window needs it.
+    icon.addFile(u":/kalivor/%1-%2.png"_s.arg(name).arg(size));
   return icon;
 }
 

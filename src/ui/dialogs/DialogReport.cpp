@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QScrollBar>
 #include <QWindow>
+#include <utility>
 
 #include "platform/qt/FixedFont.h"
 #include "platform/qt/ShownText.h"
@@ -94,6 +95,7 @@ void DialogReport::WaitUntilShown() {
 }
 
 void DialogReport::Clear() {
+  continued_.clear();
   textBox_->clear();
 }
 
@@ -105,16 +107,25 @@ void DialogReport::Append(QTextCursor& cursor, const QString& text) {
 
 // Only the end of the text is touched, so that long reports grow as fast as short ones.
 void DialogReport::AppendLine(const QString& text) {
+  TakeContinued();
   QTextCursor cursor(textBox_->document());
   cursor.movePosition(QTextCursor::End);
   Append(cursor, text + u'\n');
 }
 
+// Dots come more often than they are painted, and each would have its whole line laid out anew.
 void DialogReport::ContinueLine(const QString& text) {
+  if (continued_.isEmpty())
+    QMetaObject::invokeMethod(this, &DialogReport::TakeContinued, Qt::QueuedConnection);
+  continued_ += text;
+}
+
+void DialogReport::TakeContinued() {
+  if (continued_.isEmpty()) return;
   QTextCursor cursor(textBox_->document());
   cursor.movePosition(QTextCursor::End);
   cursor.movePosition(QTextCursor::PreviousCharacter);
-  Append(cursor, text);
+  Append(cursor, std::exchange(continued_, {}));
 }
 
 void DialogReport::SetOkEnabled(bool enabled) {

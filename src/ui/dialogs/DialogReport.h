@@ -36,8 +36,10 @@ class DialogReport final : public QDialog, public ReportView {
  private:
   void WaitUntilShown();
   void Append(QTextCursor& cursor, const QString& text);
+  void TakeContinued();
 
   const QWidget* owner_ = nullptr;
+  QString continued_;  // belongs to the end of the last line, is shown with the next pass of events
   QPlainTextEdit* textBox_;
   QPushButton* command_Abbruch_;
   QPushButton* commandPrint_;

@@ -258,8 +258,9 @@ class Session {
     (void)controller_.Configure(kSlot, kSettings9600);
     const TransferOutcome outcome = ReportedTransfer(command);
     if (arguments_.json) {
-      world_.out
-          << CompareJson(report_.Text(), outcome.walk.failures, outcome.transferred).toJson().toStdString();
+      world_.out << CompareJson(report_.Text(), view_.Begun(), outcome.walk.failures, outcome.transferred)
+                        .toJson()
+                        .toStdString();
     }
     if (!outcome.transferred) return kNoTransfer;
     return outcome.walk.failures > 0 || outcome.walk.deviations > 0 ? kFindings : kDone;

@@ -166,15 +166,13 @@ QJsonDocument ValueFileJson(const ValueFileContent& content) {
                                    {u"records"_s, records}});
 }
 
-QJsonDocument CompareJson(const QString& report, int failures, bool transferred) {
+QJsonDocument CompareJson(const QString& report, const QStringList& begun, int failures, bool transferred) {
   const QString change = u"Änderung bei: "_s;
   const QString pc = u"   PC    : "_s;
   const QString controller = u"   Regler: "_s;
-  QJsonArray lines;
   QJsonArray deviations;
   QJsonObject deviation;
-  for (const QString& line : report.split(u"\r\n"_s, Qt::SkipEmptyParts)) {
-    lines.append(line);
+  for (const QString& line : begun) {
     if (line.startsWith(change)) deviation = {{u"Name"_s, line.sliced(change.size())}};
     if (line.startsWith(pc)) deviation.insert(u"PC"_s, line.sliced(pc.size()));
     if (line.startsWith(controller)) {
@@ -182,10 +180,11 @@ QJsonDocument CompareJson(const QString& report, int failures, bool transferred)
       deviations.append(deviation);
     }
   }
-  return QJsonDocument(QJsonObject{{u"transferred"_s, transferred},
-                                   {u"failures"_s, failures},
-                                   {u"deviations"_s, deviations},
-                                   {u"lines"_s, lines}});
+  return QJsonDocument(
+      QJsonObject{{u"transferred"_s, transferred},
+                  {u"failures"_s, failures},
+                  {u"deviations"_s, deviations},
+                  {u"lines"_s, QJsonArray::fromStringList(report.split(u"\r\n"_s, Qt::SkipEmptyParts))}});
 }
 
 }  // namespace kalivor::cli

@@ -23,7 +23,9 @@ namespace kalivor::cli {
 [[nodiscard]] QJsonDocument ParametersJson(const Module1& module);
 [[nodiscard]] QJsonDocument ValueFileJson(const ValueFileContent& content);
 
-/// A report of a comparison, its lines separated by CR LF.
-[[nodiscard]] QJsonDocument CompareJson(const QString& report, int failures, bool transferred);
+/// A comparison: its report, with lines separated by CR LF, and the lines as they were `begun`, before
+/// progress put its dots behind them.
+[[nodiscard]] QJsonDocument CompareJson(const QString& report, const QStringList& begun, int failures,
+                                        bool transferred);
 
 }  // namespace kalivor::cli

@@ -211,6 +211,8 @@ TEST_F(CliTest, CompareAsJsonPrintsNothingElse) {
   ASSERT_EQ(result[u"deviations"_s].toArray().size(), 1);
   EXPECT_EQ(result[u"deviations"_s].toArray()[0].toObject()[u"Name"_s], u"Drehzahl"_s);
   EXPECT_EQ(result[u"deviations"_s].toArray()[0].toObject()[u"PC"_s], u"   150.0 "_s);
+  EXPECT_EQ(result[u"deviations"_s].toArray()[0].toObject()[u"Regler"_s], u"   150.1 "_s)
+      << "the dots of progress are not part of the value";
   EXPECT_EQ(result[u"lines"_s].toArray().last(), u"Vergleich beendet"_s);
 }
 

@@ -319,6 +319,8 @@ int Run(const QStringList& list, World& world) {
     return kUnanswered;
   } catch (const RuntimeError& error) {
     world.err << error.Description().toStdString() << '\n';
+  } catch (const std::bad_alloc&) {
+    world.err << "Der Arbeitsspeicher reicht nicht aus.\n";
   }
   return kBadInput;
 }

@@ -7,6 +7,7 @@
 #include "cli/Arguments.h"
 #include "cli/Cli.h"
 #include "platform/plain/IniSettingsStore.h"
+#include "platform/posix/LastResort.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SerialDevices.h"
@@ -34,6 +35,7 @@ bool WantsToPrint(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace kalivor;
+  std::set_terminate(platform::LastResort<cli::kNoTransfer>);
   std::signal(SIGINT, OnInterrupt);
   // Only printing needs fonts; everything else starts quicker without them.
   std::unique_ptr<QCoreApplication> application;

@@ -1,5 +1,7 @@
 #include "commands/TransferCommands.h"
 
+#include <new>
+
 #include "base/Numbers.h"
 #include "core/Busy.h"
 #include "core/Questions.h"
@@ -121,6 +123,9 @@ TransferOutcome RunTransfer(Core& core, const QString& started, const QString& f
     outcome.transferred = outcome.transferred && done;
     core.report.Add(done ? finished : aborted);
   } catch (const RuntimeError&) {
+    core.report.Add(aborted);
+    throw;
+  } catch (const std::bad_alloc&) {
     core.report.Add(aborted);
     throw;
   }

@@ -13,6 +13,7 @@
 #include "kalivor/Arguments.h"
 #include "kalivor/Demo.h"
 #include "platform/plain/IniSettingsStore.h"
+#include "platform/posix/LastResort.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SerialDevices.h"
@@ -172,6 +173,7 @@ int RunProgram(QApplication& application, Process& process, const ui::RunSetting
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::set_terminate(platform::LastResort<EXIT_FAILURE>);
   QStringList words;
   for (int i = 1; i < argc; ++i)
     words.append(QString::fromLocal8Bit(argv[i]));

@@ -2,6 +2,7 @@
 #include <QCoreApplication>
 #include <iostream>
 
+#include "platform/posix/LastResort.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "sim/Program.h"
 #include "sim/PtyLine.h"
@@ -17,6 +18,7 @@ void Write(std::ostream& stream, const QString& line) {
 
 int main(int argc, char** argv) {
   using namespace kalivor;
+  std::set_terminate(platform::LastResort<sim::kBadInput>);
   const int stop = sim::StopSignalDescriptor();
   if (stop < 0) return sim::kBadInput;
   const QCoreApplication application(argc, argv);

@@ -18,9 +18,11 @@ namespace kalivor::test {
 class FakeTree final : public platform::PlainTreeView {
  public:
   int rebuilt = 0;
+  std::function<void()> onRebuild;  ///< runs while the tree is being rebuilt
 
   void Clear() override {
     ++rebuilt;
+    if (onRebuild) onRebuild();
     PlainTreeView::Clear();
   }
 

@@ -111,7 +111,7 @@ TEST(ParseDefinition, WithAddressListTheIndexOfColumn9IsTheOffset) {
       {u"integer"_s, u"abc[3]"_s, 0},  {u"string4"_s, u"abc[3]"_s, 0}, {u"int"_s, u"abc"_s, 0},
       {u"int"_s, u"abc]"_s, 0},        {u"int"_s, u"abc[3].x"_s, 0},   {u"int"_s, u"a[1][2]"_s, 4},
       {u"int"_s, u"abc[]"_s, 0},       {u"int"_s, u"abc[x]"_s, 0},     {u"int"_s, u"abc[-2]"_s, -4},
-      {u"char"_s, u"abc[&H10]"_s, 16}, {u"int"_s, u"abc[2.5]"_s, 4},
+      {u"char"_s, u"abc[&H10]"_s, 16}, {u"int"_s, u"abc[2.5]"_s, 4},   {u"int"_s, u"[3]"_s, 6},
   };
   for (const auto& example : cases) {
     QString line = LineWith(9, example.expression);

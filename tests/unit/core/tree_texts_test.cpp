@@ -1,6 +1,8 @@
 // The parameter tree: lines in columns, what is shown, keys, groups, marks.
 #include "core/TreeTexts.h"
 
+#include <optional>
+
 #include "fakes/Installation.h"
 
 namespace kalivor::test {
@@ -190,6 +192,21 @@ TEST(BuildTree, EveryChangeOfTheGroupStartsANewOne) {
   EXPECT_EQ(tree.LastChild(1), 7);
   EXPECT_EQ(tree.FirstChild(2), 3);
   EXPECT_EQ(tree.LastChild(2), 4);
+}
+
+// Selecting nodes while they are made must not look like the user's doing.
+TEST(BuildTree, MarksTheTreeAsChangedByTheProgramMeanwhile) {
+  Grouped site({u"A"_s});
+  std::optional<qint16> meanwhile;
+  bool visible = true;
+  site.main.tree.onRebuild = [&] {
+    meanwhile = site.module.TreeUpdating;
+    visible = site.main.tree.Visible();
+  };
+  BuildTree(site.core);
+  EXPECT_EQ(meanwhile, kTrue);
+  EXPECT_FALSE(visible);
+  EXPECT_EQ(site.module.TreeUpdating, kFalse);
 }
 
 TEST(BuildTree, ParametersWithoutAGroupStandUnderTheRootAtFirst) {

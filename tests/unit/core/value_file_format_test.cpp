@@ -20,6 +20,11 @@ QByteArray OldFile(qint32 value, int others) {
   return image;
 }
 
+TEST(ComposeRecord, CutsWhatIsLongerThanItsField) {
+  const QByteArray record = ComposeRecord(1, QString(21, u'x'), QString(31, u'n'), u"string123"_s);
+  EXPECT_EQ(record, QByteArray("\x01\0\0\0", 4) + QByteArray(20, 'x') + QByteArray(30, 'n') + "string12");
+}
+
 TEST(ParseValueFile, ReadsTheCurrentLayout) {
   const QByteArray image = Current(3, {}, u"AB1-123.4"_s, {}) + Current(-2, {}, u"_abc"_s, u"long"_s) +
                            Current(0, u"Öl AB"_s, u"AVariableOfThirtyCharacters_30"_s, u"string8"_s);

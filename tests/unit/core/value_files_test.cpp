@@ -462,6 +462,13 @@ TEST_F(ValueFiles, ChoosingTheVersionOfTheFileLoadsItsDefinitionsFirst) {
   EXPECT_TRUE(Rests());
 }
 
+TEST_F(ValueFiles, TheFileMayBelongToTheFirstVersionOfTheTable) {
+  main.versions.Select(1);
+  choice.answers = {2};
+  EXPECT_TRUE(Load(Current(1, {}, kVersion, {})));
+  EXPECT_EQ(main.versions.Position(), 0);
+}
+
 TEST_F(ValueFiles, OfEqualEntriesInTheVersionListTheFirstIsMeant) {
   SetVersions({u"V1  -  A.TXT  -  WR"_s, u"V2  -  A.TXT  -  WR"_s, u"V2  -  B.TXT  -  WR"_s});
   Refresh(core, 5);

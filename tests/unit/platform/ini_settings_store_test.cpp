@@ -138,6 +138,14 @@ TEST_F(IniSettingsStoreTest, FilesOfTheLibraryAreUnderstood) {
   }
 }
 
+// They could not be told from others when the file is written again.
+TEST_F(IniSettingsStoreTest, NamesThatTheProgramNeverWritesAreLeftOut) {
+  WriteFile("[Ports/=x]\nCOM1=1\n[Settings]\nA/B=2\n=3\nAdresse=17\n");
+  EXPECT_EQ(IniSettingsStore(path).Get(u"Ports/=x"_s, u"COM1"_s, u"none"_s), u"none"_s);
+  EXPECT_EQ(ReadAnew(u"A/B"_s, u"none"_s), u"none"_s);
+  EXPECT_EQ(ReadAnew(u"Adresse"_s), u"17"_s);
+}
+
 TEST_F(IniSettingsStoreTest, SectionsOfOthersStay) {
   WriteFile("alone=1\n[Ports]\nCOM1=/dev/ttyS0\n\n[Settings]\nAdresse=17\n");
   SaveAndEnd(u"Adresse"_s, u"18"_s);

@@ -463,9 +463,9 @@ TEST(OnScreen, APlaceOnAScreenStays) {
 
 TEST(OnScreen, APlaceThatCannotBeReachedIsMoved) {
   const QList<QRect> screens{QRect(0, 20, 1280, 1000)};
-  EXPECT_EQ(ui::OnScreen({5000, 100, 433, 433}, screens), QRect(847, 100, 433, 433));
+  EXPECT_EQ(ui::OnScreen({5000, 100, 433, 433}, screens), QRect(831, 100, 433, 433));
   EXPECT_EQ(ui::OnScreen({-2000, -2000, 433, 433}, screens), QRect(0, 20, 433, 433));
-  EXPECT_EQ(ui::OnScreen({100, 1010, 433, 433}, screens), QRect(100, 587, 433, 433));
+  EXPECT_EQ(ui::OnScreen({100, 1010, 433, 433}, screens), QRect(100, 547, 433, 433));
   EXPECT_EQ(ui::OnScreen({-420, 100, 433, 433}, screens), QRect(0, 100, 433, 433))
       << "too little to take hold of";
 }

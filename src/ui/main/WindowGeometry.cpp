@@ -18,7 +18,7 @@ constexpr double kLargest_px = 30000;
 // What must be visible of a window's upper edge, so that it can be taken hold of.
 constexpr int kHandleWidth_px = 100;
 constexpr int kHandleHeight_px = 30;
-// Left free for the frame of a window that would fill the screen. How large it is shows too late.
+// Left free for the frame, which is not part of a window's size. How large it is shows too late.
 constexpr int kFrameWidth_px = 16;
 constexpr int kFrameHeight_px = 40;
 
@@ -65,10 +65,10 @@ QRect OnScreen(const QRect& place, const QList<QRect>& screens) {
         visible.height() == kHandleHeight_px)
       return place;
   }
-  const QRect& screen = screens.first();
-  const QSize size = place.size().boundedTo(screen.size() - QSize(kFrameWidth_px, kFrameHeight_px));
-  const int left = std::clamp(place.left(), screen.left(), screen.right() + 1 - size.width());
-  const int top = std::clamp(place.top(), screen.top(), screen.bottom() + 1 - size.height());
+  const QRect room = screens.first().adjusted(0, 0, -kFrameWidth_px, -kFrameHeight_px);
+  const QSize size = place.size().boundedTo(room.size());
+  const int left = std::clamp(place.left(), room.left(), room.right() + 1 - size.width());
+  const int top = std::clamp(place.top(), room.top(), room.bottom() + 1 - size.height());
   return {QPoint(left, top), size};
 }
 

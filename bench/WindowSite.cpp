@@ -1,0 +1,37 @@
+#include "WindowSite.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::bench {
+
+WindowSite::WindowSite(int parameters) {
+  files.definitions = DefinitionFile(parameters);
+  ui::RunSettings run;
+  run.iniPath = u"bench"_s;
+  desktop = std::make_unique<ui::Desktop>(ui::World{settings,
+                                                    box,
+                                                    files,
+                                                    line,
+                                                    clock,
+                                                    events,
+                                                    u"bench"_s,
+                                                    {},
+                                                    [](const QString&) {},
+                                                    dialogs,
+                                                    help,
+                                                    [](int) { return QString(); },
+                                                    [] {}},
+                                          run);
+  desktop->Start();
+  desktop->Show();
+  QApplication::processEvents();
+}
+
+void WindowSite::Repaint() {
+  QApplication::processEvents();
+  desktop->main.repaint();
+}
+
+}  // namespace kalivor::bench

@@ -1,0 +1,91 @@
+// Files, tables and the report's rules, without windows.
+#include <benchmark/benchmark.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "Site.h"
+#include "core/DefinitionFiles.h"
+#include "core/Refresh.h"
+#include "core/TreeTexts.h"
+#include "core/ValueFiles.h"
+#include "platform/posix/PosixFileSystem.h"
+
+namespace kalivor::bench {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// Before the site, which connects itself with the line.
+struct NoWorld {
+  NoLine noLine;
+  PauselessClock clock;
+};
+
+// A site that reads its definitions from real files, as the program does.
+struct FileSite : NoWorld, Site {
+  FileSite(int parameters, int addressLines) : Site(noLine, clock) {
+    Write(u"VF.INI"_s, VersionTable(addressLines > 0));
+    Write(u"DEF.TXT"_s, DefinitionFile(parameters));
+    if (addressLines > 0) Write(u"LIST.ADR"_s, AddressList(addressLines));
+    module.Inipath = folder.path();
+    Refresh(onDisk, 5);
+    Refresh(onDisk, 4);
+  }
+
+  void Write(const QString& name, const QByteArray& content) const {
+    QFile file(folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) std::abort();
+  }
+
+  QTemporaryDir folder;
+  platform::PosixFileSystem disk;
+  Core onDisk{module, main, report, choice, editors, box, disk, events, controller};
+};
+
+void DefinitionFiles(benchmark::State& state) {
+  FileSite site(static_cast<int>(state.range(0)), 0);
+  for (auto _ : state)
+    ReadDefinitions(site.onDisk);
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(DefinitionFiles)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+void AddressLists(benchmark::State& state) {
+  FileSite site(kLastParameter, static_cast<int>(state.range(0)));
+  for (auto _ : state)
+    ReadAddressList(site.onDisk);
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(AddressLists)->Arg(1000)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Complexity(benchmark::oN);
+
+struct ValueSite : NoWorld, Site {
+  explicit ValueSite(int parameters) : Site(noLine, clock) {
+    files.definitions = DefinitionFile(parameters);
+    Start();
+    WriteValueFile(core);
+  }
+};
+
+void ValueFileWriting(benchmark::State& state) {
+  ValueSite site(static_cast<int>(state.range(0)));
+  for (auto _ : state)
+    WriteValueFile(site.core);
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(ValueFileWriting)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+// With the rebuilding of a tree without window.
+void ValueFileReading(benchmark::State& state) {
+  ValueSite site(static_cast<int>(state.range(0)));
+  for (auto _ : state)
+    ReadValueFile(site.core);
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(ValueFileReading)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+}  // namespace
+}  // namespace kalivor::bench
+
+BENCHMARK_MAIN();

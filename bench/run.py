@@ -1,0 +1,367 @@
+#!/usr/bin/env python3
+"""Measures the work of the programs against floors and peers of the same run, and prints one table.
+
+usage: script/bench [OPTION…] [SECTION…]
+  SECTION        exchange, files, start, windows, waiting, transfers or counts (default: all)
+  --quick        shorter transfers and fewer rounds
+  --count N      parameters of a transfer (default: 200)
+  --markdown     the table as Markdown
+  --check        only compare the counts of instructions and of heap requests with bench/baseline.json: exit
+                 status 1 when one has grown by more than 10 %
+  --record       write the counts into bench/baseline.json
+
+The exit status of a full run is 1 when an aim was missed.
+"""
+import argparse
+import json
+import os
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+import line
+import window
+
+GROWTH = 1.10
+LINEAR = 1.5
+WORKS = {"start": "start of the window", "receive": "receiving 2000 parameters", "tree": "rebuilding the tree 10 times"}
+BASELINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "baseline.json")
+
+
+class Table:
+    """The rows so far."""
+
+    HEADING = ("work", "floor or peer", "ours", "ratio", "aim", "met")
+
+    def __init__(self):
+        self.rows = []
+        self.missed = False
+
+    def add(self, work, floor, ours, ratio="", aim="", met=None):
+        self.rows.append((work, floor, ours, ratio, aim, "" if met is None else "yes" if met else "NO"))
+        self.missed = self.missed or met is False
+        print(f"  {work}: {ours}", file=sys.stderr, flush=True)
+
+    def print(self, markdown):
+        rows = [self.HEADING, *self.rows]
+        widths = [max(len(row[i]) for row in rows) for i in range(len(self.HEADING))]
+        edge = "| " if markdown else ""
+        for number, row in enumerate(rows):
+            cells = (" | " if markdown else "  ").join(cell.ljust(width) for cell, width in zip(row, widths))
+            print(edge + cells + (" |" if markdown else ""))
+            if number == 0 and markdown:
+                print("|" + "|".join("-" * (width + 2) for width in widths) + "|")
+
+
+def google_benchmark(program, *options):
+    """The best time in milliseconds and the further results of each benchmark, and the fits."""
+    command = [program, "--benchmark_format=json", *options]
+    output = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    best, fits = {}, {}
+    for result in json.loads(output)["benchmarks"]:
+        if result.get("error_occurred"):
+            raise RuntimeError(f"{result['name']}: {result['error_message']}")
+        name = re.sub(r"/(real_time|iterations:\d+)", "", result["run_name"])
+        if result["run_type"] == "aggregate":
+            if result["aggregate_name"] == "BigO":
+                fits.setdefault(name, {})["coefficient"] = result["cpu_coefficient"]
+            elif result["aggregate_name"] == "RMS":
+                fits.setdefault(name, {})["rms"] = result["rms"]
+            continue
+        unit = {"ns": 1e-6, "us": 1e-3, "ms": 1}[result["time_unit"]]
+        entry = dict(result, real=result["real_time"] * unit, cpu=result["cpu_time"] * unit)
+        if name not in best or entry["real"] < best[name]["real"]:
+            entry["cpu"] = min(entry["cpu"], best.get(name, entry)["cpu"])
+            best[name] = entry
+    return best, fits
+
+
+class Bench:
+    def __init__(self, options):
+        self.options = options
+        self.programs = os.path.join(options.build, "src")
+        self.benches = os.path.join(options.build, "bench")
+        self.table = Table()
+
+    def bench(self, name):
+        return os.path.join(self.benches, "bench-" + name)
+
+    # In the process
+
+    def exchange(self):
+        repetitions = 3 if self.options.quick else 9
+        best, _ = google_benchmark(self.bench("exchange"), f"--benchmark_repetitions={repetitions}",
+                                   "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.1")
+        ours, peer, bare = best["ReadInt"], best["Libmodbus"], best["Bare"]
+        ratio = ours["real"] / peer["real"]
+        self.table.add("exchange without pause", f"libmodbus {peer['real'] * 1000:.1f} µs (bare calls "
+                       f"{bare['real'] * 1000:.1f} µs)", f"{ours['real'] * 1000:.1f} µs", f"{ratio:.2f}", "≤ 1.5",
+                       ratio <= 1.5)
+        self.table.add("  heap requests of it", f"libmodbus {peer['heap']:.0f}", f"{ours['heap']:.0f}", "", "0",
+                       ours["heap"] == 0)
+
+    def growth(self, work, best, fits, name, sizes, unit, limits=()):
+        """The fit over all sizes, and the figures that have a limit (size, ms)."""
+        per_item = [best[f"{name}/{size}"]["cpu"] / size for size in sizes]
+        ratio = per_item[-1] / per_item[0]
+        fit = fits[name]
+        self.table.add(f"{work}, {sizes[0]} to {sizes[-1]} {unit}",
+                       f"fit {fit['coefficient'] / 1000:.3f} µs each, off by {fit['rms'] * 100:.0f} %",
+                       f"{best[f'{name}/{sizes[-1]}']['cpu']:.1f} ms", f"{ratio:.2f}", f"growth ≤ {LINEAR}",
+                       ratio <= LINEAR)
+        for size, limit_ms in limits:
+            ours = best[f"{name}/{size}"]["cpu"]
+            self.table.add(f"  {size} {unit}", "", f"{ours:.2f} ms", "", f"≤ {limit_ms} ms", ours <= limit_ms)
+
+    def files(self):
+        best, fits = google_benchmark(self.bench("core"), "--benchmark_repetitions=3", "--benchmark_min_time=0.05")
+        parameters = (250, 500, 1000, 2000)
+        # Start-up reads the definitions twice, in the order of the refresh levels.
+        self.growth("definition file", best, fits, "DefinitionFiles", parameters, "lines", [(2000, 5)])
+        self.growth("address list", best, fits, "AddressLists", (1000, 10000, 100000, 1000000), "lines",
+                    [(100000, 25)])
+        self.growth("value file, writing", best, fits, "ValueFileWriting", parameters, "parameters")
+        self.growth("value file, reading", best, fits, "ValueFileReading", parameters, "parameters")
+
+    def windows(self):
+        best, fits = google_benchmark(self.bench("windows"), "--benchmark_min_time=0.1")
+        parameters = (250, 500, 1000, 2000)
+        self.growth("tree rebuilt and painted", best, fits, "TreeCollapsed", parameters, "parameters", [(2000, 15)])
+        self.growth("the same, expanded", best, fits, "TreeExpanded", parameters, "parameters", [(2000, 15)])
+        self.growth("report, Add", best, fits, "ReportAdd", (1250, 2500, 5000, 10000), "lines")
+        self.growth("report, AddC", best, fits, "ReportAddC", (12500, 25000, 50000, 100000), "dots")
+        for work, name, limit_ms in (("PDF of 60 pages", "Pdf", 200), ("preview, turning a page", "PreviewTurn", 16)):
+            ours = best[name]["cpu"]
+            self.table.add(work, "", f"{ours:.1f} ms", "", f"≤ {limit_ms} ms", ours <= limit_ms)
+
+    # Whole processes
+
+    def start(self):
+        with tempfile.TemporaryDirectory() as folder:
+            line.write_definitions(folder, 2000)
+            programs = {
+                "minimal": [self.bench("minimal-window")],
+                "cutecom": ["cutecom"],
+                "ours": [os.path.join(self.programs, "kalivor"), "--ini-path", folder],
+            }
+            results = {name: [] for name in programs}
+            display = window.Display()
+            try:
+                for number in range(4 if self.options.quick else 12):
+                    for name, command in programs.items():
+                        result = json.loads(display.run(self.bench("watch"), "start", *command))
+                        # The first round brings the files into memory.
+                        if number > 0:
+                            results[name].append(result)
+            finally:
+                display.close()
+        best = {name: min(result["main_ms"] for result in list_) for name, list_ in results.items()}
+        middle = {name: statistics.median(result["main_ms"] for result in list_) for name, list_ in results.items()}
+        first = min(result["first_ms"] for result in results["ours"])
+        self.table.add("start to the drawn main window, 2000 parameters",
+                       f"minimal {best['minimal']:.0f} ms (median {middle['minimal']:.0f})",
+                       f"{best['ours']:.0f} ms (median {middle['ours']:.0f})",
+                       f"{best['ours'] - best['minimal']:+.0f} ms", "≤ +60 ms", best["ours"] - best["minimal"] <= 60)
+        self.table.add("  the same", f"cutecom {best['cutecom']:.0f} ms (median {middle['cutecom']:.0f})",
+                       f"{best['ours']:.0f} ms", f"{best['ours'] / best['cutecom']:.2f}", "≤ 1",
+                       best["ours"] <= best["cutecom"])
+        used = {name: min(result["processor_ms"] for result in list_) for name, list_ in results.items()}
+        self.table.add("  processor time until then", f"minimal {used['minimal']:.0f} ms, cutecom "
+                       f"{used['cutecom']:.0f} ms", f"{used['ours']:.0f} ms",
+                       f"{used['ours'] - used['minimal']:+.0f} ms")
+        self.table.add("  start to the splash screen", "", f"{first:.0f} ms")
+        memory = {name: min(result["memory_KiB"] for result in list_) / 1024 for name, list_ in results.items()}
+        self.table.add("  resident memory after it", f"minimal {memory['minimal']:.0f} MiB, cutecom "
+                       f"{memory['cutecom']:.0f} MiB", f"{memory['ours']:.0f} MiB",
+                       f"{memory['ours'] / memory['minimal']:.2f}")
+
+    def waiting(self):
+        display = window.Display()
+        try:
+            self.dead_line(display)
+            self.question(display)
+        finally:
+            display.close()
+
+    def dead_line(self, display):
+        """Every parameter costs three attempts and adds two lines to the report."""
+        count, attempts = (3 if self.options.quick else 6), 3
+        dead = line.DeadLine()
+        with tempfile.TemporaryDirectory() as folder:
+            line.write_definitions(folder, count)
+            program = window.Program(display, self.programs, folder, dead.device)
+            usage = line.Usage(dead.device)
+            painting = window.Painting(display, self.bench("watch"), "Report")
+            try:
+                program.press(window.RECEIVE)
+                usage.wait_for_closed(1, 20)
+                while len(usage.opened) < 2:
+                    usage.wait(10)
+                # In the middle of the wait for the first parameter's reply.
+                time.sleep(0.05)
+                before = line.processor_s(program.pid)
+                time.sleep(0.3)
+                waiting = line.processor_s(program.pid) - before
+                usage.wait_for_closed(1 + attempts * count, 2 * attempts * count)
+                time.sleep(0.5)
+                painted = painting.times()
+            finally:
+                painting.close()
+                program.close()
+                usage.close()
+                dead.close()
+        latest = 0
+        for number in range(attempts, 1 + attempts * count, attempts):
+            given_up = usage.closed[number]
+            latest = max(latest, min((moment - given_up for moment in painted if moment >= given_up),
+                                     default=float("inf")))
+        self.table.add("dead line: a report line is painted after", "", f"{latest * 1000:.0f} ms", "", "≤ 100 ms",
+                       latest <= 0.1)
+        self.table.add("processor time while an answer is awaited, 0.3 s", "", f"{waiting * 1000:.2f} ms", "",
+                       "nil (≤ 0.5 ms)", waiting <= 0.0005)
+
+    def question(self, display):
+        """Sending to a controller of another version asks what to do."""
+        with tempfile.TemporaryDirectory() as folder:
+            line.write_definitions(folder, 20, ("AB1-123.4", "AB1-124.0"))
+            simulator = line.Simulator(self.programs, folder, 9600, False, "AB1-124.0")
+            program = window.Program(display, self.programs, folder, simulator.device)
+            try:
+                usage = line.Usage(simulator.device)
+                program.press(window.SEND)
+                usage.wait_for_closed(1, 20)
+                time.sleep(2)
+                before = line.processor_s(program.pid)
+                time.sleep(3)
+                waiting = line.processor_s(program.pid) - before
+                usage.wait(0.1)
+                asked = len(usage.closed) == 1 and len(usage.opened) == 1
+                usage.close()
+            finally:
+                program.close()
+                simulator.close()
+        if not asked:
+            raise RuntimeError("The window went on without an answer.")
+        self.table.add("processor time while a question is open, 3 s", "", f"{waiting * 1000:.2f} ms", "",
+                       "nil (≤ 0.5 ms)", waiting <= 0.0005)
+
+    def transfers(self):
+        count = self.options.count or (100 if self.options.quick else 200)
+        display = window.Display()
+        try:
+            with tempfile.TemporaryDirectory() as folder:
+                line.write_definitions(folder, count)
+                for rate in (9600, 19200):
+                    for echo in (False,) if self.options.quick else (False, True):
+                        for name, measure in (("kalivor-cli", self.transfer_cli), ("window", self.transfer_window)):
+                            simulator = line.Simulator(self.programs, folder, rate, echo)
+                            try:
+                                elapsed, processor = measure(display, folder, simulator.device, count, rate)
+                            finally:
+                                simulator.close()
+                            self.add_transfer(f"{name}, {count} at {rate}{' with echo' if echo else ''}", count,
+                                              line.floor_s(count, rate), elapsed, processor)
+        finally:
+            display.close()
+
+    def add_transfer(self, work, count, floor, elapsed, processor):
+        each_ms = processor / count * 1000
+        self.table.add(work, f"{floor:.3f} s", f"{elapsed:.3f} s", f"{elapsed / floor:.4f}", "≤ 1.01",
+                       elapsed / floor <= 1.01)
+        self.table.add("  processor time an exchange", "", f"{each_ms:.3f} ms", f"{processor / elapsed:.2%}",
+                       "≤ 0.5 ms, 1 %", each_ms <= 0.5 and processor / elapsed <= 0.01)
+
+    def transfer_cli(self, display, folder, device, _count, _rate):
+        """From the process's start to its end."""
+        command = [os.path.join(self.programs, "kalivor-cli"), "--ini-path", folder, "--port", device, "receive"]
+        start = time.monotonic()
+        process = subprocess.Popen(command, env=display.environment, stdout=subprocess.DEVNULL)
+        _, status, used = os.wait4(process.pid, 0)
+        elapsed = time.monotonic() - start
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            raise RuntimeError(f"kalivor-cli ended with {process.returncode}.")
+        return elapsed, used.ru_utime + used.ru_stime
+
+    def transfer_window(self, display, folder, device, count, rate):
+        """From the first time that the transfer opens the line to the last time that it closes it, and the pause
+        before."""
+        program = window.Program(display, self.programs, folder, device)
+        usage = line.Usage(device)
+        try:
+            before = line.processor_s(program.pid)
+            program.press(window.RECEIVE)
+            # The search for the rate opens the line for a lost query and to set it.
+            usage.wait_for_closed(count + (3 if rate == 19200 else 1), 30 + 3 * line.floor_s(count, rate))
+            time.sleep(0.2)
+            processor = line.processor_s(program.pid) - before
+        finally:
+            program.close()
+            usage.close()
+        return usage.closed[-1] - usage.opened[0] + line.PAUSE_S, processor
+
+    # Counts
+
+    def count(self, work):
+        with tempfile.TemporaryDirectory() as folder:
+            environment = dict(os.environ, QT_HASH_SEED="0", XDG_CONFIG_HOME=folder, XDG_RUNTIME_DIR=folder,
+                               HOME=folder, LC_ALL="C.UTF-8", QT_ACCESSIBILITY="0")
+            command = [self.bench("work"), work]
+            # The first run fills the fonts' cache.
+            subprocess.run(command, env=environment, check=True, capture_output=True)
+            command = ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out", *command]
+            result = subprocess.run(command, env=environment, check=True, capture_output=True, text=True)
+        return int(re.search(r"Collected : (\d+)", result.stderr)[1])
+
+    def counts(self):
+        with open(BASELINE, encoding="utf-8") as file:
+            baseline = json.load(file)
+        for work, text in WORKS.items():
+            ours, before = self.count(work), baseline[work]
+            self.table.add(f"instructions: {text}", f"before {before / 1e6:.1f} million",
+                           f"{ours / 1e6:.1f} million", f"{ours / before:.3f}", f"≤ {GROWTH:.2f}",
+                           ours <= GROWTH * before)
+        best, _ = google_benchmark(self.bench("exchange"), "--benchmark_filter=ReadInt", "--benchmark_min_time=0.01")
+        heap = best["ReadInt"]["heap"]
+        self.table.add("heap requests of an exchange", "", f"{heap:.0f}", "", "0", heap == 0)
+
+    def record(self):
+        with open(BASELINE, "w", encoding="utf-8") as file:
+            json.dump({work: self.count(work) for work in WORKS}, file, indent=2)
+            file.write("\n")
+
+
+SECTIONS = ("exchange", "files", "windows", "start", "waiting", "transfers", "counts")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("sections", nargs="*", metavar="SECTION")
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--count", type=int)
+    parser.add_argument("--markdown", action="store_true")
+    parser.add_argument("--check", action="store_true")
+    parser.add_argument("--record", action="store_true")
+    parser.add_argument("--build", default="build/release")
+    options = parser.parse_args()
+    unknown = set(options.sections) - set(SECTIONS)
+    if unknown:
+        parser.error("unknown section: " + ", ".join(sorted(unknown)))
+
+    options.build = os.path.abspath(options.build)
+    bench = Bench(options)
+    if options.record:
+        bench.record()
+        return
+    for section in ["counts"] if options.check else options.sections or SECTIONS:
+        print(section, file=sys.stderr, flush=True)
+        getattr(bench, section)()
+    bench.table.print(options.markdown)
+    sys.exit(1 if bench.table.missed else 0)
+
+
+if __name__ == "__main__":
+    main()

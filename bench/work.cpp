@@ -1,0 +1,68 @@
+// Fixed pieces of work, of which script/bench counts the instructions: "start", "receive" or "tree".
+#include <QApplication>
+#include <cstdio>
+#include <string_view>
+
+#include "WindowSite.h"
+#include "commands/TransferCommands.h"
+#include "core/Refresh.h"
+#include "sim/SimulatedLine.h"
+#include "ui/about/frmSplash.h"
+
+namespace kalivor::bench {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+// From the splash screen to the drawn main window.
+bool Start(int argc, char** argv) {
+  const QApplication application(argc, argv);
+  ui::frmSplash splash;
+  splash.ShowNow();
+  WindowSite site(kLastParameter);
+  splash.close();
+  site.Repaint();
+  return site.desktop->module.ParCount == kLastParameter + 1;
+}
+
+// All parameters over a line in virtual time.
+bool ReceiveAll() {
+  PauselessClock clock;
+  sim::Memory memory;
+  sim::Controller station(memory, 1, FixedText<2>(u"WR"_s), *sim::VersionPayload(u"AB1-123.4"_s));
+  sim::Faults faults;
+  sim::LineModel model(station, faults, {});
+  sim::SimulatedLine line(clock, model);
+  Site site(line, clock);
+  site.files.definitions = DefinitionFile(kLastParameter);
+  site.Start();
+  (void)site.controller.Configure(kSlot, kSettings9600);
+  const TransferOutcome outcome = CommandEmpfangen_Click(site.core);
+  return outcome.transferred && outcome.walk.failures == 0;
+}
+
+bool RebuildTree(int argc, char** argv) {
+  constexpr int kTimes = 10;
+  const QApplication application(argc, argv);
+  WindowSite site(kLastParameter);
+  for (int i = 0; i < kTimes; ++i) {
+    Refresh(site.desktop->core, 2);
+    site.Repaint();
+  }
+  return site.desktop->main.Tree().Count() == kLastParameter + kGroups + 1;
+}
+
+}  // namespace
+}  // namespace kalivor::bench
+
+int main(int argc, char** argv) {
+  using namespace kalivor::bench;
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const std::string_view work = argc == 2 ? argv[1] : "";
+  bool done = false;
+  if (work == "start") done = Start(argc, argv);
+  if (work == "receive") done = ReceiveAll();
+  if (work == "tree") done = RebuildTree(argc, argv);
+  if (!done) std::fputs("bench-work: the work was not done\n", stderr);
+  return done ? 0 : 1;
+}

@@ -311,7 +311,7 @@ def run_window(chance, folder, times):
     controller = Controller(folder)
     controller.begin({address(i): standard(i) for i in range(COUNT)}, None)
     outcomes = Outcomes()
-    program = Program(controller.device, folder)
+    program = Program(controller.device, ini_path=folder)
     try:
         program.activate(program.main)
         program.tree.expand_all()

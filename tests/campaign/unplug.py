@@ -283,8 +283,21 @@ def usage_of(process):
     return memory, len(os.listdir(f"/proc/{process}/fd"))
 
 
+def patient(question):
+    """`question` for wait_for: after many rebuilt trees the toolkit gives controls other names on the bus, and one
+    that has just been found may be unknown, or without actions."""
+
+    def ask():
+        try:
+            return question()
+        except (AssertionError, KeyError, AttributeError, ValueError):
+            return None
+
+    return ask
+
+
 def look_again(program):
-    """Finds the controls anew. After many rebuilt trees the toolkit gives some of them another name on the bus."""
+    """Finds the controls anew."""
     program.main = program.window("KALIVOR")
     program._buttons = {button.name: button for button in program.main.find_all("push button")}
     program._state = program.main.find("label", description="Zustand")
@@ -299,6 +312,31 @@ def pressed(program, caption):
         return False
     program.press(caption)
     return True
+
+
+def parameter_rows(program):
+    """The texts of the parameters' rows."""
+    look_again(program)
+    rows = [row.name for row in program.tree.rows()[-COUNT:]]
+    return rows if len(rows) == COUNT and all(row.startswith("Parameter ") for row in rows) else None
+
+
+def ended(program, make_report):
+    """The report's text when the transfer is over."""
+    # One question only while it runs: the program takes half a second for each answer then.
+    if program.state != "Ready":
+        return None
+    text = make_report(program.find_window("Report")).text
+    return text if text.endswith(("beendet\n", "abgebrochen\n")) else None
+
+
+def closed(program, make_report):
+    """Closes the report; true when it is closed and the window ready."""
+    window = program.find_window("Report")
+    if window is not None:
+        make_report(window).button("OK").press()
+        return False
+    return look_again(program)
 
 
 def run_window(chance, folder, times):
@@ -318,17 +356,16 @@ def run_window(chance, folder, times):
         first = None
         for number in range(times):
             command = chance.choice(list(captions))
-            wait_for(lambda: pressed(program, "Standard"), "the standard values")
+            wait_for(patient(lambda: pressed(program, "Standard")), "the standard values")
             same = command == "compare"
             controller.begin({address(i): standard(i) if same else other(i) for i in range(COUNT)}, random_plan(chance))
-            wait_for(lambda: pressed(program, captions[command]), "the start of the transfer")
-            report = wait_for(lambda: Report(program.window("Report")), "the report")
-            text = report.wait_for_end()
+            wait_for(patient(lambda: pressed(program, captions[command])), "the start of the transfer")
+            text = wait_for(patient(lambda: ended(program, Report)), "the end of the transfer")
             controller.end()
             try:
                 failed, finished = check_report(text, *COMMANDS[command])
                 if command == "receive" and finished:
-                    rows = [row.name for row in program.tree.rows()[-COUNT:]]
+                    rows = wait_for(patient(lambda: parameter_rows(program)), "the parameters")
                     for i, row in enumerate(rows):
                         expected = standard(i) if i in failed else other(i)
                         assert re.match(rf"Parameter {i}\.+ +{expected} ", row), row
@@ -336,8 +373,7 @@ def run_window(chance, folder, times):
                     check_controller(controller, failed, finished)
             except AssertionError as error:
                 raise AssertionError(f"transfer {number}, {command}:\n{text}") from error
-            report.close()
-            wait_for(lambda: look_again(program), "the window ready")
+            wait_for(patient(lambda: closed(program, Report)), "the window ready")
             outcomes.note(command, failed, finished, controller.unplugged)
             memory, descriptors = usage_of(program.process.pid)
             if number == min(20, times // 2):
@@ -346,8 +382,8 @@ def run_window(chance, folder, times):
                 assert descriptors <= first[1], f"{descriptors} descriptors instead of {first[1]}"
         # Whatever has happened, a whole transfer goes through now.
         controller.begin({address(i): other(i) for i in range(COUNT)}, None)
-        wait_for(lambda: pressed(program, "Empfangen"), "the start of the transfer")
-        text = wait_for(lambda: Report(program.window("Report")), "the report").wait_for_end()
+        wait_for(patient(lambda: pressed(program, "Empfangen")), "the start of the transfer")
+        text = wait_for(patient(lambda: ended(program, Report)), "the end of the transfer")
         assert text == "Empfangen.." + "." * COUNT + "\nEmpfangen beendet\n", text
         print(f"the window: VmRSS {first[0]} KiB after its first transfers, {memory} KiB at last; "
               f"{first[1]} descriptors, then never more, {descriptors} at last", flush=True)

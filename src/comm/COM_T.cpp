@@ -112,7 +112,7 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   AppendChecksum(frame_, frame_);
   frame_ += kCarriageReturn;
 
-  const QString reply = SendReceive(slot, frame_, wantReply);
+  QString reply = SendReceive(slot, frame_, wantReply);
   if (!wantReply || IsError(reply)) return reply;
   if (reply.size() < 9) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.

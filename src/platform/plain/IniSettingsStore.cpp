@@ -12,7 +12,7 @@ namespace kalivor::platform {
 namespace {
 
 // A settings file holds some hundred bytes; a larger one is something else.
-constexpr qint64 kLargestFile_bytes = 1024 * 1024;
+constexpr qint64 kLargestFile_bytes = qint64{1024} * 1024;
 
 QString OwnFile() {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/KALIVOR/KALIVOR.ini"_s;

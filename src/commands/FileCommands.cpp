@@ -47,8 +47,7 @@ bool OpenValueFile(const FileCommandContext& context, const QString& path) {
 
 void mnuFileOpen_Click(const FileCommandContext& context) {
   if (Busy(context)) return;
-  const QString path =
-      context.CDlg.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kFilter.toString());
+  const QString path = context.CDlg.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kFilter.toString());
   if (!path.isEmpty()) OpenValueFile(context, path);
 }
 

@@ -41,7 +41,9 @@ QString WriteDump(const QString& path, const Memory& memory) {
   QSaveFile file(path);
   const QByteArray text = memory.Dump().toLatin1();
   // Unbuffered: with a buffer a full disk is not told of.
-  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size() && file.commit()) return {};
+  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size() &&
+      file.commit())
+    return {};
   return u"Fehler beim Schreiben von "_s + path + u": "_s + file.errorString();
 }
 

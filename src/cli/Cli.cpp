@@ -1,6 +1,7 @@
 #include "cli/Cli.h"
 
 #include <QScopeGuard>
+#include <optional>
 
 #include "base/Numbers.h"
 #include "cli/Arguments.h"
@@ -248,9 +249,11 @@ class Session {
   // Runs the command; the last line of its report is ended before anything else is written.
   TransferOutcome ReportedTransfer(TransferOutcome (*command)(Core&)) {
     const auto finish = qScopeGuard([this] { view_.Finish(); });
-    TransferOutcome outcome;
+    // Not the outcome itself: gcc 12 has been seen to drop its initial values at -O2 where the command
+    // throws.
+    std::optional<TransferOutcome> outcome;
     RunHandler(box_, [&] { outcome = command(core_); });
-    return outcome;
+    return outcome.value_or(TransferOutcome());
   }
 
   int RunTransfer(TransferOutcome (*command)(Core&)) {

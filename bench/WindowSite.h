@@ -6,6 +6,7 @@
 
 #include "Site.h"
 #include "platform/FileDialogs.h"
+#include "platform/Help.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/qt/QtEvents.h"
@@ -19,6 +20,13 @@ class NoDialogs final : public platform::FileDialogs {
  public:
   [[nodiscard]] QString OpenFile(const QString&, const QString&, const QString&) override { return {}; }
   [[nodiscard]] QString SaveFile(const QString&, const QString&) override { return {}; }
+};
+
+class NoHelp final : public platform::Help {
+ public:
+  [[nodiscard]] QString HelpFile() const override { return {}; }
+  void Open(platform::HelpCommand) override {}
+  void ShowPage(const QString&) override {}
 };
 
 struct WindowSite {
@@ -37,7 +45,7 @@ struct WindowSite {
   platform::SystemClock clock;
   platform::QtEvents events;
   NoDialogs dialogs;
-  platform::NoHelp help;
+  NoHelp help;
   print::NoPrinter printer{print::kLandscape};
   std::unique_ptr<ui::Desktop> desktop;
 };

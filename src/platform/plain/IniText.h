@@ -10,12 +10,12 @@ namespace kalivor::platform {
 /// The values by "section/key"; a key in front of the first section stands alone.
 using IniValues = QMap<QString, QString>;
 
-/// Reads lines of "key=value" in UTF-8. A value may stand in quotes and hold escapes: \a \b \f \n \r \t \v, a
-/// code in hexadecimal (\x41) or octal (\101), or the character itself (\" \\); any other character behind a
-/// backslash is left out. Blanks around a value and beside its commas are dropped outside quotes. "@@" at its
-/// beginning stands for "@", and "@String(text)" for the text. The last value of a key counts. Never fails:
-/// lines that are something else, and sections and keys of other characters than A-Z a-z 0-9 _ - . % and \,
-/// are left out.
+/// Reads lines of "key=value" in UTF-8. A value may stand in quotes and hold escapes as in a C string:
+/// control characters by their letter, codes in hexadecimal or octal, quote and backslash; any other
+/// character behind a backslash is left out. Blanks around a value and beside its commas are dropped outside
+/// quotes. "@@" at its beginning stands for "@", and "@String(text)" for the text. The last value of a key
+/// counts. Never fails: lines that are something else, and sections and keys of other characters than A-Z a-z
+/// 0-9 _ - . % and the backslash, are left out.
 [[nodiscard]] IniValues ReadIni(QByteArrayView bytes);
 
 /// The file that ReadIni() reads as `values`.

@@ -335,6 +335,9 @@ def closed(program, make_report):
     window = program.find_window("Report")
     if window is not None:
         make_report(window).button("OK").press()
+        # A button that is pressed over the bus clicks a tenth of a second later, and begins anew when it is pressed
+        # again before.
+        time.sleep(0.5)
         return False
     return look_again(program)
 

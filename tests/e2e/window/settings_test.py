@@ -117,6 +117,7 @@ class Settings(Scenario):
         os.mkdir(self.file)
         program = self.start()
         self.assert_started(program)
+        program.activate(program.main)
         program.ask_to_close(program.main)
         self.assertEqual(
             program.message(), f"Die Einstellungen konnten nicht gespeichert werden:\n{self.file}"

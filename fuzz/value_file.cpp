@@ -69,7 +69,7 @@ QString WithoutBlanks(QString text) {
 // What the file says, read by its layout: number 4, text 20, name 30 or 20, type 8 bytes.
 struct PlainFile {
   explicit PlainFile(const QByteArray& bytes) {
-    const bool old = (bytes.size() >= 62 && bytes.at(53) != ' ') ||
+    const bool old = (bytes.size() > 53 && bytes.at(53) != ' ') ||
                      (bytes.size() % 62 != 0 && bytes.size() % 52 == 0 && !bytes.isEmpty());
     nameWidth = old ? 20 : 30;
     const int length = 32 + nameWidth;

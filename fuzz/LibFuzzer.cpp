@@ -1,12 +1,30 @@
 // The entry point that libFuzzer calls: one program for each target.
+#include <sys/time.h>
+
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 
 #include "Targets.h"
 
+namespace {
+
+// One input may take a second of processor time. libFuzzer's own limit is one of the clock on the wall, which
+// a busy or sleeping computer breaks without any defect.
+constexpr itimerval kLimit = {.it_interval = {}, .it_value = {.tv_sec = 1, .tv_usec = 0}};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+  std::signal(SIGPROF, [](int) { std::abort(); });
+  return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  setitimer(ITIMER_PROF, &kLimit, nullptr);
   try {
     kalivor::fuzz::KALIVOR_FUZZ_TARGET(QByteArrayView(data, static_cast<qsizetype>(size)));
   } catch (const std::exception& error) {

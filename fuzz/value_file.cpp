@@ -1,5 +1,6 @@
 // Value file: any bytes as the file, read twice; what is saved reads back the same.
 #include <QtEndian>
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -31,29 +32,40 @@ const QString& NameOf(int index) {
 struct Value {
   qint32 number = 0;
   QString text;
-  QString type;
+  FixedText<8> type;
   bool operator==(const Value&) const = default;
 };
-using Values = std::vector<Value>;
+using Values = std::array<Value, kParameters>;
 
 Values ValuesOf(const Module1& module) {
   Values values;
   for (int i = 1; i <= kParameters; ++i)
-    values.push_back({module.Par[i].Wert, module.Par[i].WertText, module.Par[i].Typ.Padded()});
+    values[static_cast<std::size_t>(i - 1)] = {module.Par[i].Wert, module.Par[i].WertText, module.Par[i].Typ};
   return values;
 }
 
+ParameterRecord RecordOf(int index) {
+  ParameterRecord record;
+  // The tree shows one of them: its texts have their own target.
+  record.Zusatz = index == 1 ? u"Luft"_s : u"Wasser"_s;
+  record.Variable = NameOf(index);
+  record.Wert = index;
+  record.WertText = u"alt"_s;
+  record.Typ = index % 3 == 0 ? u"string8"_s : u"int"_s;
+  return record;
+}
+
 void Reset(World& world, quint8 marks) {
+  static const std::array<ParameterRecord, kParameters> records = [] {
+    std::array<ParameterRecord, kParameters> made;
+    for (int i = 1; i <= kParameters; ++i)
+      made[static_cast<std::size_t>(i - 1)] = RecordOf(i);
+    return made;
+  }();
   Module1& module = world.module;
   module.ParCount = kParameters + 1;
   for (int i = 1; i <= kParameters; ++i) {
-    ParameterRecord& record = module.Par[i];
-    // The tree shows one of them: its texts have their own target.
-    record.Zusatz = i == 1 ? u"Luft"_s : u"Wasser"_s;
-    record.Variable = NameOf(i);
-    record.Wert = i;
-    record.WertText = u"alt"_s;
-    record.Typ = i % 3 == 0 ? u"string8"_s : u"int"_s;
+    module.Par[i] = records[static_cast<std::size_t>(i - 1)];
     module.ParNode[i] = (marks >> (i - 1) & 1) != 0 ? kTrue : kFalse;
   }
   world.box.shown = 0;
@@ -130,7 +142,7 @@ void CheckSaving(World& world) {
     const ParameterRecord& record = world.module.Par[index];
     Require(record.Wert == value.number, "a number reads back the same");
     Require(record.WertText == AsStored(value.text, 20), "a text reads back the same");
-    Require(record.Typ.Padded() == value.type, "a type reads back the same");
+    Require(record.Typ == value.type, "a type reads back the same");
   }
   Require(world.module.Par[7].Wert == 7, "a name longer than its field is not found again");
 }

@@ -193,8 +193,8 @@ TEST_F(HostileValueFiles, GigabytesAreNeitherReadNorOverwritten) {
 // --- what is no file ---
 
 TEST_F(HostileValueFiles, AFolder) {
-  ExpectUnreadable(folder.path(), u"Der Pfad ist ein Verzeichnis."_s);
-  ExpectUnwritable(folder.path(), u"Der Pfad ist ein Verzeichnis."_s);
+  ExpectUnreadable(folder.path(), u"Der Pfad ist ein Ordner."_s);
+  ExpectUnwritable(folder.path(), u"Der Pfad ist ein Ordner."_s);
   EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
@@ -235,7 +235,7 @@ TEST_F(HostileValueFiles, ALinkToNothingIsMissingAndIsSavedThrough) {
 
 TEST_F(HostileValueFiles, ALinkIntoAFolderThatIsMissing) {
   const QString link = NewLink(u"missing/target.qpf"_s, u"link.qpf"_s);
-  ExpectUnwritable(link, u"Das Verzeichnis ist nicht vorhanden."_s);
+  ExpectUnwritable(link, u"Der Ordner ist nicht vorhanden."_s);
 }
 
 TEST_F(HostileValueFiles, LinksThatLeadInACircle) {

@@ -11,9 +11,9 @@ namespace {
 QString DescribeEither(int error) {
   switch (error) {
     case ENOTDIR:
-      return u"Ein Teil des Pfades ist kein Verzeichnis."_s;
+      return u"Ein Teil des Pfades ist kein Ordner."_s;
     case EISDIR:
-      return u"Der Pfad ist ein Verzeichnis."_s;
+      return u"Der Pfad ist ein Ordner."_s;
     case ENOTSUP:
       return u"Der Pfad ist keine gewöhnliche Datei."_s;
     case EFBIG:
@@ -66,7 +66,7 @@ QString DescribeReading(int error) {
 QString DescribeWriting(int error) {
   switch (error) {
     case ENOENT:
-      return u"Das Verzeichnis ist nicht vorhanden."_s;
+      return u"Der Ordner ist nicht vorhanden."_s;
     case EACCES:
     case EPERM:
       return u"Keine Berechtigung zum Schreiben der Datei."_s;

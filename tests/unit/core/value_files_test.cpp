@@ -628,7 +628,7 @@ TEST_F(ValueFilesOnDisk, SavesAndLoadsByteForByte) {
 }
 
 TEST_F(ValueFilesOnDisk, RefusesWhatIsNoFile) {
-  ExpectRefused(folder_.path(), u"Der Pfad ist ein Verzeichnis."_s);
+  ExpectRefused(folder_.path(), u"Der Pfad ist ein Ordner."_s);
   ExpectRefused(u"/dev/zero"_s, u"Der Pfad ist keine gewöhnliche Datei."_s);
   ASSERT_EQ(mkfifo(QFile::encodeName(Path(u"pipe"_s)).constData(), 0600), 0);
   ExpectRefused(Path(u"pipe"_s), u"Der Pfad ist keine gewöhnliche Datei."_s);
@@ -661,7 +661,7 @@ TEST_F(ValueFilesOnDisk, AFailedSaveIsReported) {
   const QString path = Path(u"missing/a.qpf"_s);
   EXPECT_FALSE(Save(path));
   EXPECT_EQ(TakeBoxes(box), QStringList{u"Fehler beim schreiben von\r\n"_s + path +
-                                        u"\r\nDas Verzeichnis ist nicht vorhanden."_s});
+                                        u"\r\nDer Ordner ist nicht vorhanden."_s});
 }
 
 }  // namespace

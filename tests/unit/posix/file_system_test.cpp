@@ -51,7 +51,7 @@ class PosixFileSystemTest : public testing::Test {
 
 const QString kNotFound = u"Datei nicht gefunden."_s;
 const QString kSeveral = u"Mehrere Dateien unterscheiden sich nur in der Groß- und Kleinschreibung."_s;
-const QString kDirectory = u"Der Pfad ist ein Verzeichnis."_s;
+const QString kDirectory = u"Der Pfad ist ein Ordner."_s;
 const QString kNoFile = u"Der Pfad ist keine gewöhnliche Datei."_s;
 const QString kDenied = u"Keine Berechtigung zum Lesen der Datei."_s;
 const QString kTooLarge = u"Die Datei ist zu groß."_s;
@@ -124,8 +124,8 @@ TEST_F(PosixFileSystemTest, TellsMissingFiles) {
   EXPECT_EQ(Error(u"missing/def.txt"_s), kNotFound);
   EXPECT_EQ(ErrorOfPath(QString()), kNotFound);
   Write(u"a.txt"_s, "x");
-  EXPECT_EQ(Error(u"a.txt/b"_s), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
-  EXPECT_EQ(Error(u"A.TXT/"_s), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
+  EXPECT_EQ(Error(u"a.txt/b"_s), u"Ein Teil des Pfades ist kein Ordner."_s);
+  EXPECT_EQ(Error(u"A.TXT/"_s), u"Ein Teil des Pfades ist kein Ordner."_s);
 }
 
 TEST_F(PosixFileSystemTest, FindsRelativePaths) {

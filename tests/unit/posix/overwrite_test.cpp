@@ -31,8 +31,8 @@ using test::FileFault;
 using test::HoldsAsOrdinaryUser;
 
 const QString kDenied = u"Keine Berechtigung zum Schreiben der Datei."_s;
-const QString kNoFolder = u"Das Verzeichnis ist nicht vorhanden."_s;
-const QString kDirectory = u"Der Pfad ist ein Verzeichnis."_s;
+const QString kNoFolder = u"Der Ordner ist nicht vorhanden."_s;
+const QString kDirectory = u"Der Pfad ist ein Ordner."_s;
 const QString kNoFile = u"Der Pfad ist keine gewöhnliche Datei."_s;
 const QString kFull = u"Auf dem Datenträger ist kein Platz mehr."_s;
 const QString kTooLarge = u"Die Datei ist zu groß."_s;
@@ -283,8 +283,8 @@ TEST_F(Overwrite, RefusesImpossibleNames) {
   EXPECT_EQ(Save(QString(300, u'x'), "x"), u"Der Dateiname ist zu lang."_s);
   EXPECT_EQ(Save(u"missing/a.qpf"_s, "x"), kNoFolder);
   Write(u"file"_s, "x");
-  EXPECT_EQ(Save(u"file/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
-  EXPECT_EQ(Save(u"FILE/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Verzeichnis."_s);
+  EXPECT_EQ(Save(u"file/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Ordner."_s);
+  EXPECT_EQ(Save(u"FILE/a.qpf"_s, "x"), u"Ein Teil des Pfades ist kein Ordner."_s);
   EXPECT_EQ(Names(), QStringList{u"file"_s});
 }
 

@@ -212,7 +212,7 @@ Parametriert einen Regler über eine serielle Leitung, ohne Fenster.
 
 Befehle:
   versions            Zeilen der Versionstabelle
-  plants              Einträge der Anlagenarten: Position, Text
+  plants              Einträge der Anlagearten: Position, Text
   params              alle Parameter als Tabelle
   tree                der Parameterbaum, wie ihn das Fenster zeigt
   identify            Version des angeschlossenen Reglers
@@ -229,7 +229,7 @@ Optionen (vor oder nach dem Befehl):
   --ini-path ORDNER          Ordner der Versionstabelle und der Definitionsdateien
   --ini-file NAME            Dateiname der Versionstabelle
   --controller TEXT          Reglerversion, genau wie in der Versionstabelle
-  --plant TEXT | '#N'        Anlagenart, als Text oder als Position ab 0
+  --plant TEXT | '#N'        Anlageart, als Text oder als Position ab 0
   --port N | GERÄT           serielle Schnittstelle 1 bis 8 oder ein Gerät
   --address N                Geräteadresse 0 bis 255
   --load DATEI               Wertedatei laden, bevor der Befehl läuft
@@ -246,7 +246,7 @@ Optionen (vor oder nach dem Befehl):
   --page N                   nur diese Seite (print)
   --json                     Ausgabe als JSON (versions, plants, params, show, compare)
   --help                     diese Hilfe
-  --program-version          Version des Programms
+  --program-version          Name und Version des Programms
 
 Rückgabewert: 0 erledigt; 1 erledigt, mit Befund; 2 Eingabe fehlerhaft;
 3 Übertragung nicht zustande gekommen oder abgebrochen; 4 Frage unbeantwortet.

@@ -138,7 +138,7 @@ class Session {
     } else {
       position = Find(list, plant);
     }
-    if (position < 0) throw BadInput{u"Unbekannte Anlagenart: "_s + plant};
+    if (position < 0) throw BadInput{u"Unbekannte Anlageart: "_s + plant};
     return position;
   }
 

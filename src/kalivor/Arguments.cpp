@@ -15,7 +15,7 @@ constexpr QStringView kHelp =
     "  --ini-file NAME   Dateiname der Versionstabelle\n"
     "  --demo            mit einem simulierten Regler am mitgelieferten Beispiel\n"
     "  --help            diese Hilfe\n"
-    "  --program-version Version des Programms\n"
+    "  --program-version Name und Version des Programms\n"
     "\n"
     "Die Optionen gelten für diesen Lauf und werden nicht gespeichert.\n";
 

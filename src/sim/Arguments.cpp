@@ -136,10 +136,10 @@ QString HelpText() {
 Ein simulierter Regler an einem Pseudo-Terminal. Die erste Ausgabezeile nennt das
 Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das Programm.
 
-  --ini-path ORDNER      Ordner der Versionstabelle und der Definitionen
+  --ini-path ORDNER      Ordner der Versionstabelle und der Definitionsdateien
   --ini-file NAME        Dateiname der Versionstabelle (sonst VF.INI)
-  --controller TEXT      Reglerversion, genau wie in der Tabelle (sonst die erste)
-  --link PFAD            symbolischer Link, der auf das Gerät zeigt
+  --controller TEXT      Reglerversion, genau wie in der Versionstabelle (sonst die erste)
+  --link PFAD            symbolische Verknüpfung, die auf das Gerät zeigt
   --address N            Geräteadresse 0 bis 255 (sonst 1)
   --rate 9600|19200      die einzige Baudrate, die der Regler versteht (sonst jede)
   --paced                Zeichen brauchen so lange wie auf einer echten Leitung

@@ -1,9 +1,12 @@
 // What kalivor-sim does from start to end.
 #include "sim/Program.h"
 
+#include <QFileInfo>
 #include <QSaveFile>
+#include <cerrno>
 
 #include "core/ValueFileFormat.h"
+#include "platform/posix/FileErrors.h"
 #include "sim/Arguments.h"
 #include "sim/Controller.h"
 #include "sim/Definitions.h"
@@ -44,7 +47,10 @@ QString WriteDump(const QString& path, const Memory& memory) {
   if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size() &&
       file.commit())
     return {};
-  return u"Fehler beim Schreiben von "_s + path + u": "_s + file.errorString();
+  // The toolkit's own reason would be English. It tells of a folder without asking the system.
+  const int error = errno;
+  return u"Fehler beim Schreiben von "_s + path + u": "_s +
+         platform::DescribeWriting(QFileInfo(path).isDir() ? EISDIR : error);
 }
 
 QString TraceLine(double seconds, const TraceEvent& event) {

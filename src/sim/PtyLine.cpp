@@ -15,19 +15,15 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
+#include "platform/posix/FileErrors.h"
 #include "platform/posix/MonotonicTime.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::sim {
 namespace {
-
-QString SystemError() {
-  return QString::fromLocal8Bit(strerror(errno));
-}
 
 bool MakeRaw(int terminal) {
   termios settings{};
@@ -68,7 +64,7 @@ QString PtyLine::Open() {
     slave_ = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   }
   if (slave_ < 0 || !MakeRaw(slave_)) {
-    QString error = u"Kein Pseudo-Terminal: "_s + SystemError();
+    QString error = u"Kein Pseudo-Terminal (Systemfehler %1)."_s.arg(errno);
     Close();
     return error;
   }
@@ -82,13 +78,14 @@ QString PtyLine::Link(const QString& path) {
   struct stat existing {};
   const bool exists = lstat(name.constData(), &existing) == 0;
   if (exists && !S_ISLNK(existing.st_mode)) {
-    return path + u" ist kein symbolischer Link und wird nicht ersetzt."_s;
+    return path + u" ist keine symbolische Verknüpfung und wird nicht ersetzt."_s;
   }
   // An existing link is replaced by renaming, so that the name always leads somewhere.
   const QByteArray fresh = exists ? name + '.' + QByteArray::number(getpid()) : name;
   if (symlink(device.constData(), fresh.constData()) != 0 ||
       (exists && std::rename(fresh.constData(), name.constData()) != 0)) {
-    QString error = u"Der Link "_s + path + u" kann nicht angelegt werden: "_s + SystemError();
+    QString error =
+        u"Die Verknüpfung "_s + path + u" kann nicht angelegt werden: "_s + platform::DescribeWriting(errno);
     if (exists) unlink(fresh.constData());
     return error;
   }

@@ -222,9 +222,13 @@ TEST_F(ProgramTest, ReportsWhatItCannotReadOrWrite) {
   EXPECT_TRUE(error.All().last().startsWith(u"Fehler beim Lesen der Definitionen: "));
   EXPECT_TRUE(out.All().isEmpty());
 
-  (void)Start({u"--dump"_s, dump});
-  EXPECT_EQ(Stop(), kBadInput);
-  EXPECT_TRUE(error.All().last().startsWith(u"Fehler beim Schreiben von "_s + dump + u": "_s));
+  const std::pair<QString, QString> dumps[] = {{dump, u"Der Ordner ist nicht vorhanden."_s},
+                                               {folder.path(), u"Der Pfad ist ein Ordner."_s}};
+  for (const auto& [path, reason] : dumps) {
+    (void)Start({u"--dump"_s, path});
+    EXPECT_EQ(Stop(), kBadInput);
+    EXPECT_EQ(error.All().last(), u"Fehler beim Schreiben von "_s + path + u": "_s + reason);
+  }
 }
 
 TEST_F(ProgramTest, EndsWithStatus2ForBadOptions) {

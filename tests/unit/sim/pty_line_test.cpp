@@ -234,14 +234,15 @@ TEST_F(PtyLinkTest, RefusesToReplaceAnythingElse) {
   QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   file.close();
-  EXPECT_EQ(line.Link(path), path + u" ist kein symbolischer Link und wird nicht ersetzt."_s);
+  EXPECT_EQ(line.Link(path), path + u" ist keine symbolische Verknüpfung und wird nicht ersetzt."_s);
   line.Close();
   EXPECT_TRUE(QFileInfo(path).isFile());
 }
 
 TEST_F(PtyLinkTest, ReportsAFolderThatDoesNotExist) {
   const QString lost = folder.filePath(u"fehlt/regler"_s);
-  EXPECT_TRUE(line.Link(lost).startsWith(u"Der Link "_s + lost + u" kann nicht angelegt werden: "_s));
+  EXPECT_EQ(line.Link(lost),
+            u"Die Verknüpfung "_s + lost + u" kann nicht angelegt werden: Der Ordner ist nicht vorhanden."_s);
 }
 
 TEST_F(PtyLinkTest, LeavesALinkAloneThatSomebodyElseHasTaken) {

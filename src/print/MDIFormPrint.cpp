@@ -19,6 +19,7 @@ namespace {
 struct Item {
   QStringView key;
   QStringView caption;
+  QStringView spoken = {};  // for screen readers, where the caption is no word
 };
 
 // The blanks at the end are the distances between the buttons.
@@ -27,8 +28,8 @@ constexpr std::array<Item, 7> kButtons{{{u"Drucken", u"Drucken  "},
                                         {u"Ausrichtung", u"Ausrichtung  "},
                                         {u"Format", u"1:2  "},
                                         {u"Abbrechen", u"Schliessen  "},
-                                        {u"back", u"<<           "},
-                                        {u"fwd", u">>           "}}};
+                                        {u"back", u"<<           ", u"Vorige Seite"},
+                                        {u"fwd", u">>           ", u"Nächste Seite"}}};
 constexpr std::array<Item, 3> kScales{{{u"eins", u"1:1"}, {u"zwei", u"1:2"}, {u"vier", u"1:4"}}};
 
 // The page's distance from the edge of the frame: 240 twips.
@@ -69,6 +70,7 @@ MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
   setWindowTitle(u"Print Preview"_s);
   BuildToolbar();
 
+  area_->setAccessibleName(u"Druckvorschau"_s);
   area_->setWidgetResizable(true);
   area_->setBackgroundRole(QPalette::Dark);
   setCentralWidget(area_);
@@ -97,6 +99,7 @@ void MDIFormPrint::BuildToolbar() {
     const QString key = item.key.toString();
     button->setObjectName(key);
     button->setText(item.caption.toString());
+    button->setAccessibleName(item.spoken.toString());
     button->setFocusPolicy(Qt::TabFocus);
     bar->addWidget(button);
     connect(button, &QToolButton::clicked, this, [this, key] { guard_([&] { Toolbar1_ButtonClick(key); }); });

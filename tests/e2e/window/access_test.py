@@ -1,4 +1,5 @@
 """What a screen reader finds: every window by its title, every control by role and name."""
+import os
 import unittest
 
 from Scenario import Scenario
@@ -59,6 +60,27 @@ QUESTION_CONTROLS = [
     (BUTTON, f"PC     (Senden Abbrechen)  : {HZL120}"),
     (BUTTON, f"Regler (Werte neu Einlesen): {LFT205}"),
 ]
+OPTIONS_CONTROLS = {
+    "Schnittstelle": [(LIST, "Schnittstelle")],
+    "Regler": [(LIST, "Geräteadresse")],
+    "Dateien": [(BOX, "Versionstabelle"), (BUTTON, "Browse")],
+}
+EVERY_PAGE_CONTROLS = [("page tab", page) for page in OPTIONS_CONTROLS] + [
+    (BUTTON, "OK"),
+    (BUTTON, "Abbrechen"),
+    (BUTTON, "Übernehmen"),
+]
+PREVIEW_CONTROLS = [
+    ("filler", "Druckvorschau"),
+    ("filler", "Druckseite"),
+    (BUTTON, "Drucken  "),
+    (BUTTON, "Seite Drucken  "),
+    (BUTTON, "Ausrichtung  "),
+    (BUTTON, "1:2  "),
+    (BUTTON, "Schliessen  "),
+    (BUTTON, "Vorige Seite"),
+    (BUTTON, "Nächste Seite"),
+]
 ABOUT_CONTROLS = [
     (LABEL, "KALIVOR"),
     (LABEL, "Parametrierung von Reglern"),
@@ -76,6 +98,9 @@ class Access(Scenario):
         for role in (BUTTON, BOX, "menu item", "tree"):
             for control in window.find_all(role):
                 self.assertTrue(control.name, f"{role} without a name in {window.name!r}")
+        # Their names are what is chosen in them.
+        for control in window.find_all(LIST):
+            self.assertTrue(control.labels, f"{control.name!r} without a label in {window.name!r}")
 
     def menu_items(self, menu):
         return [item.name for item in menu.find_all("menu item")]
@@ -127,6 +152,39 @@ class Access(Scenario):
             editor = program.open_editor(start)
             self.assert_controls(editor, controls)
             self.close(program, editor)
+
+    def test_options(self):
+        program = self.program()
+        program.menu("alt+o", "s")
+        options = program.window("Optionen")
+        for controls in OPTIONS_CONTROLS.values():
+            role, name = controls[0]
+            wait_for(lambda role=role, name=name: options.find_all(role, name), f"the page with {name!r}")
+            self.assert_controls(options, EVERY_PAGE_CONTROLS + controls)
+            keys("ctrl+Tab")
+        self.close(program, options)
+
+    def test_preview(self):
+        # No printing service, and none is searched for in the network.
+        os.environ["CUPS_SERVER"] = "/fehlt/cups.sock"
+        program = self.program()
+        program.menu("ctrl+p")
+        program.window("Drucken").find(BUTTON, "Drucken").press()
+        preview = program.window("Print Preview")
+        self.assert_controls(preview, PREVIEW_CONTROLS)
+        # What is on the page is there to be read, too.
+        page = preview.find("filler", "Druckseite").description
+        self.assertIn("\nHeizkreis 1\n", page)
+        self.assertEqual(preview.find(LABEL, description="Seite").name, "Seite  1 von 3")
+
+    def test_message_box(self):
+        path = "/fehlt/fehlt.qpf"
+        program = self.program_on(self.controller().device)
+        program.menu("ctrl+s")
+        program.choose_file("Speichern", path)
+        box = program.window("KALIVOR", ("alert",))
+        reason = f"Fehler beim schreiben von\n{path}\nDer Ordner ist nicht vorhanden."
+        self.assert_controls(box, [(LABEL, reason), (BUTTON, "OK")])
 
     def test_report_and_question(self):
         program = self.program("--controller", LFT205)

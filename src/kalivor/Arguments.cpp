@@ -10,7 +10,7 @@ namespace {
 constexpr QStringView kHelp =
     u"Aufruf: kalivor [OPTIONEN] [WERTEDATEI.qpf]\n"
     "\n"
-    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8, oder ein Gerät (Pfad), das für sie steht\n"
+    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8 oder ein Gerät (Pfad)\n"
     "  --ini-path ORDNER Ordner der Versionstabelle und der Definitionsdateien\n"
     "  --ini-file NAME   Dateiname der Versionstabelle\n"
     "  --demo            mit einem simulierten Regler am mitgelieferten Beispiel\n"

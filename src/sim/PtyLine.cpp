@@ -25,6 +25,9 @@ using namespace Qt::StringLiterals;
 namespace kalivor::sim {
 namespace {
 
+// How late a sleeper may wake up. So much earlier the clock is watched instead, lest every byte be late.
+constexpr double kWakingUp_s = 80e-6;
+
 bool MakeRaw(int terminal) {
   termios settings{};
   if (tcgetattr(terminal, &settings) != 0) return false;
@@ -108,7 +111,8 @@ PtyLine::End PtyLine::Run(int stopDescriptor) {
 
     std::optional<double> wake = model_.NextTime();
     if (!wake && !exclusiveUseChecked_) wake = lastTraffic_ + staleAfter_s_;
-    const timespec left = platform::ToTimespec(platform::NanosecondsOf(wake.value_or(now) - Seconds()));
+    const double sleep_s = wake.value_or(now) - Seconds() - kWakingUp_s;
+    const timespec left = platform::ToTimespec(platform::NanosecondsOf(sleep_s));
     std::array<pollfd, 2> watched = {{{master_, POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
     if (ppoll(watched.data(), watched.size(), wake ? &left : nullptr, nullptr) < 0 && errno != EINTR) {
       return End::Failed;

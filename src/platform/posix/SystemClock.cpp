@@ -18,11 +18,14 @@ void LowerTimerSlack() {
 double SystemClock::SecondsSinceMidnight() const {
   timespec now{};
   (void)clock_gettime(CLOCK_REALTIME, &now);
-  tm local{};
-  if (localtime_r(&now.tv_sec, &local) == nullptr) return 0;
-  // A leap second belongs to the last second of its minute, so that the day keeps its 86400 seconds.
-  const int second = std::min(local.tm_sec, 59);
-  return local.tm_hour * 3600 + local.tm_min * 60 + second + static_cast<double>(now.tv_nsec) * 1e-9;
+  if (second_ != now.tv_sec) {
+    tm local{};
+    if (localtime_r(&now.tv_sec, &local) == nullptr) return 0;
+    // A leap second belongs to the last second of its minute, so that the day keeps its 86400 seconds.
+    secondOfDay_ = local.tm_hour * 3600 + local.tm_min * 60 + std::min(local.tm_sec, 59);
+    second_ = now.tv_sec;
+  }
+  return secondOfDay_ + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
 void SystemClock::Sleep(double seconds) {

@@ -1,6 +1,9 @@
 // The computer's clock.
 #pragma once
 
+#include <ctime>
+#include <optional>
+
 #include "platform/Clock.h"
 
 namespace kalivor::platform {
@@ -17,6 +20,12 @@ class SystemClock final : public Clock {
 
   /// Signals do not cut the sleep short, and setting the clock does not change it.
   void Sleep(double seconds) override;
+
+ private:
+  // The last second that was asked for, since 1970 and since midnight: the time is asked for many times in
+  // one second, and to find the hour in it takes longer than all the rest.
+  mutable std::optional<std::time_t> second_;
+  mutable int secondOfDay_ = 0;
 };
 
 }  // namespace kalivor::platform

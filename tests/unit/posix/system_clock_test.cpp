@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <utility>
 
 #include "platform/posix/MonotonicTime.h"
 #include "unit/posix/RepeatedSignal.h"
@@ -43,9 +44,7 @@ double SecondsSinceUtcMidnight() {
   return static_cast<double>(now.tv_sec % 86400) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-void ExpectOffset(const char* zone, int offset_s) {
-  const TimeZone set(zone);
-  const SystemClock clock;
+void ExpectOffset(const SystemClock& clock, const char* zone, int offset_s) {
   const double before = SecondsSinceUtcMidnight();
   const double local = clock.SecondsSinceMidnight();
   const double after = SecondsSinceUtcMidnight();
@@ -57,9 +56,21 @@ void ExpectOffset(const char* zone, int offset_s) {
 }
 
 TEST(SystemClock, TellsLocalTimeOfDay) {
-  ExpectOffset("UTC0", 0);
-  ExpectOffset("TST-5:30", 5 * 3600 + 1800);
-  ExpectOffset("TST11", -11 * 3600);
+  for (const auto& [zone, offset_s] :
+       {std::pair("UTC0", 0), std::pair("TST-5:30", 5 * 3600 + 1800), std::pair("TST11", -11 * 3600)}) {
+    const TimeZone set(zone);
+    ExpectOffset(SystemClock(), zone, offset_s);
+  }
+}
+
+// The hour of one second is not that of the next.
+TEST(SystemClock, GoesOnFromSecondToSecond) {
+  const TimeZone set("TST-5:30");
+  SystemClock clock;
+  for (int i = 0; i < 8; ++i) {
+    ExpectOffset(clock, "TST-5:30", 5 * 3600 + 1800);
+    clock.Sleep(0.15);
+  }
 }
 
 TEST(SystemClock, ResolvesMicroseconds) {

@@ -77,8 +77,11 @@ PosixSerialControl::~PosixSerialControl() {
 bool PosixSerialControl::Open(int number, const QString& settings) {
   Close();
   event_ = kCommEventNone;
-  const std::optional<LineSettings> wanted = ParseLineSettings(settings);
-  if (!wanted) return false;
+  if (settings != settings_) {
+    settings_ = settings;
+    parsed_ = ParseLineSettings(settings);
+  }
+  if (!parsed_) return false;
   const QString path = resolver_(number);
   if (path.isEmpty()) return false;
 
@@ -94,13 +97,15 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
 
   port_ = std::move(device);
   isPseudoTerminal_ = IsPseudoTerminal(port_.Get());
-  if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*wanted, present)) {
+  if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*parsed_, present)) {
     Close();
     return false;
   }
   if (!isPseudoTerminal_) LowerLatency();
-  hasParity_ = wanted->HasParity();
+  hasParity_ = parsed_->HasParity();
   lineGone_ = false;
+  unsent_ = false;
+  rts_.reset();
   driverCountsErrors_ = false;
   counted_ = counters_->Read(port_.Get());
   return true;
@@ -131,7 +136,7 @@ void PosixSerialControl::LowerLatency() const {
 void PosixSerialControl::Close() {
   if (!port_.Valid()) return;
   // Without unsent characters there is nothing that closing could wait for.
-  (void)tcflush(port_.Get(), TCIOFLUSH);
+  if (unsent_) (void)tcflush(port_.Get(), TCOFLUSH);
   (void)ioctl(port_.Get(), TIOCNXCL);
   port_.Close();
   output_.resize(0);
@@ -142,14 +147,18 @@ void PosixSerialControl::Close() {
 
 bool PosixSerialControl::SetRts(bool raised) {
   if (!port_.Valid()) return false;
+  if (rts_ == raised) return true;
   const int line = TIOCM_RTS;
-  if (ioctl(port_.Get(), raised ? TIOCMBIS : TIOCMBIC, &line) == 0) return true;
-  return isPseudoTerminal_ && (errno == ENOTTY || errno == EINVAL);
+  const bool done = ioctl(port_.Get(), raised ? TIOCMBIS : TIOCMBIC, &line) == 0 ||
+                    (isPseudoTerminal_ && (errno == ENOTTY || errno == EINVAL));
+  if (done) rts_ = raised;
+  return done;
 }
 
 bool PosixSerialControl::ClearInBuffer() {
   if (!port_.Valid()) return false;
   input_.resize(0);
+  allRead_ = false;
   marks_.Reset();
   return tcflush(port_.Get(), TCIFLUSH) == 0;
 }
@@ -158,7 +167,9 @@ bool PosixSerialControl::ClearOutBuffer() {
   if (!port_.Valid()) return false;
   output_.resize(0);
   sendDoneDue_ = false;
-  return tcflush(port_.Get(), TCOFLUSH) == 0;
+  if (tcflush(port_.Get(), TCOFLUSH) != 0) return false;
+  unsent_ = false;
+  return true;
 }
 
 void PosixSerialControl::SetSThreshold(int characters) {
@@ -183,6 +194,7 @@ void PosixSerialControl::FlushOutput() {
     const ssize_t count =
         write(port_.Get(), output_.constData() + taken, static_cast<size_t>(output_.size() - taken));
     if (count > 0) {
+      unsent_ = true;
       taken += count;
     } else if (count == 0 || errno == EAGAIN) {
       break;
@@ -201,7 +213,9 @@ void PosixSerialControl::ReportSendDone() {
   if (threshold_ <= 0 || !sendDoneDue_ || !output_.isEmpty()) return;
   sendDoneDue_ = false;
   if (event_ == kCommEventNone) event_ = kCommEventSendDone;
+  reportsSent_ = true;
   if (OnComm) OnComm();
+  reportsSent_ = false;
 }
 
 // Takes what one read gives; false when that is nothing.
@@ -216,6 +230,7 @@ bool PosixSerialControl::ReadPiece() {
     lineGone_ = count == 0 || errno != EAGAIN;
     return false;
   }
+  allRead_ = count < static_cast<ssize_t>(sizeof piece);
   NoteMark(marks_.Decode(QByteArrayView(piece, count), input_));
   return true;
 }
@@ -224,6 +239,7 @@ void PosixSerialControl::ReadAll() {
   if (!port_.Valid()) return;
   while (ReadPiece()) {
   }
+  allRead_ = false;
 }
 
 int PosixSerialControl::InBufferCount() {
@@ -232,7 +248,9 @@ int PosixSerialControl::InBufferCount() {
 }
 
 QByteArray PosixSerialControl::Input() {
-  ReadAll();
+  // Characters come one by one as a rule, and behind each of them there is nothing more to read.
+  if (!allRead_) ReadAll();
+  allRead_ = false;
   // A copy, so that both buffers keep their memory from exchange to exchange.
   taken_.resize(0);
   taken_.append(input_.constData(), input_.size());
@@ -242,6 +260,7 @@ QByteArray PosixSerialControl::Input() {
 
 InputWait PosixSerialControl::WaitForInput(double seconds) {
   if (!port_.Valid()) return InputWait::LineGone;
+  allRead_ = false;
   const std::int64_t end_ns = MonotonicNow_ns() + NanosecondsOf(seconds);
   while (input_.isEmpty()) {
     if (lineGone_) return InputWait::LineGone;
@@ -267,7 +286,7 @@ InputWait PosixSerialControl::WaitForInput(double seconds) {
 }
 
 int PosixSerialControl::CommEvent() {
-  if (!port_.Valid()) return event_;
+  if (!port_.Valid() || reportsSent_) return event_;
   if (const int error = NewlyCountedError(); error != kCommEventNone) event_ = error;
   termios attributes{};
   if (tcgetattr(port_.Get(), &attributes) != 0) event_ = kCommEventDeviceControlBlock;
@@ -288,6 +307,7 @@ void PosixSerialControl::NoteMark(MarkedInput::Mark mark) {
 // The error whose counter has moved since the last call. Of several, the one that explains the others: a
 // break also looks like damaged characters.
 int PosixSerialControl::NewlyCountedError() {
+  if (!counted_) return kCommEventNone;
   const std::optional<LineErrorCounts> now = counters_->Read(port_.Get());
   if (!now) return kCommEventNone;
   const LineErrorCounts before = std::exchange(counted_, now).value_or(*now);

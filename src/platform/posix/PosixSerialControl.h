@@ -75,6 +75,10 @@ class PosixSerialControl final : public SerialControl {
   bool isPseudoTerminal_ = false;
   bool hasParity_ = false;
   bool lineGone_ = false;
+  bool allRead_ = false;      // the last wait has found characters, and no more than those in input_
+  bool unsent_ = false;       // the driver may hold characters that have not gone out
+  std::optional<bool> rts_;   // as it was set since Open()
+  bool reportsSent_ = false;  // OnComm is told of kCommEventSendDone
   int event_ = kCommEventNone;
   int threshold_ = 0;
   bool sendDoneDue_ = false;         // something was queued since the last kCommEventSendDone
@@ -85,6 +89,8 @@ class PosixSerialControl final : public SerialControl {
   QByteArray taken_;   // what Input() returned last
   QString path_;       // the device that was opened last, and its name for the system
   QByteArray fileName_;
+  QString settings_;  // the settings that were asked for last, and what they mean
+  std::optional<LineSettings> parsed_;
   MarkedInput marks_;
 };
 

@@ -593,6 +593,25 @@ TEST_F(SerialControlTest, WaitingTakesNoProcessorTime) {
   EXPECT_LT(ProcessorTime_s() - blocked, 0.03);
 }
 
+// Nothing is lost between what the wait has found and what comes behind it.
+TEST_F(SerialControlTest, WhatComesBehindAWaitIsTakenAfterIt) {
+  Open();
+  pty_.Send("a");
+  ASSERT_EQ(control_.WaitForInput(2), InputWait::Input);
+  pty_.Send("b");
+  QByteArray taken = control_.Input();
+  taken += Take(2 - taken.size());
+  EXPECT_EQ(taken, "ab");
+  // Without a wait Input() looks by itself.
+  pty_.Send("c");
+  QByteArray next;
+  for (int i = 0; next.isEmpty() && i < 20'000; ++i) {
+    next = control_.Input();
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+  }
+  EXPECT_EQ(next, "c");
+}
+
 // ---- a line that goes away
 
 TEST_F(SerialControlTest, WaitEndsWhenTheDeviceVanishes) {
@@ -617,6 +636,16 @@ TEST_F(SerialControlTest, DeliversPendingInputBeforeTheEnd) {
   EXPECT_EQ(control_.WaitForInput(kForEver_s), InputWait::Input);
   EXPECT_EQ(control_.Input(), "last words");
   EXPECT_EQ(control_.WaitForInput(kForEver_s), InputWait::LineGone);
+}
+
+// Dropping a line that is down already asks the driver for nothing.
+TEST_F(SerialControlTest, RtsIsSetOnlyWhereItChanges) {
+  Open();
+  ASSERT_TRUE(control_.SetRts(true));
+  pty_.Vanish();
+  EXPECT_TRUE(control_.SetRts(true));
+  EXPECT_FALSE(control_.SetRts(false));
+  EXPECT_FALSE(control_.SetRts(false)) << "what was refused is not taken for done";
 }
 
 TEST_F(SerialControlTest, AVanishedDeviceFailsEverythingAndCanBeClosed) {
@@ -817,6 +846,20 @@ TEST_F(SerialControlTest, AsksTheCountersOnlyWhenNeeded) {
   pty_.Send("y");
   EXPECT_EQ(Take(1), "y");
   EXPECT_EQ(counters_->reads, 1);
+  WatchEvents();
+  control_.SetSThreshold(1);
+  EXPECT_EQ(events_, std::vector<int>{kCommEventSendDone});
+  EXPECT_EQ(counters_->reads, 1) << "all sent is all that this event tells";
+}
+
+// Asked once for each opening: a driver does not begin to count in between.
+TEST_F(SerialControlTest, DoesNotAskAgainWhereNothingIsCounted) {
+  counters_->counts.reset();
+  Open();
+  EXPECT_EQ(control_.CommEvent(), kCommEventNone);
+  EXPECT_EQ(counters_->reads, 1);
+  Open();
+  EXPECT_EQ(counters_->reads, 2);
 }
 
 // A pseudo-terminal's driver does not count.

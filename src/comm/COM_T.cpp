@@ -103,7 +103,6 @@ QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int 
 }
 
 QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
-  host_.Timers().Wait(kPauseTimer);
   frame_.resize(0);
   frame_ += u'#';
   su::AppendHexPad(frame_, host_.Ports[slot].Adr, 2);
@@ -114,6 +113,8 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
 
   QString reply = SendReceive(slot, frame_, wantReply);
   if (!wantReply || IsError(reply)) return reply;
+  // The request is ready by now, so that the line rests no longer than it must.
+  host_.Timers().Wait(kPauseTimer);
   if (reply.size() < 9) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
   if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));

@@ -14,6 +14,9 @@ namespace {
 constexpr QChar kLineFeed = u'\n';
 constexpr QChar kCarriageReturn = u'\r';
 
+// Header, mark, checksum and line end.
+constexpr qsizetype kShortestReply = 9;
+
 // The start character of a request, by which its echo is known.
 QChar EchoStart(qint16 protocol) {
   return protocol == 18 ? QChar(2) : QChar(u'#');
@@ -110,12 +113,12 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   frame_ += body;
   AppendChecksum(frame_, frame_);
   frame_ += kCarriageReturn;
+  // The request is ready by now, so that the line rests no longer than it must.
+  host_.Timers().Wait(kPauseTimer);
 
   QString reply = SendReceive(slot, frame_, wantReply);
   if (!wantReply || IsError(reply)) return reply;
-  // The request is ready by now, so that the line rests no longer than it must.
-  host_.Timers().Wait(kPauseTimer);
-  if (reply.size() < 9) return u"ERROR: unvollständige Antwort: "_s + reply;
+  if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
   if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));
   const QStringView summed = QStringView(reply).chopped(3);
@@ -159,9 +162,12 @@ QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
     QString& reply = reply_;
     reply.resize(0);
     AppendText(reply, line.Input());
+    // What is shorter is no reply, or no more than the echo, behind which the reply is yet to begin.
+    const qsizetype least = reply.startsWith(EchoStart(port.Protokoll)) ? frame.size() + 1 : kShortestReply;
     while (!reply.isEmpty() && reply.back() > kCarriageReturn && bound.Remaining() > 0) {
       const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
-      const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
+      const int missing = static_cast<int>(std::max<qsizetype>(least - reply.size(), 1));
+      const bool gone = line.WaitForInputOf(missing, left) == platform::InputWait::LineGone;
       AppendText(reply, line.Input());
       if (gone || timers.TimerExpired(kReplyTimer)) {
         return WithLineError(u"ERROR: ungültiger Empfang:  ("_s + reply + u")."_s, reply);

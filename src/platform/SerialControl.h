@@ -64,6 +64,13 @@ class SerialControl {
   /// Sleeps in the operating system until a character waits, `seconds` have passed or the device is gone.
   [[nodiscard]] virtual InputWait WaitForInput(double seconds) = 0;
 
+  /// The same for a caller who can do nothing with fewer than `characters` (1 or more): may leave the ones
+  /// before the last unnoticed for as long as they take at the line's rate, and then ends with whatever
+  /// waits. The device being gone, and the end of the time, are noticed at once.
+  [[nodiscard]] virtual InputWait WaitForInputOf(int /*characters*/, double seconds) {
+    return WaitForInput(seconds);
+  }
+
   /// The last event since Open(): a line error if there was one, else kCommEventSendDone or none.
   [[nodiscard]] virtual int CommEvent() = 0;
 

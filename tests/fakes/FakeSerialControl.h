@@ -100,6 +100,7 @@ class FakeSerialControl final : public platform::SerialControl {
   std::vector<OpenRecord> opens;
   std::vector<OutputRecord> outputs;
   std::vector<double> closes_s;  ///< times of closing an open port
+  std::vector<int> wanted;       ///< for how many characters each wait was
   QStringList log;               ///< one line for every operation that changes something
 
   explicit FakeSerialControl(FakeClock& clock) : clock_(clock) {}
@@ -207,6 +208,11 @@ class FakeSerialControl final : public platform::SerialControl {
   }
 
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
+    return WaitForInputOf(1, seconds);
+  }
+
+  [[nodiscard]] platform::InputWait WaitForInputOf(int characters, double seconds) override {
+    wanted.push_back(characters);
     // A transfer that never ends must fail its test, not hang it.
     if (++waits_ > kMostWaits) throw std::runtime_error("the line is waited for without an end");
     const double until_s = clock_.passed + std::max(0.0, seconds);

@@ -103,6 +103,7 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
   }
   if (!isPseudoTerminal_) LowerLatency();
   hasParity_ = parsed_->HasParity();
+  character_ns_ = NanosecondsOf(parsed_->CharacterTime_s());
   lineGone_ = false;
   unsent_ = false;
   rts_.reset();
@@ -258,17 +259,28 @@ QByteArray PosixSerialControl::Input() {
   return taken_;
 }
 
-InputWait PosixSerialControl::WaitForInput(double seconds) {
+InputWait PosixSerialControl::WaitForInputOf(int characters, double seconds) {
   if (!port_.Valid()) return InputWait::LineGone;
   allRead_ = false;
-  const std::int64_t end_ns = MonotonicNow_ns() + NanosecondsOf(seconds);
-  while (input_.isEmpty()) {
+  std::int64_t now_ns = MonotonicNow_ns();
+  const std::int64_t end_ns = now_ns + NanosecondsOf(seconds);
+  // Before this moment no more than the useless ones can have come, and each of them would wake the program.
+  std::int64_t look_ns = now_ns + (characters - 1) * character_ns_;
+  // In the end each character is looked at, so that one that comes in time is not found too late.
+  if (look_ns >= end_ns) look_ns = now_ns;
+  for (; input_.isEmpty(); now_ns = MonotonicNow_ns()) {
     if (lineGone_) return InputWait::LineGone;
-    const short events = output_.isEmpty() ? POLLIN : POLLIN | POLLOUT;
-    pollfd wait{port_.Get(), events, 0};
-    const timespec left = ToTimespec(std::max<std::int64_t>(0, end_ns - MonotonicNow_ns()));
+    const bool looks = now_ns >= look_ns;
+    pollfd wait{port_.Get(), 0, 0};
+    if (looks) wait.events |= POLLIN;
+    if (!output_.isEmpty()) wait.events |= POLLOUT;
+    const timespec left = ToTimespec(std::max<std::int64_t>(0, (looks ? end_ns : look_ns) - now_ns));
     const int ready = ppoll(&wait, 1, &left, nullptr);
-    if (ready == 0) return InputWait::TimedOut;
+    if (ready == 0) {
+      if (looks) return InputWait::TimedOut;
+      ReadPiece();
+      continue;
+    }
     if (ready < 0) {
       // Interrupted by a signal: goes on with the time that is left.
       if (errno == EINTR) continue;

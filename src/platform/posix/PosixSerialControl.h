@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -55,7 +56,8 @@ class PosixSerialControl final : public SerialControl {
   [[nodiscard]] QByteArray Input() override;
 
   /// Sends what is queued meanwhile.
-  [[nodiscard]] InputWait WaitForInput(double seconds) override;
+  [[nodiscard]] InputWait WaitForInput(double seconds) override { return WaitForInputOf(1, seconds); }
+  [[nodiscard]] InputWait WaitForInputOf(int characters, double seconds) override;
   [[nodiscard]] int CommEvent() override;
 
  private:
@@ -72,6 +74,7 @@ class PosixSerialControl final : public SerialControl {
   DeviceResolver resolver_;
   std::unique_ptr<LineErrorCounters> counters_;
   Descriptor port_;
+  std::int64_t character_ns_ = 0;  // the least time between two characters
   bool isPseudoTerminal_ = false;
   bool hasParity_ = false;
   bool lineGone_ = false;

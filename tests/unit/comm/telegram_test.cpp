@@ -192,6 +192,32 @@ TEST_F(Telegram, AReplyMayComeInPieces) {
   EXPECT_NEAR(Lasted_s(), 0.390, kTimeTolerance_s) << "it must be taken as soon as it is complete";
 }
 
+// A reply has nine characters at least; what is behind those can be the end.
+TEST_F(Telegram, AReplyIsNotLookedAtBeforeItCanHaveEnded) {
+  line.Expect(kRead).Reply("1", 10).Reply("0102R").Reply("04").Reply("D").Reply("2").Reply("20").Reply("\r");
+  EXPECT_EQ(Read(), u"04D2"_s);
+  EXPECT_EQ(line.wanted, (std::vector<int>{1, 8, 3, 1, 1, 1, 1}));
+}
+
+TEST_F(Telegram, AnEchoIsNotLookedAtBeforeItCanHaveEnded) {
+  line.Expect(kRead)
+      .Reply("#", 5)
+      .Reply("0102R1F000")
+      .Reply("F")
+      .Reply("\r")
+      .Reply("1")
+      .Reply("0102R04D220\r");
+  EXPECT_EQ(Read(), u"04D2"_s);
+  EXPECT_EQ(line.wanted, (std::vector<int>{1, 13, 3, 2, 1, 8}));
+}
+
+// Too short for a reply, but a line.
+TEST_F(Telegram, AShortLineIsTakenWhenItHasEnded) {
+  line.Expect(kRead).Reply("1", 10).Reply("\r", 5).Reply("0102R04D220\r", 50);
+  EXPECT_EQ(Read(), u"ERROR: unvollständige Antwort: 1\r"_s);
+  EXPECT_NEAR(Lasted_s(), 0.015, kTimeTolerance_s);
+}
+
 TEST_F(Telegram, RawExchangeReturnsTheLineWithItsEnd) {
   line.Expect("xyz").Reply("10102R04D220\r");
   EXPECT_EQ(transport.SendReceive(1, u"xyz"_s, true), u"10102R04D220\r"_s);

@@ -220,6 +220,20 @@ TEST(LineSettings, ReadsTheNotation) {
   }
 }
 
+TEST(LineSettings, TellHowLongACharacterTakes) {
+  struct Row {
+    QStringView text;
+    double bits;
+    double baud;
+  };
+  for (const Row& row :
+       {Row{u"9600,o,7,1", 10, 9600}, Row{u"19200,n,8,1", 10, 19200}, Row{u"300,e,8,2", 12, 300},
+        Row{u"50,s,5,1", 8, 50}, Row{u"4000000,N,6,2", 9, 4000000}}) {
+    EXPECT_DOUBLE_EQ(ParseLineSettings(row.text)->CharacterTime_s(), row.bits / row.baud)
+        << row.text.toUtf8().constData();
+  }
+}
+
 TEST_F(SerialControlTest, RefusesWhatIsNoSerialDevice) {
   QTemporaryDir folder;
   QFile file(folder.filePath(u"file"_s));
@@ -591,6 +605,63 @@ TEST_F(SerialControlTest, WaitingTakesNoProcessorTime) {
   const double blocked = ProcessorTime_s();
   EXPECT_EQ(control_.WaitForInput(0.3), InputWait::TimedOut);
   EXPECT_LT(ProcessorTime_s() - blocked, 0.03);
+}
+
+// At 300 baud a character takes a thirtieth of a second.
+const QString kSlowSettings = u"300,n,8,1"_s;
+
+long Sleeps() {
+  rusage usage{};
+  getrusage(RUSAGE_THREAD, &usage);
+  return usage.ru_nvcsw;
+}
+
+TEST_F(SerialControlTest, AWaitForSeveralCharactersIsNotWokenByEachOfThem) {
+  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
+  std::thread sender([&] {
+    for (const char c : QByteArray("1234567")) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      pty_.Send(QByteArray(1, c));
+    }
+  });
+  const auto start = MonotonicNow_ns();
+  const long before = Sleeps();
+  EXPECT_EQ(control_.WaitForInputOf(11, 60), InputWait::Input);
+  EXPECT_LE(Sleeps() - before, 3);
+  EXPECT_GE(MonotonicNow_ns() - start, 10 * NanosecondsOf(10 / 300.0));
+  sender.join();
+  QByteArray taken = control_.Input();
+  taken += Take(7 - taken.size());
+  EXPECT_EQ(taken, "1234567");
+}
+
+TEST_F(SerialControlTest, AWaitForSeveralCharactersEndsWhenTheDeviceVanishes) {
+  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
+  std::thread unplug([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    pty_.Send("12");
+    pty_.Vanish();
+  });
+  constexpr int kHoursOfCharacters = 1'000'000;
+  while (control_.WaitForInputOf(kHoursOfCharacters, 10 * kForEver_s) == InputWait::Input)
+    (void)control_.Input();
+  EXPECT_EQ(control_.WaitForInputOf(kHoursOfCharacters, 10 * kForEver_s), InputWait::LineGone);
+  unplug.join();
+}
+
+// Else one that comes in time would be found when the time is over.
+TEST_F(SerialControlTest, AWaitThatIsTooShortForAllCharactersEndsWithTheFirst) {
+  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
+  std::thread sender([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    pty_.Send("x");
+  });
+  EXPECT_EQ(control_.WaitForInputOf(1'000'000, kForEver_s), InputWait::Input);
+  EXPECT_EQ(control_.Input(), "x");
+  sender.join();
+  const auto start = MonotonicNow_ns();
+  EXPECT_EQ(control_.WaitForInputOf(1'000'000, 0.02), InputWait::TimedOut);
+  EXPECT_GE(MonotonicNow_ns() - start, NanosecondsOf(0.02));
 }
 
 // Nothing is lost between what the wait has found and what comes behind it.

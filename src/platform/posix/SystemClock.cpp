@@ -9,6 +9,11 @@
 #include "platform/posix/MonotonicTime.h"
 
 namespace kalivor::platform {
+namespace {
+
+constexpr std::int64_t kMostLateness_ns = 80'000;
+
+}  // namespace
 
 void LowerTimerSlack() {
   // 1 ns is the least; 0 would restore the default. Without it sleeps are only less exact.
@@ -30,8 +35,18 @@ double SystemClock::SecondsSinceMidnight() const {
 
 void SystemClock::Sleep(double seconds) {
   if (!(seconds > 0)) return;
-  const timespec end = ToTimespec(MonotonicNow_ns() + NanosecondsOf(seconds));
-  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
+  const std::int64_t start_ns = MonotonicNow_ns();
+  const std::int64_t end_ns = start_ns + NanosecondsOf(seconds);
+  const std::int64_t wake_ns = end_ns - lateness_ns_;
+  if (wake_ns > start_ns) {
+    const timespec wake = ToTimespec(wake_ns);
+    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &wake, nullptr) == EINTR) {
+    }
+    // A running mean; one sleep that was late because the machine was busy must not count for much.
+    const std::int64_t late_ns = std::min(MonotonicNow_ns() - wake_ns, kMostLateness_ns);
+    lateness_ns_ += (late_ns - lateness_ns_) / 8;
+  }
+  while (MonotonicNow_ns() < end_ns) {
   }
 }
 

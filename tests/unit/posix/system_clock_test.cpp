@@ -2,6 +2,7 @@
 #include "platform/posix/SystemClock.h"
 
 #include <sys/prctl.h>
+#include <sys/resource.h>
 
 #include <gtest/gtest.h>
 #include <QByteArray>
@@ -91,6 +92,34 @@ TEST(SystemClock, SleepsAtLeastAsLongAsAsked) {
     clock.Sleep(seconds);
     EXPECT_GE(MonotonicNow_ns() - start, NanosecondsOf(seconds));
   }
+}
+
+// Also when the clock has learned how late sleeps end.
+TEST(SystemClock, SleepsAreNeverTooShort) {
+  SystemClock clock;
+  for (int i = 0; i < 100; ++i) {
+    const double seconds = i % 10 == 0 ? 0.00002 : 0.001;
+    const auto start = MonotonicNow_ns();
+    clock.Sleep(seconds);
+    ASSERT_GE(MonotonicNow_ns() - start, NanosecondsOf(seconds)) << i;
+  }
+}
+
+TEST(SystemClock, SleepingTakesHardlyAnyProcessorTime) {
+  SystemClock clock;
+  rusage before{};
+  getrusage(RUSAGE_THREAD, &before);
+  constexpr int kSleeps = 50;
+  for (int i = 0; i < kSleeps; ++i)
+    clock.Sleep(0.004);
+  rusage after{};
+  getrusage(RUSAGE_THREAD, &after);
+  const auto used_us = [](const rusage& usage) {
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1'000'000 + usage.ru_utime.tv_usec +
+           usage.ru_stime.tv_usec;
+  };
+  // A twentieth of the time would be 10 ms.
+  EXPECT_LT(used_us(after) - used_us(before), 10'000);
 }
 
 TEST(SystemClock, SignalsDoNotCutASleepShort) {

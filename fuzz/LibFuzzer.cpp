@@ -19,7 +19,7 @@ constexpr itimerval kLimit = {.it_interval = {}, .it_value = {.tv_sec = 1, .tv_u
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  std::signal(SIGPROF, [](int) { std::abort(); });
+  (void)std::signal(SIGPROF, [](int) { std::abort(); });
   return 0;
 }
 

@@ -36,7 +36,7 @@ bool WantsToPrint(int argc, char** argv) {
 int main(int argc, char** argv) {
   using namespace kalivor;
   std::set_terminate(platform::LastResort<cli::kNoTransfer>);
-  std::signal(SIGINT, OnInterrupt);
+  (void)std::signal(SIGINT, OnInterrupt);
   // Only printing needs fonts; everything else starts quicker without them.
   std::unique_ptr<QCoreApplication> application;
   if (WantsToPrint(argc, argv)) {

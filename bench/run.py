@@ -292,8 +292,9 @@ class Bench:
         program = window.Program(display, self.programs, folder, device)
         usage = line.Usage(device)
         try:
+            program.lead_to(window.RECEIVE)
             before = line.processor_s(program.pid)
-            program.press(window.RECEIVE)
+            program.press_led_to()
             # The search for the rate opens the line for a lost query and to set it.
             usage.wait_for_closed(count + (3 if rate == 19200 else 1), 30 + 3 * line.floor_s(count, rate))
             time.sleep(0.2)

@@ -54,12 +54,20 @@ class Program:
                                   "--name", f"^{title}$")
         return found.split()[-1]
 
-    def press(self, button):
-        """Presses a button of the main window with the keyboard."""
+    def lead_to(self, button):
+        """Moves the keyboard's focus to a button of the main window."""
         self._display.run("xdotool", "windowfocus", "--sync", self._window)
         time.sleep(0.2)
         self._display.run("xdotool", "key", *["Tab"] * button)
         time.sleep(0.2)
+
+    def press(self, button):
+        """Presses a button of the main window with the keyboard."""
+        self.lead_to(button)
+        self.press_led_to()
+
+    def press_led_to(self):
+        """Presses the button that has the focus."""
         self._display.run("xdotool", "key", "space")
 
     def close(self):

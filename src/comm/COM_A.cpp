@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kTries = 3;
 constexpr qsizetype kAddressLength = 4;
+constexpr int kWordLength = 4;
 
 // "AB1-04D2…" becomes "AB1-123.4": type text, "-", the number with its last digit behind a point.
 QString VersionText(const QString& payload) {
@@ -60,7 +61,7 @@ void COM_A::StartBody(int letter, QStringView address) {
 bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
   if (host_.Ports[slot].Protokoll != kControllerProtocol) return true;
   StartBody(0, address);
-  su::AppendHexPad(body_, value, 4);
+  su::AppendHexPad(body_, value, kWordLength);
   const QString result = transport_.SendWithRetry(slot, body_, true, kTries);
   if (!IsError(result)) return true;
   report_.Add(result);
@@ -71,13 +72,13 @@ bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
   digits.clear();
   if (host_.Ports[slot].Protokoll == kControllerProtocol) {
     StartBody(1, address);
-    digits = transport_.SendWithRetry(slot, body_, true, kTries);
+    digits = transport_.SendWithRetry(slot, body_, true, kTries, kWordLength);
   }
   if (IsError(digits)) {
     report_.Add(digits);
     return false;
   }
-  return digits.size() == 4;
+  return digits.size() == kWordLength;
 }
 
 bool COM_A::ReadInt(qint16 slot, qint16& result, const QString& address) {

@@ -94,18 +94,18 @@ COM_T::COM_T(COM_T_frm& host) : host_(host) {
   output_.reserve(kTelegram_characters);
 }
 
-QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
+QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries, int payloadLength) {
   QString result;
   RetryCount = 0;
   do {
-    result = Transact(slot, body, wantReply);
+    result = Transact(slot, body, wantReply, payloadLength);
     ++RetryCount;
   } while (IsError(result) && RetryCount < maxTries);
   RetryCount = 0;
   return result;
 }
 
-QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
+QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply, int payloadLength) {
   frame_.resize(0);
   frame_ += u'#';
   su::AppendHexPad(frame_, host_.Ports[slot].Adr, 2);
@@ -116,7 +116,7 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
 
-  QString reply = SendReceive(slot, frame_, wantReply);
+  QString reply = SendReceive(slot, frame_, wantReply, payloadLength);
   if (!wantReply || IsError(reply)) return reply;
   if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
@@ -130,12 +130,12 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   return payload_;
 }
 
-QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
+QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply, int payloadLength) {
   const PortGuard closesThePort(host_);
-  return Exchange(slot, frame, wantReply);
+  return Exchange(slot, frame, wantReply, payloadLength);
 }
 
-QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
+QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply, int payloadLength) {
   platform::SerialControl& line = host_.Control();
   TH& timers = host_.Timers();
   const PortRecord& port = host_.Ports[slot];
@@ -162,8 +162,9 @@ QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply) {
     QString& reply = reply_;
     reply.resize(0);
     AppendText(reply, line.Input());
-    // What is shorter is no reply, or no more than the echo, behind which the reply is yet to begin.
-    const qsizetype least = reply.startsWith(EchoStart(port.Protokoll)) ? frame.size() + 1 : kShortestReply;
+    // What is shorter is no good reply, or no more than the echo, behind which the reply is yet to begin.
+    const bool isEcho = reply.startsWith(EchoStart(port.Protokoll));
+    const qsizetype least = isEcho ? frame.size() + 1 : kShortestReply + payloadLength;
     while (!reply.isEmpty() && reply.back() > kCarriageReturn && bound.Remaining() > 0) {
       const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
       const int missing = static_cast<int>(std::max<qsizetype>(least - reply.size(), 1));

@@ -14,17 +14,20 @@ class COM_T {
   explicit COM_T(COM_T_frm& host);
 
   /// Transact up to `maxTries` times; returns the first good result or the last failure.
-  [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries);
+  [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries,
+                                      int payloadLength = 0);
 
-  /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted.
-  [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply);
+  /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted. `payloadLength` is
+  /// the length of the payload where it is known: a reply is taken whatever its length is, but one as long as
+  /// that costs less than one that is taken character by character.
+  [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply, int payloadLength = 0);
 
   /// Sends the complete `frame` and returns the reply without the echo of the frame. Opens the port before
   /// and closes it after.
-  [[nodiscard]] QString SendReceive(qint16 slot, const QString& frame, bool wantReply);
+  [[nodiscard]] QString SendReceive(qint16 slot, const QString& frame, bool wantReply, int payloadLength = 0);
 
  private:
-  QString Exchange(qint16 slot, const QString& frame, bool wantReply);
+  QString Exchange(qint16 slot, const QString& frame, bool wantReply, int payloadLength);
   bool WaitForFirstCharacter(const SoftTimer& bound);
   QString ReceiveRaw();
   QString WithLineError(const QString& result, const QString& reply);

@@ -199,6 +199,23 @@ TEST_F(Telegram, AReplyIsNotLookedAtBeforeItCanHaveEnded) {
   EXPECT_EQ(line.wanted, (std::vector<int>{1, 8, 3, 1, 1, 1, 1}));
 }
 
+TEST_F(Telegram, AReplyOfKnownLengthIsNotLookedAtBeforeItsEnd) {
+  line.Expect(kRead).Reply("1", 10).Reply("0102R04D22").Reply("0").Reply("\r");
+  EXPECT_EQ(transport.Transact(1, u"R1F00"_s, true, 4), u"04D2"_s);
+  EXPECT_EQ(line.wanted, (std::vector<int>{1, 12, 2, 1}));
+}
+
+// Whatever length was expected.
+TEST_F(Telegram, AReplyOfAnotherLengthIsTakenWhenItHasEnded) {
+  line.Expect(kRead).Reply("1", 10).Reply(Answer({}).sliced(1), 8);
+  EXPECT_EQ(transport.SendWithRetry(1, u"R1F00"_s, true, 1, 4), QString());
+  EXPECT_NEAR(Lasted_s(), 0.018, kTimeTolerance_s);
+  line.Expect(kRead).Reply("10102?0700\r");
+  EXPECT_EQ(transport.SendWithRetry(1, u"R1F00"_s, true, 1, 4), u"ERROR:  Code 07 Falsche Datensatznummer"_s);
+  line.Expect(kRead).Reply(Answer("123456"));
+  EXPECT_EQ(transport.SendWithRetry(1, u"R1F00"_s, true, 1, 4), u"123456"_s);
+}
+
 TEST_F(Telegram, AnEchoIsNotLookedAtBeforeItCanHaveEnded) {
   line.Expect(kRead)
       .Reply("#", 5)

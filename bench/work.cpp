@@ -1,4 +1,5 @@
-// Fixed pieces of work, of which script/bench counts the instructions: "start", "receive" or "tree".
+// Fixed pieces of work, of which script/bench counts the instructions: "start", "receive" or "tree". "build"
+// tells what the counts depend on besides the program.
 #include <QApplication>
 #include <cstdio>
 #include <string_view>
@@ -60,6 +61,7 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const std::string_view work = argc == 2 ? argv[1] : "";
   bool done = false;
+  if (work == "build") done = std::printf(KALIVOR_BUILD ", gcc " __VERSION__ ", Qt %s\n", qVersion()) > 0;
   if (work == "start") done = Start(argc, argv);
   if (work == "receive") done = ReceiveAll();
   if (work == "tree") done = RebuildTree(argc, argv);

@@ -5,6 +5,10 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#ifndef Q_OS_WIN
+#include "platform/posix/EndWithParent.h"
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor {
@@ -50,6 +54,11 @@ QString Demo::Start() {
   if (!settings_->isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
 
   controller_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+#ifndef Q_OS_WIN
+  // A session that ends kills the program, and nobody would be left to end the controller.
+  const qint64 self = QCoreApplication::applicationPid();
+  controller_.setChildProcessModifier([self] { platform::EndWithParent(static_cast<pid_t>(self)); });
+#endif
   controller_.start(program, {u"--ini-path"_s, folder_});
   // Its first line is the name of its device.
   while (!controller_.canReadLine()) {

@@ -75,7 +75,7 @@ class frmMain final : public QMainWindow, public MainForm {
  private:
   struct Companion {
     QPointer<QWidget> window;
-    bool disabledWhileBusy;
+    bool disabledWhileBusy = false;
   };
 
   void BuildControls();

@@ -12,6 +12,7 @@ PAUSE_S = 0.020
 TIMEOUT_S = 0.4
 REQUEST = len("#0102R1F000F\r")
 REPLY = len("10102R04D220\r")
+MOST_CHECKED = 1999  # a full table's last parameter begins unchecked and is not transferred
 VERSION_REQUEST = len("#0102v00BC\r")
 VERSION_REPLY = len("10102vAB1-04D2xx\r")
 HEADING = "Version  Adressen  Definitionen  Anlagen  Kennung\r\n"

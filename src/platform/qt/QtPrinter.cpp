@@ -32,7 +32,7 @@ QString NumberedFile(const QString& path) {
   const QString suffix = file.suffix().isEmpty() ? QString() : u'.' + file.suffix();
   for (int number = 2;; ++number) {
     const QString name = file.completeBaseName() + u'-' + QString::number(number) + suffix;
-    const QString candidate = file.dir().filePath(name);
+    QString candidate = file.dir().filePath(name);
     if (!QFileInfo(candidate).isSymLink() && !QFileInfo::exists(candidate)) return candidate;
   }
 }
@@ -152,7 +152,7 @@ QString QtPrinter::EndPrinting() {
   for (const Draw& page : pages)
     pdf.AddPage(Orientation() == kLandscape, page);
   const QString chosen = printer_.outputFileName();
-  const QString path = fileWritten_ ? NumberedFile(chosen) : chosen;
+  QString path = fileWritten_ ? NumberedFile(chosen) : chosen;
   if (!pdf.Save(path)) {
     throw RuntimeError(RuntimeError::Kind::FileError, u"Die Datei kann nicht geschrieben werden: "_s + path);
   }

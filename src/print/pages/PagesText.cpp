@@ -21,7 +21,7 @@ class TextPages final : public PreviewPages {
     AddLine(page.header);
     for (int line = page.lines.first; line <= page.lines.last; ++line) {
       const PrintNode& node = page.list.nodes[static_cast<std::size_t>(line - 1)];
-      AddLine(QString(node.level * kIndentation_characters, u' ') + node.text);
+      AddLine(QString(qsizetype{node.level} * kIndentation_characters, u' ') + node.text);
     }
     AddLine(page.footer);
   }

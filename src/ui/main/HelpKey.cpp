@@ -31,7 +31,7 @@ QString PageOfWindow(const QWidget& window) {
   if (const auto* files = qobject_cast<const QFileDialog*>(&window)) {
     return files->windowTitle() == u"Parameterfile" ? u"optionen#dateien"_s : u"wertedateien"_s;
   }
-  const QString page = Pages().value(window.objectName());
+  QString page = Pages().value(window.objectName());
   if (page != u"optionen") return page;
   constexpr QStringView tabs[] = {u"#schnittstelle", u"#regler", u"#dateien"};
   return page + tabs[window.findChild<QTabWidget*>()->currentIndex()].toString();
@@ -42,7 +42,7 @@ QString PageOfWindow(const QWidget& window) {
 // An open menu or list is a window too, but its page is that of the window that it belongs to.
 QString ManualPageOf(const QWidget& widget) {
   for (const QWidget* window = widget.window(); window != nullptr;) {
-    const QString page = PageOfWindow(*window);
+    QString page = PageOfWindow(*window);
     if (!page.isEmpty()) return page;
     const QWidget* parent = window->parentWidget();
     window = parent != nullptr ? parent->window() : nullptr;

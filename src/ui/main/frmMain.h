@@ -92,17 +92,17 @@ class frmMain final : public QMainWindow, public MainForm {
   Module1* module_ = nullptr;
 
   QWidget* body_;
-  QGroupBox* frame1_;
+  QGroupBox* frame1_ = nullptr;
   QComboBox* comboVN_;
-  QGroupBox* frame2_;
+  QGroupBox* frame2_ = nullptr;
   QComboBox* comboArt_;
   platform::NodeTree* tree_;
-  QPushButton* commandEmpfangen_;
-  QPushButton* commandSenden_;
-  QPushButton* commandStandard_;
-  QPushButton* commandVergleichen_;
-  QLabel* state_;
-  QLabel* file_;
+  QPushButton* commandEmpfangen_ = nullptr;
+  QPushButton* commandSenden_ = nullptr;
+  QPushButton* commandStandard_ = nullptr;
+  QPushButton* commandVergleichen_ = nullptr;
+  QLabel* state_ = nullptr;
+  QLabel* file_ = nullptr;
 
   platform::QtListBox versions_;
   platform::QtListBox plants_;

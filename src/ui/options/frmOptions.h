@@ -46,9 +46,9 @@ class frmOptions final : public QDialog {
   void Browse();
 
   QTabWidget* tbsOptions_;
-  QComboBox* comboSchnittstelle_;
-  QComboBox* comboAdresse_;
-  QLineEdit* textVerzParameter_;
+  QComboBox* comboSchnittstelle_ = nullptr;
+  QComboBox* comboAdresse_ = nullptr;
+  QLineEdit* textVerzParameter_ = nullptr;
   bool pathChanged_ = false;
 };
 

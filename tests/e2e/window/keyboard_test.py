@@ -96,6 +96,11 @@ class Keyboard(Scenario):
         wait_for(lambda: window.has("active"), f"{title!r} active")
         return window
 
+    def editor_of(self, program, row):
+        program.tree.go_to(row)
+        keys("Return")
+        return self.opened(program, "Edit Parameter")
+
     def test_main_window(self):
         program = self.start()
         self.assert_round(program.main, MAIN)
@@ -165,9 +170,7 @@ class Keyboard(Scenario):
     def test_number_editor(self):
         program = self.start()
         program.tree.expand_all()
-        program.tree.go_to(DAY)
-        keys("Return")
-        editor = self.opened(program, "Edit Parameter")
+        editor = self.editor_of(program, DAY)
         self.assert_round(editor, NUMBER)
         type_text("22.5")
         self.tab(editor)
@@ -179,9 +182,7 @@ class Keyboard(Scenario):
         keys("Return")
         self.closed(editor)
         wait_for(lambda: "    23.5 °C" in program.tree.row(DAY).name, "the new value")
-        program.tree.go_to(DAY)
-        keys("Return")
-        editor = self.opened(program, "Edit Parameter")
+        editor = self.editor_of(program, DAY)
         self.wait_for_focus(editor, "Wert")
         type_text("24.5")
         keys("Escape")
@@ -191,9 +192,7 @@ class Keyboard(Scenario):
     def test_text_editor(self):
         program = self.start()
         program.tree.expand_all()
-        program.tree.go_to(PLACE)
-        keys("Return")
-        editor = self.opened(program, "Edit Parameter")
+        editor = self.editor_of(program, PLACE)
         self.assert_round(editor, TEXT)
         type_text("Keller")
         self.tab(editor)

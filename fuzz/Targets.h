@@ -17,6 +17,11 @@ inline void Require(bool kept, const char* promise) {
   if (!kept) throw Defect(promise);
 }
 
+/// True for about one of `share` inputs, always for the same ones; in the replay of the corpus for all. For
+/// checks that cost more than the rest of their target. Each program defines it (LibFuzzer.cpp,
+/// replay_test.cpp).
+bool InSample(QByteArrayView input, unsigned share);
+
 // Every target leaves nothing behind that the next input could see. Throws Defect; any other exception, and
 // whatever the sanitizers find, is a defect as well.
 void AddressList(QByteArrayView input);

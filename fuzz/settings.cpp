@@ -78,7 +78,7 @@ void Settings(QByteArrayView input) {
   Require(options.addressPosition >= -1 && options.addressPosition < 256, "the dialog has 256 addresses");
 
   // Storing costs as much again, and depends on few of the bytes.
-  if (input.size() % 8 != 0) return;
+  if (!InSample(input, 8)) return;
   MemoryStore changed;
   SaveSettings(*loaded, changed);
   const MemoryStore stored(platform::WriteIni(changed.Texts()));

@@ -47,8 +47,9 @@ std::optional<qint16> Offset(const QString& expression, const QString& type) {
   const qsizetype bracket = expression.lastIndexOf(u'[');
   if (!expression.endsWith(u']') || bracket < 0) return 0;
   const std::optional<qint16> index = Number<qint16>(expression.mid(bracket + 1).chopped(1));
-  const QString key = type.left(8).trimmed();
-  const int size = key == u"long" ? 4 : key == u"int" ? 2 : key == u"char" ? 1 : 0;
+  // Eight characters; only blanks at the end do not count.
+  const QString key = type.leftJustified(8, u' ', true);
+  const int size = key == u"long    " ? 4 : key == u"int     " ? 2 : key == u"char    " ? 1 : 0;
   if (!index || *index * size > 32767 || *index * size < -32768) return {};
   return static_cast<qint16>(*index * size);
 }

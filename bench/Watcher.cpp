@@ -42,7 +42,7 @@ Owned<Reply> Own(Reply* reply) {
 }
 
 [[noreturn]] void Fail(const std::string& what) {
-  std::fprintf(stderr, "bench-watch: %s\n", what.c_str());
+  (void)std::fprintf(stderr, "bench-watch: %s\n", what.c_str());
   std::exit(1);
 }
 

@@ -133,7 +133,8 @@ void CheckSaving(World& world) {
   world.files.files[path].clear();
   const Values saved = ValuesOf(world.module);
   Require(WriteValueFile(world.core), "the values can be saved");
-  Require(world.files.files[path].size() == 62 * (kParameters + 1), "one record for each parameter");
+  Require(world.files.files[path].size() == qsizetype{62} * (kParameters + 1),
+          "one record for each parameter");
   Reset(world, 0xFF);
   Require(ReadValueFile(world.core), "the values can be loaded again");
   // The first of two parameters of a name gets the value of the last one.

@@ -400,7 +400,7 @@ bool Oracle::SendOne(const PlantParameter& parameter) {
     case Kind::Char: {
       const std::optional<qint16> old = ReadSigned(address);
       if (!old) return Fails(parameter);
-      const qint64 word = IsOdd(parameter) ? *old / 256 * 256 + qint64{parameter.value}
+      const qint64 word = IsOdd(parameter) ? qint64{*old} / 256 * 256 + qint64{parameter.value}
                                            : qint64{parameter.value} * 256 + *old % 256;
       if (word != static_cast<qint32>(word)) throw RunTimeError{u"Zahl außerhalb des zulässigen Bereichs."_s};
       return Write(static_cast<qint32>(word), address) || Fails(parameter);

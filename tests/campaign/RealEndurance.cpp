@@ -79,12 +79,12 @@ QString RunOne(Pc& pc, const Round& round) {
 
 int RunRealEndurance(double seconds) {
   const QTemporaryDir folder;
-  const QString device = folder.filePath(u"regler"_s);
+  QString device = folder.filePath(u"regler"_s);
   QProcess simulator;
   simulator.start(QStringLiteral(KALIVOR_BINARY_DIR "/src/kalivor-sim"),
                   {u"--ini-path"_s, QStringLiteral(KALIVOR_SOURCE_DIR "/examples"), u"--link"_s, device});
   if (!simulator.waitForStarted() || (!simulator.canReadLine() && !simulator.waitForReadyRead(60'000))) {
-    std::fprintf(stderr, "kalivor-sim does not start\n");
+    (void)std::fprintf(stderr, "kalivor-sim does not start\n");
     return 1;
   }
 
@@ -110,7 +110,7 @@ int RunRealEndurance(double seconds) {
     for (const Round& round : rounds) {
       const QString fault = RunOne(pc, round);
       if (!fault.isEmpty()) {
-        std::fprintf(stderr, "round %d, %s:\n%s\n", number, round.name, qPrintable(fault));
+        (void)std::fprintf(stderr, "round %d, %s:\n%s\n", number, round.name, qPrintable(fault));
         return 1;
       }
       ++transfers;
@@ -123,7 +123,7 @@ int RunRealEndurance(double seconds) {
       shown = passed;
       std::printf("%5.0f min: %d transfers, %lld telegrams; %s\n", passed / 60, transfers,
                   static_cast<long long>(line.openings), qPrintable(own.Text()));
-      std::fflush(stdout);
+      (void)std::fflush(stdout);
     }
   }
   const double passed = sim::PtyLine::Seconds() - start;

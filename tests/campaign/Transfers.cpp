@@ -161,7 +161,7 @@ class Installation {
     constexpr double hour_s = 3600;
     double watched_s = 0;
     while (clock_.Passed() < hours * hour_s) {
-      const QString problem = RunOne(static_cast<Command>(totals.transfers % 3), false);
+      QString problem = RunOne(static_cast<Command>(totals.transfers % 3), false);
       if (!problem.isEmpty()) return problem;
       totals.exchanges += static_cast<qint64>(line_.log.size());
       line_.Forget();
@@ -409,7 +409,7 @@ int RunTransfers(quint64 first, qint64 count) {
     }
     scenes[static_cast<std::size_t>(installation.scene)].Add(installation.totals);
     if ((i + 1) % 50'000 == 0) {
-      std::fprintf(stderr, "%lld seeds, %.0f s\n", static_cast<long long>(i + 1), seconds());
+      (void)std::fprintf(stderr, "%lld seeds, %.0f s\n", static_cast<long long>(i + 1), seconds());
     }
   }
   PrintTable(scenes, seconds());

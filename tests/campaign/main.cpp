@@ -13,10 +13,10 @@ namespace {
 constexpr int kUsage = 2;
 
 int Usage() {
-  std::fprintf(stderr,
-               "usage: kalivor-campaign transfers [--seeds N] [--seed FIRST]\n"
-               "       kalivor-campaign endurance [--hours N | --real MINUTES]\n"
-               "See script/campaign --help.\n");
+  (void)std::fprintf(stderr,
+                     "usage: kalivor-campaign transfers [--seeds N] [--seed FIRST]\n"
+                     "       kalivor-campaign endurance [--hours N | --real MINUTES]\n"
+                     "See script/campaign --help.\n");
   return kUsage;
 }
 

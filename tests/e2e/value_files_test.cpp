@@ -27,7 +27,7 @@ const QString kTooLarge = u"Die Datei ist zu groß."_s;
 const QString kLoop = u"Zu viele symbolische Verknüpfungen im Pfad."_s;
 
 /// What a run without any value file needs is a tenth of it; what the files below claim to hold, much more.
-constexpr long kMostMemory_KiB = 400 * 1024;
+constexpr long kMostMemory_KiB = 400L * 1024;
 
 class HostileValueFiles : public testing::Test {
  protected:

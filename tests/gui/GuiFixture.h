@@ -121,16 +121,17 @@ inline void AddDefinitions(FakeFileSystem& files) {
 
 /// Starts with the first version; the controller is of the same. A box that the test does not take fails it.
 class GuiTest : public testing::Test {
+ public:
+  ~GuiTest() override {
+    desktop.reset();
+    line.reset();
+  }
+
  protected:
   GuiTest() {
     AddDefinitions(files);
     settings.values[u"Inipath"_s] = kFolder;
     UseController(u"AB1-123.4"_s);
-  }
-
-  ~GuiTest() override {
-    desktop.reset();
-    line.reset();
   }
 
   /// The controller to be found by the next Start().

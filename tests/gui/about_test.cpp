@@ -103,15 +103,17 @@ class FakeRegistry final : public platform::Registry {
 };
 
 class SystemInformationTest : public testing::Test {
+ public:
+  ~SystemInformationTest() override {
+    EXPECT_EQ(registry.open, 0) << "every key has to be closed";
+    EXPECT_FALSE(registry.closedTooOften);
+  }
+
  protected:
   SystemInformationTest() {
     system.registry = &registry;
     system.fileExists = [this](const QString& path) { return existing.contains(path); };
     system.start = [this](const QString& program) { started.append(program); };
-  }
-  ~SystemInformationTest() override {
-    EXPECT_EQ(registry.open, 0) << "every key has to be closed";
-    EXPECT_FALSE(registry.closedTooOften);
   }
 
   void Put(const QString& path, const QString& name, const QByteArray& text) {

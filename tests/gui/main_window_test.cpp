@@ -162,15 +162,17 @@ TEST_F(MainWindowTest, ButtonsAndFramesStayWhereTheyWereDesigned) {
 
 // Everything that is visible has room for what it shows, and nothing covers anything else.
 class MainWindowFonts : public GuiTest, public testing::WithParamInterface<double> {
+ public:
+  ~MainWindowFonts() override {
+    desktop.reset();
+    QApplication::setFont(before_);
+  }
+
  protected:
   MainWindowFonts() : before_(QApplication::font()) {
     QFont font = before_;
     font.setPointSizeF(before_.pointSizeF() * GetParam());
     QApplication::setFont(font);
-  }
-  ~MainWindowFonts() override {
-    desktop.reset();
-    QApplication::setFont(before_);
   }
 
   static void ExpectNothingCut(QWidget& window) {

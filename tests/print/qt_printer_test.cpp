@@ -179,14 +179,16 @@ TEST(QtPrinter, AFileThatCannotBeWrittenIsRefusedByTheDialog) {
 
 // A home of the test's own.
 class ProposedFile : public testing::Test {
+ public:
+  ~ProposedFile() override {
+    qputenv("HOME", before_[0]);
+    before_[1].isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before_[1]);
+  }
+
  protected:
   ProposedFile() {
     qputenv("HOME", QFile::encodeName(home_.path()));
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(home_.filePath(u"config"_s)));
-  }
-  ~ProposedFile() override {
-    qputenv("HOME", before_[0]);
-    before_[1].isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before_[1]);
   }
 
   // What the dialog proposes to a user without a printer.

@@ -11,6 +11,7 @@ from Window import ENCODING, keys
 MIB = 1 << 20
 # Enough for a message box, and far less than the large address list takes.
 LEFT = 32 * MIB
+# The sanitizers reserve terabytes of address space, so a program with more than this is built with them.
 SANITIZED = 1 << 40
 SMALL, LARGE = "AB1-123.4", "AB1-124.0"
 

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
-#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -24,9 +23,6 @@ using namespace Qt::StringLiterals;
 
 namespace kalivor::sim {
 namespace {
-
-// How late a sleeper may wake up. So much earlier the clock is watched instead, lest every byte be late.
-constexpr double kWakingUp_s = 80e-6;
 
 bool MakeRaw(int terminal) {
   termios settings{};
@@ -97,8 +93,6 @@ QString PtyLine::Link(const QString& path) {
 }
 
 PtyLine::End PtyLine::Run(int stopDescriptor) {
-  // Bytes are to leave at their time, not up to 50 µs later.
-  prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
   for (;;) {
     const double now = Seconds();
     const QByteArray due = model_.TakeDue(now);
@@ -111,7 +105,7 @@ PtyLine::End PtyLine::Run(int stopDescriptor) {
 
     std::optional<double> wake = model_.NextTime();
     if (!wake && !exclusiveUseChecked_) wake = lastTraffic_ + staleAfter_s_;
-    const double sleep_s = wake.value_or(now) - Seconds() - kWakingUp_s;
+    const double sleep_s = wake.value_or(now) - Seconds();
     const timespec left = platform::ToTimespec(platform::NanosecondsOf(sleep_s));
     std::array<pollfd, 2> watched = {{{master_, POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
     if (ppoll(watched.data(), watched.size(), wake ? &left : nullptr, nullptr) < 0 && errno != EINTR) {

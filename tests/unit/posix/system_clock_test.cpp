@@ -1,7 +1,6 @@
 // The computer's clock.
 #include "platform/posix/SystemClock.h"
 
-#include <sys/prctl.h>
 #include <sys/resource.h>
 
 #include <gtest/gtest.h>
@@ -94,17 +93,6 @@ TEST(SystemClock, SleepsAtLeastAsLongAsAsked) {
   }
 }
 
-// Also when the clock has learned how late sleeps end.
-TEST(SystemClock, SleepsAreNeverTooShort) {
-  SystemClock clock;
-  for (int i = 0; i < 100; ++i) {
-    const double seconds = i % 10 == 0 ? 0.00002 : 0.001;
-    const auto start = MonotonicNow_ns();
-    clock.Sleep(seconds);
-    ASSERT_GE(MonotonicNow_ns() - start, NanosecondsOf(seconds)) << i;
-  }
-}
-
 TEST(SystemClock, SleepingTakesHardlyAnyProcessorTime) {
   SystemClock clock;
   rusage before{};
@@ -138,12 +126,6 @@ TEST(SystemClock, DoesNotSleepForNothing) {
   clock.Sleep(-1);
   clock.Sleep(std::numeric_limits<double>::quiet_NaN());
   clock.Sleep(-std::numeric_limits<double>::infinity());
-}
-
-TEST(SystemClock, LowersTheTimerSlack) {
-  ASSERT_EQ(prctl(PR_SET_TIMERSLACK, 50000UL, 0UL, 0UL, 0UL), 0);
-  const SystemClock clock;
-  EXPECT_EQ(prctl(PR_GET_TIMERSLACK, 0UL, 0UL, 0UL, 0UL), 1);
 }
 
 TEST(MonotonicTime, RoundsUpAndBoundsDurations) {

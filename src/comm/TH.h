@@ -25,8 +25,8 @@ class SoftTimer {
   SoftTimer(const platform::Clock& clock, int duration_ms)
       : clock_(&clock), TimerStart(clock.SecondsSinceMidnight()), TimerDauer(duration_ms / 1000.0) {}
 
-  /// Seconds until the timer expires; 0 when it has, and also when the clock shows a time before the start,
-  /// as it does past midnight.
+  /// Seconds until the timer expires; 0 when it has, and also when the clock shows a time before the start:
+  /// every timer expires at midnight at the latest.
   [[nodiscard]] double Remaining() const;
 
  private:

@@ -370,19 +370,26 @@ TEST_F(Telegram, BabbleWithoutLineEndsEnds) {
   EXPECT_NEAR(Lasted_s(), 0.410, kTimeTolerance_s);
 }
 
-// Past midnight every running timer counts as expired.
-TEST_F(Telegram, AWaitThatCrossesMidnightEnds) {
+// At midnight every running timer expires.
+TEST_F(Telegram, AWaitEndsAtMidnight) {
   channel.clock.now = 86399.9;
   line.Expect(kRead).Silence();
   EXPECT_EQ(Read(), kSilent);
-  EXPECT_LE(Lasted_s(), 0.4 + kTimeTolerance_s);
+  EXPECT_NEAR(Lasted_s(), 0.1, kTimeTolerance_s);
+}
+
+TEST_F(Telegram, AReplyAfterMidnightIsLate) {
+  channel.clock.now = 86399.9;
+  line.Expect(kRead).Reply(Answer("04D2"), 101);
+  EXPECT_EQ(Read(), kSilent);
+  EXPECT_NEAR(Lasted_s(), 0.1, kTimeTolerance_s);
 }
 
 TEST_F(Telegram, AReplyThatCrossesMidnightIsCutOff) {
   channel.clock.now = 86399.9;
-  line.Expect(kRead).Reply("10102R", 50).Reply("04", 100).Reply("D220\r", 100);
-  EXPECT_EQ(Read(), u"ERROR: ungültiger Empfang:  (10102R04)."_s);
-  EXPECT_NEAR(Lasted_s(), 0.150, kTimeTolerance_s);
+  line.Expect(kRead).Reply("10102R", 50).Reply("04D220\r", 51);
+  EXPECT_EQ(Read(), u"ERROR: ungültiger Empfang:  (10102R)."_s);
+  EXPECT_NEAR(Lasted_s(), 0.1, kTimeTolerance_s);
 }
 
 TEST_F(Telegram, AReplyBeforeMidnightIsTaken) {

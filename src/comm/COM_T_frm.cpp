@@ -44,6 +44,8 @@ QString COM_T_frm::SetupPort(qint16 slot, qint16 address, qint16 portNumber, con
 QString COM_T_frm::OpenPort(qint16 slot) {
   PortRecord& port = Ports[slot];
   if (port.Offen != kFalse) return {};
+  // There is one line; whoever has it keeps it.
+  if (control_.IsOpen()) return u"ERROR: "_s;
   if (!control_.Open(port.PortNr, port.Settings)) return u"ERROR: "_s;
   port.Offen = kTrue;
   if (!control_.ClearOutBuffer() || !control_.ClearInBuffer()) return u"ERROR: "_s;

@@ -46,7 +46,9 @@ class COM_T_frm {
   /// When set, the port and its RTS line stay up between telegrams. Nothing in the program sets it.
   qint16 KeepOpen = kFalse;
 
-  /// Set when everything queued has been sent; cleared before each output. Nothing reads it.
+  /// Set when the port reports that everything queued has been sent; cleared behind each output, so that a
+  /// report that comes from inside the output does not count. Kept, though nothing reads it: it tells whoever
+  /// looks into a stopped program whether the request has gone out.
   qint16 SendDone = kFalse;
 
   /// Stores the channel's data and tries the port once. Does nothing while an abort is requested.
@@ -54,7 +56,8 @@ class COM_T_frm {
   QString ConfigurePort(qint16 slot, qint16 protocol, qint16 address, qint16 portNumber,
                         const QString& settings);
 
-  /// Opens the slot's port unless it is open. Returns "" or exactly "ERROR: ".
+  /// Opens the slot's port unless it is open. Returns "" or exactly "ERROR: ", also while the port is open
+  /// for another slot.
   [[nodiscard]] QString OpenPort(qint16 slot);
 
   /// Closes the port (unless KeepOpen) and starts the pause that the next telegram waits out.

@@ -116,6 +116,18 @@ TEST(OpenPort, DoesNothingWhenTheSlotIsOpen) {
   EXPECT_TRUE(channel.line.log.isEmpty());
 }
 
+TEST(OpenPort, RefusesAnotherSlotWhileOneIsOpen) {
+  Channel channel;
+  channel.SetUp(2);
+  ASSERT_EQ(channel.host.OpenPort(1), u""_s);
+  channel.line.log.clear();
+  EXPECT_EQ(channel.host.OpenPort(2), u"ERROR: "_s);
+  EXPECT_EQ(channel.host.Ports[2].Offen, 0);
+  EXPECT_TRUE(channel.line.log.isEmpty()) << "the open one is left alone";
+  channel.host.ClosePort();
+  EXPECT_EQ(channel.host.OpenPort(2), u""_s);
+}
+
 TEST(OpenPort, ReportsARefusalWithoutWords) {
   Channel channel;
   channel.line.refusedOpens = {1};

@@ -51,11 +51,12 @@ class Station {
 };
 
 /// A driver that has counted one more error at every look but the first.
-class ErringDriver final : public platform::LineErrorCounters {
+class ErringDriver final : public platform::SerialDriver {
  public:
   explicit ErringDriver(int platform::LineErrorCounts::*counter) : counter_(counter) {}
 
-  std::optional<platform::LineErrorCounts> Read(int) override {
+  int SetRts(int, bool) override { return 0; }
+  std::optional<platform::LineErrorCounts> ErrorCounts(int) override {
     if (counter_ != nullptr) counts_.*counter_ += looks_++ > 0 ? 1 : 0;
     return counts_;
   }

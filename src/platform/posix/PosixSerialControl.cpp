@@ -62,8 +62,8 @@ bool SameSettings(const termios& a, const termios& b, tcflag_t overlooked) {
 
 }  // namespace
 
-PosixSerialControl::PosixSerialControl(DeviceResolver resolver, std::unique_ptr<LineErrorCounters> counters)
-    : resolver_(std::move(resolver)), counters_(std::move(counters)) {
+PosixSerialControl::PosixSerialControl(DeviceResolver resolver, std::unique_ptr<SerialDriver> driver)
+    : resolver_(std::move(resolver)), driver_(std::move(driver)) {
   constexpr qsizetype kTelegram_bytes = 256;
   output_.reserve(kTelegram_bytes);
   input_.reserve(kTelegram_bytes);
@@ -106,9 +106,11 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
   character_ns_ = NanosecondsOf(parsed_->CharacterTime_s());
   lineGone_ = false;
   unsent_ = false;
-  rts_.reset();
   driverCountsErrors_ = false;
-  counted_ = counters_->Read(port_.Get());
+  counted_ = driver_->ErrorCounts(port_.Get());
+  // Opening has raised it. A port that has no such line is as good as any other.
+  rts_.reset();
+  (void)SetRts(false);
   return true;
 }
 
@@ -149,9 +151,8 @@ void PosixSerialControl::Close() {
 bool PosixSerialControl::SetRts(bool raised) {
   if (!port_.Valid()) return false;
   if (rts_ == raised) return true;
-  const int line = TIOCM_RTS;
-  const bool done = ioctl(port_.Get(), raised ? TIOCMBIS : TIOCMBIC, &line) == 0 ||
-                    (isPseudoTerminal_ && (errno == ENOTTY || errno == EINVAL));
+  const int error = driver_->SetRts(port_.Get(), raised);
+  const bool done = error == 0 || (isPseudoTerminal_ && (error == ENOTTY || error == EINVAL));
   if (done) rts_ = raised;
   return done;
 }
@@ -320,7 +321,7 @@ void PosixSerialControl::NoteMark(MarkedInput::Mark mark) {
 // break also looks like damaged characters.
 int PosixSerialControl::NewlyCountedError() {
   if (!counted_) return kCommEventNone;
-  const std::optional<LineErrorCounts> now = counters_->Read(port_.Get());
+  const std::optional<LineErrorCounts> now = driver_->ErrorCounts(port_.Get());
   if (!now) return kCommEventNone;
   const LineErrorCounts before = std::exchange(counted_, now).value_or(*now);
   int error = kCommEventNone;

@@ -9,9 +9,9 @@
 
 #include "platform/SerialControl.h"
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/LineErrorCounters.h"
 #include "platform/posix/LineSettings.h"
 #include "platform/posix/MarkedInput.h"
+#include "platform/posix/SerialDriver.h"
 
 namespace kalivor::platform {
 
@@ -26,8 +26,8 @@ class PosixSerialControl final : public SerialControl {
   /// The device path of a port number, "" when there is none.
   using DeviceResolver = std::function<QString(int number)>;
 
-  explicit PosixSerialControl(DeviceResolver resolver, std::unique_ptr<LineErrorCounters> counters =
-                                                           std::make_unique<DriverLineErrorCounters>());
+  explicit PosixSerialControl(DeviceResolver resolver, std::unique_ptr<SerialDriver> driver =
+                                                           std::make_unique<SystemSerialDriver>());
   ~PosixSerialControl() override;
   PosixSerialControl(const PosixSerialControl&) = delete;
   PosixSerialControl& operator=(const PosixSerialControl&) = delete;
@@ -72,7 +72,7 @@ class PosixSerialControl final : public SerialControl {
   void ReportError(int event);
 
   DeviceResolver resolver_;
-  std::unique_ptr<LineErrorCounters> counters_;
+  std::unique_ptr<SerialDriver> driver_;
   Descriptor port_;
   std::int64_t character_ns_ = 0;  // the least time between two characters
   bool isPseudoTerminal_ = false;

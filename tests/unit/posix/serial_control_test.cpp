@@ -29,21 +29,27 @@ const QString kSettings = u"9600,o,7,1"_s;
 // limit.
 constexpr double kForEver_s = 3600;
 
-// Counters that move as the test says.
-class FakeCounters final : public LineErrorCounters {
+// Counters that move as the test says, and a record of what was done to RTS.
+class FakeDriver final : public SerialDriver {
  public:
   std::optional<LineErrorCounts> counts = LineErrorCounts{};
   int reads = 0;
+  std::vector<bool> rts;
+  int rtsError = 0;
 
-  [[nodiscard]] std::optional<LineErrorCounts> Read(int) override {
+  [[nodiscard]] std::optional<LineErrorCounts> ErrorCounts(int) override {
     ++reads;
     return counts;
+  }
+  [[nodiscard]] int SetRts(int, bool raised) override {
+    rts.push_back(raised);
+    return rtsError;
   }
 };
 
 class SerialControlTest : public testing::Test {
  protected:
-  SerialControlTest() : SerialControlTest(std::make_unique<FakeCounters>()) {}
+  SerialControlTest() : SerialControlTest(std::make_unique<FakeDriver>()) {}
 
   // Opens the pseudo-terminal as port 3.
   void Open() { ASSERT_TRUE(control_.Open(3, kSettings)); }
@@ -77,18 +83,18 @@ class SerialControlTest : public testing::Test {
   QString device_ = pty_.Path();
   std::vector<int> asked_;
   std::vector<int> events_;
-  FakeCounters* counters_;
+  FakeDriver* driver_;
   PosixSerialControl control_;
 
  private:
-  explicit SerialControlTest(std::unique_ptr<FakeCounters> counters)
-      : counters_(counters.get()),
+  explicit SerialControlTest(std::unique_ptr<FakeDriver> driver)
+      : driver_(driver.get()),
         control_(
             [this](int number) {
               asked_.push_back(number);
               return number == 3 ? device_ : QString();
             },
-            std::move(counters)) {}
+            std::move(driver)) {}
 };
 
 int OpenDescriptors() {
@@ -217,20 +223,6 @@ TEST(LineSettings, ReadsTheNotation) {
     EXPECT_EQ(settings->speed, row.speed);
     EXPECT_EQ(settings->flags, row.flags);
     EXPECT_EQ(settings->HasParity(), (row.flags & PARENB) != 0);
-  }
-}
-
-TEST(LineSettings, TellHowLongACharacterTakes) {
-  struct Row {
-    QStringView text;
-    double bits;
-    double baud;
-  };
-  for (const Row& row :
-       {Row{u"9600,o,7,1", 10, 9600}, Row{u"19200,n,8,1", 10, 19200}, Row{u"300,e,8,2", 12, 300},
-        Row{u"50,s,5,1", 8, 50}, Row{u"4000000,N,6,2", 9, 4000000}}) {
-    EXPECT_DOUBLE_EQ(ParseLineSettings(row.text)->CharacterTime_s(), row.bits / row.baud)
-        << row.text.toUtf8().constData();
   }
 }
 
@@ -607,63 +599,6 @@ TEST_F(SerialControlTest, WaitingTakesNoProcessorTime) {
   EXPECT_LT(ProcessorTime_s() - blocked, 0.03);
 }
 
-// At 300 baud a character takes a thirtieth of a second.
-const QString kSlowSettings = u"300,n,8,1"_s;
-
-long Sleeps() {
-  rusage usage{};
-  getrusage(RUSAGE_THREAD, &usage);
-  return usage.ru_nvcsw;
-}
-
-TEST_F(SerialControlTest, AWaitForSeveralCharactersIsNotWokenByEachOfThem) {
-  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
-  std::thread sender([&] {
-    for (const char c : QByteArray("1234567")) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-      pty_.Send(QByteArray(1, c));
-    }
-  });
-  const auto start = MonotonicNow_ns();
-  const long before = Sleeps();
-  EXPECT_EQ(control_.WaitForInputOf(11, 60), InputWait::Input);
-  EXPECT_LE(Sleeps() - before, 3);
-  EXPECT_GE(MonotonicNow_ns() - start, 10 * NanosecondsOf(10 / 300.0));
-  sender.join();
-  QByteArray taken = control_.Input();
-  taken += Take(7 - taken.size());
-  EXPECT_EQ(taken, "1234567");
-}
-
-TEST_F(SerialControlTest, AWaitForSeveralCharactersEndsWhenTheDeviceVanishes) {
-  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
-  std::thread unplug([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    pty_.Send("12");
-    pty_.Vanish();
-  });
-  constexpr int kHoursOfCharacters = 1'000'000;
-  while (control_.WaitForInputOf(kHoursOfCharacters, 10 * kForEver_s) == InputWait::Input)
-    (void)control_.Input();
-  EXPECT_EQ(control_.WaitForInputOf(kHoursOfCharacters, 10 * kForEver_s), InputWait::LineGone);
-  unplug.join();
-}
-
-// Else one that comes in time would be found when the time is over.
-TEST_F(SerialControlTest, AWaitThatIsTooShortForAllCharactersEndsWithTheFirst) {
-  ASSERT_TRUE(OpenDevice(pty_.Path(), kSlowSettings));
-  std::thread sender([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    pty_.Send("x");
-  });
-  EXPECT_EQ(control_.WaitForInputOf(1'000'000, kForEver_s), InputWait::Input);
-  EXPECT_EQ(control_.Input(), "x");
-  sender.join();
-  const auto start = MonotonicNow_ns();
-  EXPECT_EQ(control_.WaitForInputOf(1'000'000, 0.02), InputWait::TimedOut);
-  EXPECT_GE(MonotonicNow_ns() - start, NanosecondsOf(0.02));
-}
-
 // Nothing is lost between what the wait has found and what comes behind it.
 TEST_F(SerialControlTest, WhatComesBehindAWaitIsTakenAfterIt) {
   Open();
@@ -709,19 +644,52 @@ TEST_F(SerialControlTest, DeliversPendingInputBeforeTheEnd) {
   EXPECT_EQ(control_.WaitForInput(kForEver_s), InputWait::LineGone);
 }
 
-// Dropping a line that is down already asks the driver for nothing.
+// Opening a port raises it, and it is to be up during a telegram only.
+TEST_F(SerialControlTest, RtsIsDownAfterOpening) {
+  Open();
+  EXPECT_EQ(driver_->rts, std::vector<bool>{false});
+  control_.Close();
+  Open();
+  EXPECT_EQ(driver_->rts, (std::vector<bool>{false, false}));
+}
+
+TEST_F(SerialControlTest, RtsFollowsItsDirection) {
+  Open();
+  driver_->rts.clear();
+  EXPECT_TRUE(control_.SetRts(true));
+  EXPECT_EQ(driver_->rts, std::vector<bool>{true});
+  EXPECT_TRUE(control_.SetRts(false));
+  EXPECT_EQ(driver_->rts, (std::vector<bool>{true, false}));
+}
+
 TEST_F(SerialControlTest, RtsIsSetOnlyWhereItChanges) {
   Open();
   ASSERT_TRUE(control_.SetRts(true));
-  pty_.Vanish();
+  driver_->rts.clear();
   EXPECT_TRUE(control_.SetRts(true));
+  EXPECT_TRUE(driver_->rts.empty());
+  driver_->rtsError = EIO;
   EXPECT_FALSE(control_.SetRts(false));
   EXPECT_FALSE(control_.SetRts(false)) << "what was refused is not taken for done";
+  EXPECT_EQ(driver_->rts.size(), 2U);
+}
+
+// A pseudo-terminal has no such line; a real port that refuses says so, and can be used all the same.
+TEST_F(SerialControlTest, APortWithoutRtsCanBeUsed) {
+  for (const int error : {ENOTTY, EINVAL}) {
+    driver_->rtsError = error;
+    Open();
+    EXPECT_TRUE(control_.SetRts(true));
+  }
+  driver_->rtsError = EIO;
+  Open();
+  EXPECT_FALSE(control_.SetRts(true));
 }
 
 TEST_F(SerialControlTest, AVanishedDeviceFailsEverythingAndCanBeClosed) {
   Open();
   pty_.Vanish();
+  driver_->rtsError = EIO;
   control_.SetSThreshold(1);
   control_.Output("x");
   EXPECT_FALSE(control_.SetRts(true));
@@ -755,10 +723,10 @@ class CountedErrorTest : public SerialControlTest, public testing::WithParamInte
 
 TEST_P(CountedErrorTest, IsReported) {
   // Errors from before the opening do not count.
-  counters_->counts = LineErrorCounts{7, 7, 7, 7, 7};
+  driver_->counts = LineErrorCounts{7, 7, 7, 7, 7};
   Open();
   EXPECT_EQ(control_.CommEvent(), kCommEventNone);
-  *counters_->counts.*GetParam().counter += 1;
+  *driver_->counts.*GetParam().counter += 1;
   EXPECT_EQ(control_.CommEvent(), GetParam().event);
   EXPECT_EQ(control_.CommEvent(), GetParam().event);
 
@@ -771,7 +739,7 @@ TEST_P(CountedErrorTest, IsReported) {
 
 TEST_P(CountedErrorTest, IsNotReplacedByTheEndOfSending) {
   Open();
-  *counters_->counts.*GetParam().counter += 1;
+  *driver_->counts.*GetParam().counter += 1;
   ASSERT_EQ(control_.CommEvent(), GetParam().event);
   WatchEvents();
   control_.SetSThreshold(1);
@@ -785,14 +753,14 @@ TEST_P(CountedErrorTest, ReplacesTheEndOfSending) {
   control_.SetSThreshold(1);
   control_.Output("x");
   ASSERT_EQ(control_.CommEvent(), kCommEventSendDone);
-  *counters_->counts.*GetParam().counter += 1;
+  *driver_->counts.*GetParam().counter += 1;
   EXPECT_EQ(control_.CommEvent(), GetParam().event);
 }
 
 TEST_P(CountedErrorTest, TellsWhatAMarkMeans) {
   Open();
   WatchEvents();
-  *counters_->counts.*GetParam().counter += 1;
+  *driver_->counts.*GetParam().counter += 1;
   Deliver(QByteArray("1\xFF\0A2", 5), 3);
   EXPECT_EQ(events_, std::vector<int>{GetParam().event});
 }
@@ -808,27 +776,27 @@ INSTANTIATE_TEST_SUITE_P(All, CountedErrorTest,
 
 TEST_F(SerialControlTest, TheLatestLineErrorIsKept) {
   Open();
-  counters_->counts->parity += 1;
+  driver_->counts->parity += 1;
   EXPECT_EQ(control_.CommEvent(), kCommEventParity);
-  counters_->counts->frame += 3;
+  driver_->counts->frame += 3;
   EXPECT_EQ(control_.CommEvent(), kCommEventFraming);
   EXPECT_EQ(control_.CommEvent(), kCommEventFraming);
   // Of errors at the same time the break explains the others.
-  *counters_->counts = LineErrorCounts{9, 9, 9, 9, 9};
+  *driver_->counts = LineErrorCounts{9, 9, 9, 9, 9};
   EXPECT_EQ(control_.CommEvent(), kCommEventBreak);
 }
 
 // Counters are whole numbers of the driver that wrap around.
 TEST_F(SerialControlTest, AnyChangeOfACounterCounts) {
-  counters_->counts->parity = std::numeric_limits<int>::max();
+  driver_->counts->parity = std::numeric_limits<int>::max();
   Open();
-  counters_->counts->parity = std::numeric_limits<int>::min();
+  driver_->counts->parity = std::numeric_limits<int>::min();
   EXPECT_EQ(control_.CommEvent(), kCommEventParity);
 }
 
 TEST_F(SerialControlTest, AFailedOpeningClearsTheEvent) {
   Open();
-  counters_->counts->brk += 1;
+  driver_->counts->brk += 1;
   ASSERT_EQ(control_.CommEvent(), kCommEventBreak);
   EXPECT_FALSE(control_.Open(3, u"bad"_s));
   EXPECT_EQ(control_.CommEvent(), kCommEventNone);
@@ -838,7 +806,7 @@ TEST_F(SerialControlTest, AFailedOpeningClearsTheEvent) {
 class MarkTest : public SerialControlTest, public testing::WithParamInterface<bool> {
  protected:
   MarkTest() {
-    if (!GetParam()) counters_->counts.reset();
+    if (!GetParam()) driver_->counts.reset();
   }
 };
 
@@ -904,7 +872,7 @@ INSTANTIATE_TEST_SUITE_P(Counters, MarkTest, testing::Values(true, false),
 // Where the driver has counted a framing error, its mark does not make a parity error of it.
 TEST_F(SerialControlTest, CountersOutrankMarks) {
   Open();
-  counters_->counts->frame += 1;
+  driver_->counts->frame += 1;
   ASSERT_EQ(control_.CommEvent(), kCommEventFraming);
   Deliver(QByteArray("1\xFF\0A2", 5), 3);
   EXPECT_EQ(control_.CommEvent(), kCommEventFraming);
@@ -912,33 +880,35 @@ TEST_F(SerialControlTest, CountersOutrankMarks) {
 
 TEST_F(SerialControlTest, AsksTheCountersOnlyWhenNeeded) {
   Open();
-  EXPECT_EQ(counters_->reads, 1);
+  EXPECT_EQ(driver_->reads, 1);
   control_.Output("x");
   pty_.Send("y");
   EXPECT_EQ(Take(1), "y");
-  EXPECT_EQ(counters_->reads, 1);
+  EXPECT_EQ(driver_->reads, 1);
   WatchEvents();
   control_.SetSThreshold(1);
   EXPECT_EQ(events_, std::vector<int>{kCommEventSendDone});
-  EXPECT_EQ(counters_->reads, 1) << "all sent is all that this event tells";
+  EXPECT_EQ(driver_->reads, 1) << "all sent is all that this event tells";
 }
 
 // Asked once for each opening: a driver does not begin to count in between.
 TEST_F(SerialControlTest, DoesNotAskAgainWhereNothingIsCounted) {
-  counters_->counts.reset();
+  driver_->counts.reset();
   Open();
   EXPECT_EQ(control_.CommEvent(), kCommEventNone);
-  EXPECT_EQ(counters_->reads, 1);
+  EXPECT_EQ(driver_->reads, 1);
   Open();
-  EXPECT_EQ(counters_->reads, 2);
+  EXPECT_EQ(driver_->reads, 2);
 }
 
-// A pseudo-terminal's driver does not count.
-TEST(DriverLineErrorCounters, NoneWithoutADriverThatCounts) {
+// A pseudo-terminal's driver neither counts nor has modem lines.
+TEST(SystemSerialDriver, SaysWhatADriverDoesNotHave) {
   const test::PseudoTerminal pty;
-  DriverLineErrorCounters counters;
-  EXPECT_FALSE(counters.Read(pty.Master()).has_value());
-  EXPECT_FALSE(counters.Read(-1).has_value());
+  SystemSerialDriver driver;
+  EXPECT_FALSE(driver.ErrorCounts(pty.Master()).has_value());
+  EXPECT_FALSE(driver.ErrorCounts(-1).has_value());
+  EXPECT_NE(driver.SetRts(pty.Master(), true), 0);
+  EXPECT_EQ(driver.SetRts(-1, false), EBADF);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 // Controller reply: any bytes, at any time, as what the controller says to an operation.
+#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "Targets.h"
 #include "World.h"
@@ -193,14 +195,33 @@ class ScriptedLine final : public platform::SerialControl {
   int event_ = 0;
 };
 
-// An accepted payload stands at the end of what was received, in a telegram with the right checksum.
-void CheckAccepted(const QByteArray& taken, const QByteArray& payload) {
+// The lines of what was received, each up to its first control character; raw reception knows none.
+std::vector<QByteArray> Lines(const QByteArray& taken, bool raw) {
+  if (raw) return {taken};
+  std::vector<QByteArray> lines(1);
+  for (const char c : taken) {
+    lines.back() += c;
+    if (static_cast<quint8>(c) <= '\r') lines.emplace_back();
+  }
+  return lines;
+}
+
+bool IsGoodReply(const QByteArray& telegram, const QByteArray& payload) {
+  return telegram.mid(6, payload.size()) == payload && telegram.at(5) != '?' &&
+         telegram.mid(telegram.size() - 3, 2) == Hex(SumOf(telegram.chopped(3)));
+}
+
+// An accepted payload comes out of a line that ends with a whole telegram, with the right checksum.
+bool ComesFrom(const QByteArray& line, const QByteArray& payload) {
   const qsizetype length = 6 + payload.size() + 3;
-  Require(taken.size() >= length, "a payload comes out of a whole reply");
-  const QByteArray telegram = taken.last(length);
-  Require(telegram.mid(6, payload.size()) == payload, "the payload is that of the reply");
-  Require(telegram.at(5) != '?', "an error reply is no payload");
-  Require(telegram.mid(length - 3, 2) == Hex(SumOf(telegram.chopped(3))), "the checksum is right");
+  return line.size() >= length && IsGoodReply(line.last(length), payload);
+}
+
+void CheckAccepted(const QByteArray& taken, const QByteArray& payload, bool raw = false) {
+  const std::vector<QByteArray> lines = Lines(taken, raw);
+  Require(std::any_of(lines.begin(), lines.end(),
+                      [&](const QByteArray& line) { return ComesFrom(line, payload); }),
+          "a payload comes out of a whole reply with the right checksum");
 }
 
 std::optional<qint64> PlainWord(const QByteArray& digits, bool isSigned) {
@@ -213,17 +234,21 @@ std::optional<qint64> PlainWord(const QByteArray& digits, bool isSigned) {
 }
 
 void CheckWord(const ScriptedLine& line, qint64 result, bool isSigned) {
-  Require(line.taken.size() >= 13, "a word comes out of a whole reply");
-  const QByteArray digits = line.taken.last(7).first(4);
-  CheckAccepted(line.taken, digits);
-  const std::optional<qint64> expected = PlainWord(digits, isSigned);
-  Require(!expected || *expected == result, "the word is that of the reply");
+  const std::vector<QByteArray> lines = Lines(line.taken, false);
+  Require(std::any_of(lines.begin(), lines.end(),
+                      [&](const QByteArray& reply) {
+                        const QByteArray digits = reply.right(7).first(std::min<qsizetype>(reply.size(), 4));
+                        const std::optional<qint64> word = PlainWord(digits, isSigned);
+                        return ComesFrom(reply, digits) && (!word || *word == result);
+                      }),
+          "a word is that of a whole reply");
 }
 
 void CheckVersion(const ScriptedLine& line, const QString& version) {
   Require(IsError(version) || version.size() >= 3, "a version or a failure");
   if (IsError(version)) return;
-  Require(SumOf(line.taken.chopped(3)) == 0 || line.taken.size() >= 9,
+  const std::vector<QByteArray> lines = Lines(line.taken, false);
+  Require(std::any_of(lines.begin(), lines.end(), [](const QByteArray& reply) { return reply.size() >= 9; }),
           "a version comes out of a whole reply");
 }
 
@@ -232,7 +257,9 @@ void Transact(World& world, ScriptedLine& line, qint16 protocol, bool wantReply)
   COM_T transport(world.host);
   const QString result = transport.Transact(kSlot, u"R1F00"_s, wantReply);
   Require(line.requests <= 1, "one attempt sends one request");
-  if (wantReply && !IsError(result)) CheckAccepted(line.taken, BytesFromText(result));
+  if (wantReply && !IsError(result)) {
+    CheckAccepted(line.taken, BytesFromText(result), protocol != kControllerProtocol);
+  }
 }
 
 void Operate(World& world, ScriptedLine& line, int operation) {

@@ -72,7 +72,7 @@ bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
   digits.clear();
   if (host_.Ports[slot].Protokoll == kControllerProtocol) {
     StartBody(1, address);
-    digits = transport_.SendWithRetry(slot, body_, true, kTries, kWordLength);
+    digits = transport_.SendWithRetry(slot, body_, true, kTries);
   }
   if (IsError(digits)) {
     report_.Add(digits);

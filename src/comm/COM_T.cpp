@@ -89,23 +89,23 @@ class PortGuard {
 
 COM_T::COM_T(COM_T_frm& host) : host_(host) {
   constexpr qsizetype kTelegram_characters = 256;
-  for (QString* text : {&frame_, &reply_, &checksum_, &payload_})
+  for (QString* text : {&frame_, &received_, &reply_, &checksum_, &payload_})
     text->reserve(kTelegram_characters);
   output_.reserve(kTelegram_characters);
 }
 
-QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries, int payloadLength) {
+QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
   QString result;
   RetryCount = 0;
   do {
-    result = Transact(slot, body, wantReply, payloadLength);
+    result = Transact(slot, body, wantReply);
     ++RetryCount;
   } while (IsError(result) && RetryCount < maxTries);
   RetryCount = 0;
   return result;
 }
 
-QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply, int payloadLength) {
+QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   frame_.resize(0);
   frame_ += u'#';
   su::AppendHexPad(frame_, host_.Ports[slot].Adr, 2);
@@ -116,7 +116,7 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply, int paylo
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
 
-  QString reply = SendReceive(slot, frame_, wantReply, payloadLength);
+  QString reply = SendReceive(slot, frame_, wantReply);
   if (!wantReply || IsError(reply)) return reply;
   if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
@@ -130,26 +130,30 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply, int paylo
   return payload_;
 }
 
-QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply, int payloadLength) {
+QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
   const PortGuard closesThePort(host_);
-  return Exchange(slot, frame, wantReply, payloadLength);
+  if (IsError(host_.OpenPort(slot))) {
+    return WithLineError(u"ERROR: COM"_s + BlankNumber(host_.Ports[slot].PortNr) + u" nicht verfügber"_s, {});
+  }
+  Send(frame);
+  return Receive(slot, frame.size(), wantReply);
 }
 
-QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply, int payloadLength) {
+void COM_T::Send(const QString& frame) {
   platform::SerialControl& line = host_.Control();
-  TH& timers = host_.Timers();
-  const PortRecord& port = host_.Ports[slot];
-
-  if (IsError(host_.OpenPort(slot))) {
-    return WithLineError(u"ERROR: COM"_s + BlankNumber(port.PortNr) + u" nicht verfügber"_s, {});
-  }
   line.SetRts(true);
   output_.resize(0);
   AppendBytes(output_, frame);
   line.Output(output_);
   line.SetSThreshold(1);
   host_.SendDone = kFalse;
+  received_.resize(0);
+}
 
+// Waits for lines until one of them is the reply.
+QString COM_T::Receive(qint16 slot, qsizetype frameLength, bool wantReply) {
+  TH& timers = host_.Timers();
+  const qint16 protocol = host_.Ports[slot].Protokoll;
   const int timeout_ms = (!wantReply ? 1 : slot == 2 ? 12 : 4) * 100;
   // However often an echo sends us back to waiting, the exchange takes no longer than this.
   const SoftTimer bound(timers.GetClock(), 3 * timeout_ms);
@@ -157,36 +161,25 @@ QString COM_T::Exchange(qint16 slot, const QString& frame, bool wantReply, int p
     timers.StartTimer(kReplyTimer, timeout_ms);
     if (!WaitForFirstCharacter(bound)) break;
     timers.StartTimer(kReplyTimer, timeout_ms);
-    if (!ReceivesLines(port.Protokoll)) return ReceiveRaw();
+    if (!ReceivesLines(protocol)) return ReceiveRaw();
 
-    QString& reply = reply_;
-    reply.resize(0);
-    AppendText(reply, line.Input());
-    // What is shorter is no good reply, or no more than the echo, behind which the reply is yet to begin.
-    const bool isEcho = reply.startsWith(EchoStart(port.Protokoll));
-    const qsizetype least = isEcho ? frame.size() + 1 : kShortestReply + payloadLength;
-    while (!reply.isEmpty() && reply.back() > kCarriageReturn && bound.Remaining() > 0) {
-      const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
-      const int missing = static_cast<int>(std::max<qsizetype>(least - reply.size(), 1));
-      const bool gone = line.WaitForInputOf(missing, left) == platform::InputWait::LineGone;
-      AppendText(reply, line.Input());
-      if (gone || timers.TimerExpired(kReplyTimer)) {
-        return WithLineError(u"ERROR: ungültiger Empfang:  ("_s + reply + u")."_s, reply);
-      }
+    const LineEnd end = ReceiveLine(bound);
+    if (end == LineEnd::NotInTime) {
+      return WithLineError(u"ERROR: ungültiger Empfang:  ("_s + reply_ + u")."_s, reply_);
     }
-    if (!reply.isEmpty() && reply.back() > kCarriageReturn) break;
-
+    if (end == LineEnd::ExchangeOver) break;
     if (!wantReply) return {};
-    if (host_.KeepOpen == kFalse) line.SetRts(false);
-    if (!reply.startsWith(EchoStart(port.Protokoll))) return reply;
-    reply.remove(0, frame.size());
-    if (!reply.isEmpty() && IsTerminator(reply.back())) return reply;
-    // A fragment behind the echo is dropped: the next line is taken as a whole.
+    if (host_.KeepOpen == kFalse) host_.Control().SetRts(false);
+    if (!reply_.startsWith(EchoStart(protocol))) return reply_;
+    reply_.remove(0, frameLength);
+    if (!reply_.isEmpty() && IsTerminator(reply_.back())) return reply_;
+    // It was the echo, with or without a fragment behind it: the next line is taken as a whole.
   }
   return wantReply ? WithLineError(u"ERROR: kein Empfang"_s, {}) : QString();
 }
 
 bool COM_T::WaitForFirstCharacter(const SoftTimer& bound) {
+  if (!received_.isEmpty()) return true;
   for (;;) {
     const double left = std::min(host_.Timers().Remaining(kReplyTimer), bound.Remaining());
     switch (host_.Control().WaitForInput(left)) {
@@ -198,6 +191,36 @@ bool COM_T::WaitForFirstCharacter(const SoftTimer& bound) {
         if (left <= 0) return false;
     }
   }
+}
+
+COM_T::LineEnd COM_T::ReceiveLine(const SoftTimer& bound) {
+  platform::SerialControl& line = host_.Control();
+  TH& timers = host_.Timers();
+  reply_.resize(0);
+  if (received_.isEmpty()) AppendText(received_, line.Input());
+  while (!TakeLine()) {
+    if (bound.Remaining() <= 0) return LineEnd::ExchangeOver;
+    const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
+    const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
+    AppendText(received_, line.Input());
+    if (gone || timers.TimerExpired(kReplyTimer)) {
+      (void)TakeLine();
+      return LineEnd::NotInTime;
+    }
+  }
+  return LineEnd::Complete;
+}
+
+// Moves characters to the reply, up to the first one that ends the line. How they were cut into blocks on
+// their way must not matter: a program that wakes up late finds several at once.
+bool COM_T::TakeLine() {
+  const auto end = std::find_if(received_.cbegin(), received_.cend(),
+                                [](QChar character) { return character <= kCarriageReturn; });
+  const bool complete = end != received_.cend();
+  const qsizetype length = end - received_.cbegin() + (complete ? 1 : 0);
+  reply_ += QStringView(received_).first(length);
+  received_.remove(0, length);
+  return complete;
 }
 
 QString COM_T::ReceiveRaw() {

@@ -14,21 +14,29 @@ class COM_T {
   explicit COM_T(COM_T_frm& host);
 
   /// Transact up to `maxTries` times; returns the first good result or the last failure.
-  [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries,
-                                      int payloadLength = 0);
+  [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries);
 
-  /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted. `payloadLength` is
-  /// the length of the payload where it is known: a reply is taken whatever its length is, but one as long as
-  /// that costs less than one that is taken character by character.
-  [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply, int payloadLength = 0);
+  /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted.
+  [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply);
 
   /// Sends the complete `frame` and returns the reply without the echo of the frame. Opens the port before
-  /// and closes it after.
-  [[nodiscard]] QString SendReceive(qint16 slot, const QString& frame, bool wantReply, int payloadLength = 0);
+  /// and closes it after. A line ends at its first control character, however its characters arrive; what
+  /// stands behind it is the beginning of the next line of this exchange.
+  [[nodiscard]] QString SendReceive(qint16 slot, const QString& frame, bool wantReply);
 
  private:
-  QString Exchange(qint16 slot, const QString& frame, bool wantReply, int payloadLength);
+  /// How waiting for the end of a line ended.
+  enum class LineEnd {
+    Complete,
+    NotInTime,     ///< the reply's time is over, or the device is gone
+    ExchangeOver,  ///< the exchange has taken too long, as echo followed echo
+  };
+
+  void Send(const QString& frame);
+  QString Receive(qint16 slot, qsizetype frameLength, bool wantReply);
   bool WaitForFirstCharacter(const SoftTimer& bound);
+  LineEnd ReceiveLine(const SoftTimer& bound);
+  bool TakeLine();
   QString ReceiveRaw();
   QString WithLineError(const QString& result, const QString& reply);
 
@@ -38,6 +46,7 @@ class COM_T {
   // Kept from telegram to telegram, so that a transfer needs no new memory for each.
   QString frame_;
   QByteArray output_;
+  QString received_;  // behind the line that was taken last
   QString reply_;
   QString checksum_;
   QString payload_;

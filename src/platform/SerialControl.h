@@ -27,16 +27,21 @@ enum class InputWait {
   LineGone,  ///< the device has vanished; nothing can come any more
 };
 
+/// Every operation on a closed port does nothing and fails, or reports an empty buffer.
 class SerialControl {
  public:
+  /// Characters that wait to be sent at most; Output() refuses what would exceed it, and reports
+  /// kCommEventTransmitFull.
+  static constexpr qsizetype kOutputLimit_bytes = 65536;
+
   virtual ~SerialControl() = default;
 
   /// Opens port `number` for this program alone with `settings` in the notation
-  /// "baud,parity,data bits,stop bits" ("9600,o,7,1"), and clears CommEvent(). False when the port is absent,
-  /// in use, not permitted or refuses the settings.
+  /// "baud,parity,data bits,stop bits" ("9600,o,7,1"), leaves RTS down, and clears CommEvent(). An open port
+  /// is closed first. False when the port is absent, in use, not permitted or refuses the settings.
   [[nodiscard]] virtual bool Open(int number, const QString& settings) = 0;
 
-  /// Closes the port without waiting for unsent characters. Does nothing when it is not open.
+  /// Closes the port without waiting for unsent characters, and drops what was received and not taken.
   virtual void Close() = 0;
 
   [[nodiscard]] virtual bool IsOpen() const = 0;
@@ -48,7 +53,8 @@ class SerialControl {
   virtual bool ClearInBuffer() = 0;
   virtual bool ClearOutBuffer() = 0;
 
-  /// Asks for a kCommEventSendDone when at most `characters` wait to be sent; 0 asks for none.
+  /// From a number of 1 on, asks for a kCommEventSendDone when all that Output() queued has been sent; 0 asks
+  /// for none. Outlasts Close().
   virtual void SetSThreshold(int characters) = 0;
 
   /// Queues characters for sending and returns without waiting for them to go out.
@@ -57,19 +63,11 @@ class SerialControl {
   /// Number of received characters that Input() would return now.
   [[nodiscard]] virtual int InBufferCount() = 0;
 
-  /// Takes the received characters: all of them, or all that the last wait has found, where one has just
-  /// ended with Input. One with a parity error has become "?".
+  /// Takes all received characters. One with a parity error has become "?".
   [[nodiscard]] virtual QByteArray Input() = 0;
 
   /// Sleeps in the operating system until a character waits, `seconds` have passed or the device is gone.
   [[nodiscard]] virtual InputWait WaitForInput(double seconds) = 0;
-
-  /// The same for a caller who can do nothing with fewer than `characters` (1 or more): may leave the ones
-  /// before the last unnoticed for as long as they take at the line's rate, and then ends with whatever
-  /// waits. The device being gone, and the end of the time, are noticed at once.
-  [[nodiscard]] virtual InputWait WaitForInputOf(int /*characters*/, double seconds) {
-    return WaitForInput(seconds);
-  }
 
   /// The last event since Open(): a line error if there was one, else kCommEventSendDone or none.
   [[nodiscard]] virtual int CommEvent() = 0;

@@ -596,7 +596,7 @@ Oracle::Reply Oracle::Transact(const QByteArray& body) {
   return reply;
 }
 
-// What the characters come to: a line, or an error.
+// What the characters come to: a line, or an error. Each is looked at by itself, whatever it came with.
 void Oracle::Receive(const Exchange& exchange, Reply& reply) {
   const double begun_s = exchange.sentShown_s;
   double since_s = begun_s;  // of the present wait, or of the first character
@@ -606,34 +606,38 @@ void Oracle::Receive(const Exchange& exchange, Reply& reply) {
   for (std::size_t i = 0; i < exchange.takes.size(); ++i) {
     const Taken& taken = exchange.takes[i];
     const bool last = i + 1 == exchange.takes.size();
-    if (!inLine) {
-      Require(!taken.bytes.isEmpty(), u"the buffer was empty"_s);
-      line.clear();
-      origins.clear();
-      since_s = taken.shown_s;
+    const bool late = inLine && (taken.gone || Expired(since_s, taken.shown_s, kReplyTime_s));
+    Require(inLine || !taken.bytes.isEmpty(), u"the buffer was empty"_s);
+    for (qsizetype at = 0; at < taken.bytes.size(); ++at) {
+      if (!inLine) {
+        line.clear();
+        origins.clear();
+        since_s = taken.shown_s;
+      }
+      line += taken.bytes.at(at);
+      origins.push_back(taken.origins[static_cast<std::size_t>(at)]);
+      inLine = static_cast<unsigned char>(line.back()) > 13;
+      if (inLine) continue;
+      if (late) break;
+      if (line.front() == '#') {
+        const qsizetype echo = std::min(line.size(), exchange.frame->size());
+        line.remove(0, echo);
+        origins.erase(origins.begin(), origins.begin() + echo);
+        if (line.isEmpty() || line.back() < 10 || line.back() > 13) {
+          since_s = taken.shown_s;
+          continue;
+        }
+      }
+      Require(last, u"went on after the reply"_s);
+      reply.line = line;
+      reply.origins = origins;
+      return;
     }
-    line += taken.bytes;
-    origins.insert(origins.end(), taken.origins.begin(), taken.origins.end());
-    if (inLine && (taken.gone || Expired(since_s, taken.shown_s, kReplyTime_s))) {
+    if (late) {
       Require(last, u"went on after the time was over"_s);
       reply.error = WithEvent(u"ERROR: ungültiger Empfang:  ("_s + Text(line) + u")."_s, line, exchange);
       return;
     }
-    inLine = static_cast<unsigned char>(line.back()) > 13;
-    if (inLine) continue;
-    if (line.front() == '#') {
-      const qsizetype echo = std::min(line.size(), exchange.frame->size());
-      line.remove(0, echo);
-      origins.erase(origins.begin(), origins.begin() + echo);
-      if (line.isEmpty() || line.back() < 10 || line.back() > 13) {
-        since_s = taken.shown_s;
-        continue;
-      }
-    }
-    Require(last, u"went on after the reply"_s);
-    reply.line = line;
-    reply.origins = origins;
-    return;
   }
   const bool overLong =
       !exchange.takes.empty() && Expired(begun_s, exchange.takes.back().shown_s, kLongestExchange_s);

@@ -49,9 +49,6 @@ class CountedLine final : public platform::SerialControl {
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
     return line_.WaitForInput(seconds);
   }
-  [[nodiscard]] platform::InputWait WaitForInputOf(int characters, double seconds) override {
-    return line_.WaitForInputOf(characters, seconds);
-  }
   [[nodiscard]] int CommEvent() override { return line_.CommEvent(); }
 
  private:

@@ -100,7 +100,6 @@ class FakeSerialControl final : public platform::SerialControl {
   std::vector<OpenRecord> opens;
   std::vector<OutputRecord> outputs;
   std::vector<double> closes_s;  ///< times of closing an open port
-  std::vector<int> wanted;       ///< for how many characters each wait was
   QStringList log;               ///< one line for every operation that changes something
 
   explicit FakeSerialControl(FakeClock& clock) : clock_(clock) {}
@@ -130,24 +129,22 @@ class FakeSerialControl final : public platform::SerialControl {
 
   [[nodiscard]] bool Open(int number, const QString& settings) override {
     const int attempt = static_cast<int>(opens.size()) + 1;
+    Close();
     event_ = eventOnOpen;
-    Deliver();
-    const bool opened = !open_ && !absent && !gone_ && !refusedOpens.contains(attempt);
-    opens.push_back({number, settings, opened});
+    open_ = !absent && !gone_ && !refusedOpens.contains(attempt);
+    opens.push_back({number, settings, open_});
     log.append(QStringLiteral("open %1 %2").arg(number).arg(settings));
-    open_ = open_ || opened;
-    if (opened) settings_ = settings;
-    return opened;
+    if (open_) settings_ = settings;
+    return open_;
   }
 
   void Close() override {
-    if (!open_) return;
     Deliver();
+    if (!open_) return;
     log.append(QStringLiteral("close"));
     closes_s.push_back(clock_.passed);
     open_ = false;
     rts_ = false;
-    threshold_ = 0;
     received_.clear();
   }
 
@@ -155,21 +152,23 @@ class FakeSerialControl final : public platform::SerialControl {
 
   bool SetRts(bool raised) override {
     log.append(raised ? QStringLiteral("rts up") : QStringLiteral("rts down"));
+    Deliver();
     rts_ = raised;
-    return open_;
+    return Usable();
   }
 
   bool ClearInBuffer() override {
     log.append(QStringLiteral("clear in"));
-    if (clearInFails) return false;
     Deliver();
+    if (clearInFails || !Usable()) return false;
     received_.clear();
     return true;
   }
 
   bool ClearOutBuffer() override {
     log.append(QStringLiteral("clear out"));
-    return !clearOutFails;
+    Deliver();
+    return !clearOutFails && Usable();
   }
 
   void SetSThreshold(int characters) override {
@@ -184,6 +183,12 @@ class FakeSerialControl final : public platform::SerialControl {
       ADD_FAILURE() << "request on a closed port: " << testing::PrintToString(characters);
       return;
     }
+    if (characters.size() > kOutputLimit_bytes) {
+      Raise(platform::kCommEventTransmitFull);
+      return;
+    }
+    Deliver();
+    if (gone_) return;
     if (script_.empty()) {
       ADD_FAILURE() << "unexpected request: " << testing::PrintToString(characters);
       return;
@@ -208,18 +213,13 @@ class FakeSerialControl final : public platform::SerialControl {
   }
 
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
-    return WaitForInputOf(1, seconds);
-  }
-
-  [[nodiscard]] platform::InputWait WaitForInputOf(int characters, double seconds) override {
-    wanted.push_back(characters);
     // A transfer that never ends must fail its test, not hang it.
     if (++waits_ > kMostWaits) throw std::runtime_error("the line is waited for without an end");
     const double until_s = clock_.passed + std::max(0.0, seconds);
     for (;;) {
       Deliver();
       if (!received_.isEmpty()) return platform::InputWait::Input;
-      if (gone_) return platform::InputWait::LineGone;
+      if (!Usable()) return platform::InputWait::LineGone;
       const auto next = Next();
       if (next == pending_.end() || next->at_s > until_s) break;
       clock_.Advance(next->at_s - clock_.passed);
@@ -231,6 +231,7 @@ class FakeSerialControl final : public platform::SerialControl {
 
   [[nodiscard]] int CommEvent() override {
     Deliver();
+    if (open_ && gone_) event_ = platform::kCommEventDeviceControlBlock;
     return event_;
   }
 
@@ -242,6 +243,8 @@ class FakeSerialControl final : public platform::SerialControl {
 
   static constexpr int kMostWaits = 1'000'000;
   static constexpr double kStep_s = 1e-9;  // far above the rounding of times, far below any delay
+
+  [[nodiscard]] bool Usable() const { return open_ && !gone_; }
 
   std::vector<Pending>::iterator Next() {
     return std::min_element(pending_.begin(), pending_.end(),

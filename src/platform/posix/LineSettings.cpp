@@ -63,17 +63,7 @@ std::optional<LineSettings> ParseLineSettings(QStringView text) {
   const std::optional<tcflag_t> dataBits = Find(kDataBits, parts[2]);
   const std::optional<tcflag_t> stopBits = Find(kStopBits, parts[3]);
   if (!speed || !parity || !dataBits || !stopBits) return std::nullopt;
-  return LineSettings{*speed, *parity | *dataBits | *stopBits, parts[0].toInt()};
-}
-
-double LineSettings::CharacterTime_s() const {
-  int dataBits = 8;
-  if ((flags & CSIZE) == CS5) dataBits = 5;
-  if ((flags & CSIZE) == CS6) dataBits = 6;
-  if ((flags & CSIZE) == CS7) dataBits = 7;
-  const int parityBits = HasParity() ? 1 : 0;
-  const int stopBits = (flags & CSTOPB) != 0 ? 2 : 1;
-  return static_cast<double>(1 + dataBits + parityBits + stopBits) / baud;
+  return LineSettings{*speed, *parity | *dataBits | *stopBits};
 }
 
 }  // namespace kalivor::platform

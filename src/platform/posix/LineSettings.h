@@ -11,12 +11,8 @@ namespace kalivor::platform {
 struct LineSettings {
   speed_t speed = B0;
   tcflag_t flags = 0;  ///< CSIZE, PARENB, PARODD, CMSPAR and CSTOPB as control flags
-  int baud = 0;        ///< what `speed` stands for
 
   [[nodiscard]] bool HasParity() const { return (flags & PARENB) != 0; }
-
-  /// The least time between two characters, start and stop bits included, in seconds.
-  [[nodiscard]] double CharacterTime_s() const;
 };
 
 /// Reads "baud,parity,data bits,stop bits": a standard rate from 50 to 4000000; n, o, e, m or s in either

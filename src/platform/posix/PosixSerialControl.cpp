@@ -103,7 +103,6 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
   }
   if (!isPseudoTerminal_) LowerLatency();
   hasParity_ = parsed_->HasParity();
-  character_ns_ = NanosecondsOf(parsed_->CharacterTime_s());
   lineGone_ = false;
   unsent_ = false;
   driverCountsErrors_ = false;
@@ -160,7 +159,6 @@ bool PosixSerialControl::SetRts(bool raised) {
 bool PosixSerialControl::ClearInBuffer() {
   if (!port_.Valid()) return false;
   input_.resize(0);
-  allRead_ = false;
   marks_.Reset();
   return tcflush(port_.Get(), TCIFLUSH) == 0;
 }
@@ -232,7 +230,6 @@ bool PosixSerialControl::ReadPiece() {
     lineGone_ = count == 0 || errno != EAGAIN;
     return false;
   }
-  allRead_ = count < static_cast<ssize_t>(sizeof piece);
   NoteMark(marks_.Decode(QByteArrayView(piece, count), input_));
   return true;
 }
@@ -241,7 +238,6 @@ void PosixSerialControl::ReadAll() {
   if (!port_.Valid()) return;
   while (ReadPiece()) {
   }
-  allRead_ = false;
 }
 
 int PosixSerialControl::InBufferCount() {
@@ -250,9 +246,7 @@ int PosixSerialControl::InBufferCount() {
 }
 
 QByteArray PosixSerialControl::Input() {
-  // Characters come one by one as a rule, and behind each of them there is nothing more to read.
-  if (!allRead_) ReadAll();
-  allRead_ = false;
+  ReadAll();
   // A copy, so that both buffers keep their memory from exchange to exchange.
   taken_.resize(0);
   taken_.append(input_.constData(), input_.size());
@@ -260,28 +254,16 @@ QByteArray PosixSerialControl::Input() {
   return taken_;
 }
 
-InputWait PosixSerialControl::WaitForInputOf(int characters, double seconds) {
+InputWait PosixSerialControl::WaitForInput(double seconds) {
   if (!port_.Valid()) return InputWait::LineGone;
-  allRead_ = false;
-  std::int64_t now_ns = MonotonicNow_ns();
-  const std::int64_t end_ns = now_ns + NanosecondsOf(seconds);
-  // Before this moment no more than the useless ones can have come, and each of them would wake the program.
-  std::int64_t look_ns = now_ns + (characters - 1) * character_ns_;
-  // In the end each character is looked at, so that one that comes in time is not found too late.
-  if (look_ns >= end_ns) look_ns = now_ns;
-  for (; input_.isEmpty(); now_ns = MonotonicNow_ns()) {
+  const std::int64_t end_ns = MonotonicNow_ns() + NanosecondsOf(seconds);
+  while (input_.isEmpty()) {
     if (lineGone_) return InputWait::LineGone;
-    const bool looks = now_ns >= look_ns;
-    pollfd wait{port_.Get(), 0, 0};
-    if (looks) wait.events |= POLLIN;
+    pollfd wait{port_.Get(), POLLIN, 0};
     if (!output_.isEmpty()) wait.events |= POLLOUT;
-    const timespec left = ToTimespec(std::max<std::int64_t>(0, (looks ? end_ns : look_ns) - now_ns));
+    const timespec left = ToTimespec(std::max<std::int64_t>(0, end_ns - MonotonicNow_ns()));
     const int ready = ppoll(&wait, 1, &left, nullptr);
-    if (ready == 0) {
-      if (looks) return InputWait::TimedOut;
-      ReadPiece();
-      continue;
-    }
+    if (ready == 0) return InputWait::TimedOut;
     if (ready < 0) {
       // Interrupted by a signal: goes on with the time that is left.
       if (errno == EINTR) continue;

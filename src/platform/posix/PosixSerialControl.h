@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,27 +18,21 @@ namespace kalivor::platform {
 /// without privileges. Pseudo-terminals are accepted as ports; as they know neither parity nor data bits nor
 /// modem lines, those are not insisted on there.
 ///
-/// Single-threaded. OnComm must neither open nor close the port. Every operation on a closed port does
-/// nothing and fails, or reports an empty buffer.
+/// Single-threaded. OnComm must neither open nor close the port.
 class PosixSerialControl final : public SerialControl {
  public:
   /// The device path of a port number, "" when there is none.
   using DeviceResolver = std::function<QString(int number)>;
 
-  explicit PosixSerialControl(DeviceResolver resolver, std::unique_ptr<SerialDriver> driver =
-                                                           std::make_unique<SystemSerialDriver>());
+  explicit PosixSerialControl(DeviceResolver resolver,
+                              std::unique_ptr<SerialDriver> driver = std::make_unique<SystemSerialDriver>());
   ~PosixSerialControl() override;
   PosixSerialControl(const PosixSerialControl&) = delete;
   PosixSerialControl& operator=(const PosixSerialControl&) = delete;
 
-  /// Characters that wait because the driver takes no more; Output() refuses what would exceed it, and
-  /// reports kCommEventTransmitFull.
-  static constexpr qsizetype kOutputLimit_bytes = 65536;
-
   /// Characters kept for Input(); more are left to the driver, which reports an overflow of its own buffer.
   static constexpr qsizetype kInputLimit_bytes = 65536;
 
-  /// Closes the port first when it is open.
   [[nodiscard]] bool Open(int number, const QString& settings) override;
   void Close() override;
   [[nodiscard]] bool IsOpen() const override { return port_.Valid(); }
@@ -48,16 +41,15 @@ class PosixSerialControl final : public SerialControl {
   bool ClearInBuffer() override;
   bool ClearOutBuffer() override;
 
-  /// kCommEventSendDone is reported when the driver has taken the last character of what Output() queued: at
-  /// once, or during a later wait. The threshold outlasts Close().
+  /// What the driver has taken counts as sent: kCommEventSendDone is reported at once, or during a later
+  /// wait.
   void SetSThreshold(int characters) override;
   void Output(const QByteArray& characters) override;
   [[nodiscard]] int InBufferCount() override;
   [[nodiscard]] QByteArray Input() override;
 
   /// Sends what is queued meanwhile.
-  [[nodiscard]] InputWait WaitForInput(double seconds) override { return WaitForInputOf(1, seconds); }
-  [[nodiscard]] InputWait WaitForInputOf(int characters, double seconds) override;
+  [[nodiscard]] InputWait WaitForInput(double seconds) override;
   [[nodiscard]] int CommEvent() override;
 
  private:
@@ -74,11 +66,9 @@ class PosixSerialControl final : public SerialControl {
   DeviceResolver resolver_;
   std::unique_ptr<SerialDriver> driver_;
   Descriptor port_;
-  std::int64_t character_ns_ = 0;  // the least time between two characters
   bool isPseudoTerminal_ = false;
   bool hasParity_ = false;
   bool lineGone_ = false;
-  bool allRead_ = false;      // the last wait has found characters, and no more than those in input_
   bool unsent_ = false;       // the driver may hold characters that have not gone out
   std::optional<bool> rts_;   // as it was set since Open()
   bool reportsSent_ = false;  // OnComm is told of kCommEventSendDone

@@ -207,19 +207,6 @@ void PrintTo(const WriteExample& example, std::ostream* out) {
   PrintTo(example.digits, out);
 }
 
-// What is known about the length of replies spares looking at each character.
-TEST_F(ControllerCommands, RepliesAreNotLookedAtBeforeTheirEnd) {
-  line.Expect(Request("R1F00")).Reply("1").Reply("0102R04D220\r");
-  qint16 word = 0;
-  EXPECT_TRUE(commands.ReadInt(1, word, u"1F00"_s));
-  EXPECT_EQ(line.wanted, (std::vector<int>{1, 12}));
-
-  line.wanted.clear();
-  line.Expect(Request("W1F0004D2")).Reply("1").Reply(Answer({}).sliced(1));
-  EXPECT_TRUE(commands.WriteWord(1, 1234, u"1F00"_s));
-  EXPECT_EQ(line.wanted, (std::vector<int>{1, 8}));
-}
-
 class WriteWordValues : public ControllerCommands, public testing::WithParamInterface<WriteExample> {};
 
 TEST_P(WriteWordValues, SendTheirLow16Bits) {

@@ -53,33 +53,37 @@ inline Verdict VerdictOnLine(const QByteArray& line) {
   return {{}, content.mid(6)};
 }
 
-/// No arrival may fall on the very end of a waiting time.
+/// No arrival may fall on the very end of a waiting time. Characters count one by one, whatever they come
+/// with.
 inline Verdict VerdictByRules(const QByteArray& request, const std::vector<Arrival>& arrivals) {
   constexpr double wait_ms = 400;
   constexpr double whole_ms = 1200;
   constexpr unsigned char lastControl = 13;
   double since_ms = 0;
   QByteArray line;
+  const auto notInTime = [&line] {
+    return Verdict{
+        QStringLiteral("ERROR: ungültiger Empfang:  (") + QString::fromLatin1(line) + QStringLiteral(")."),
+        {}};
+  };
   for (const Arrival& arrival : arrivals) {
     const bool late = arrival.at_ms - since_ms >= wait_ms || arrival.at_ms >= whole_ms;
     if (late && line.isEmpty()) break;
-    if (late)
-      return {
-          QStringLiteral("ERROR: ungültiger Empfang:  (") + QString::fromLatin1(line) + QStringLiteral(")."),
-          {}};
-    if (line.isEmpty()) since_ms = arrival.at_ms;
-    line += arrival.characters;
-    if (static_cast<unsigned char>(line.back()) > lastControl) continue;
-    if (line.front() != '#') return VerdictOnLine(line);
-    // It begins with the echo of the request.
-    line.remove(0, request.size());
-    if (!line.isEmpty() && line.back() >= 10 && line.back() <= 13) return VerdictOnLine(line);
-    line.clear();
-    since_ms = arrival.at_ms;
+    if (late) return notInTime();
+    for (const char c : arrival.characters) {
+      if (line.isEmpty()) since_ms = arrival.at_ms;
+      line += c;
+      if (static_cast<unsigned char>(c) > lastControl) continue;
+      if (line.front() != '#') return VerdictOnLine(line);
+      // It begins with the echo of the request.
+      line.remove(0, request.size());
+      if (!line.isEmpty() && line.back() >= 10 && line.back() <= 13) return VerdictOnLine(line);
+      line.clear();
+      since_ms = arrival.at_ms;
+    }
   }
-  if (line.isEmpty()) return {QStringLiteral("ERROR: kein Empfang"), {}};
-  return {QStringLiteral("ERROR: ungültiger Empfang:  (") + QString::fromLatin1(line) + QStringLiteral(")."),
-          {}};
+  if (!line.isEmpty()) return notInTime();
+  return {QStringLiteral("ERROR: kein Empfang"), {}};
 }
 
 }  // namespace kalivor::test

@@ -22,19 +22,19 @@ void SimulatedLine::PlugIn() {
 bool SimulatedLine::Open(int /*number*/, const QString& settings) {
   ++openings;
   const int baud = settings.section(u',', 0, 0).toInt();
-  if (open_ || !openable || baud <= 0 || Gone()) return false;
-  (void)model_.TakeDue(Now());
-  input_.clear();
-  baud_ = baud;
-  sendThreshold_ = 0;
-  sendEventDue_ = false;
+  Close();
   event_ = platform::kCommEventNone;
+  if (!openable || baud <= 0 || Gone()) return false;
+  (void)model_.TakeDue(Now());
+  baud_ = baud;
   open_ = true;
   return true;
 }
 
 void SimulatedLine::Close() {
   open_ = false;
+  input_.clear();
+  sendEventDue_ = false;
 }
 
 bool SimulatedLine::SetRts(bool /*raised*/) {
@@ -57,6 +57,11 @@ void SimulatedLine::SetSThreshold(int characters) {
 
 void SimulatedLine::Output(const QByteArray& characters) {
   if (!open_ || Gone()) return;
+  if (characters.size() > kOutputLimit_bytes) {
+    event_ = platform::kCommEventTransmitFull;
+    if (OnComm) OnComm();
+    return;
+  }
   sent += characters;
   model_.Receive(Now(), characters, baud_);
   sendEventDue_ = true;
@@ -87,6 +92,7 @@ platform::InputWait SimulatedLine::WaitForInput(double seconds) {
 
 int SimulatedLine::CommEvent() {
   Settle();
+  if (open_ && Gone()) event_ = platform::kCommEventDeviceControlBlock;
   return lineError != platform::kCommEventNone ? lineError : event_;
 }
 
@@ -114,7 +120,7 @@ void SimulatedLine::Settle() {
   input_ += arrived;
   if (!sendEventDue_ || sendThreshold_ <= 0 || model_.SentUntil() > now) return;
   sendEventDue_ = false;
-  event_ = platform::kCommEventSendDone;
+  if (event_ == platform::kCommEventNone) event_ = platform::kCommEventSendDone;
   if (OnComm) OnComm();
 }
 

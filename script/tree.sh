@@ -7,8 +7,9 @@ make_tree() {
   [ "$(id -u)" -eq 0 ] || die "Making a tree of its own needs the rights of root."
   # shellcheck source=/dev/null
   codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  # Where there is none, grep fails.
   sources=$(apt-get indextargets --format 'deb $(SITE) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' | sort -u |
-    grep " $codename")
+    grep " $codename" || true)
   mirror=$(awk -v "suite=$codename" '$3 == suite { print $2; exit }' <<<"$sources")
   [ -n "$mirror" ] || die "This machine knows no place that holds $codename."
   [ -z "${2:-}" ] || options+=("--include=$2")

@@ -147,15 +147,13 @@ int RunProgram(QApplication& application, Process& process, const ui::RunSetting
   process.box.BeforeShow = [&splash] { splash.hide(); };
   splash.ShowNow();
   std::unique_ptr<Printing> printing;
-  ui::Desktop desktop({*process.settings, process.box, process.files, process.line, process.clock,
-                       process.events, QCoreApplication::applicationDirPath(), process.SystemInformation(),
-                       [](const QString& text) {
-                         platform::AskAndPrintText(QApplication::activeWindow(), u"Report"_s, text);
-                       },
-                       process.dialogs, process.help,
-                       [&process](int number) { return PresentDevice(process.devices.Device(number)); },
-                       [&printing] { printing->Print(); }},
-                      run);
+  ui::Desktop desktop(
+      {*process.settings, process.box, process.files, process.line, process.clock, process.events,
+       QCoreApplication::applicationDirPath(), process.SystemInformation(),
+       [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); }, process.dialogs,
+       process.help, [&process](int number) { return PresentDevice(process.devices.Device(number)); },
+       [&printing] { printing->Print(); }},
+      run);
   printing = std::make_unique<Printing>(desktop);
   if (!device.isEmpty()) process.devices.Override(desktop.module.Schnittstelle, device);
   QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop.main,

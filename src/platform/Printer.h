@@ -16,6 +16,9 @@ inline constexpr int kLandscape = 2;
 /// The value of Printer::PaperSize() for A4.
 inline constexpr int kPaperA4 = 9;
 
+/// A flag of Printer::Choose(): there is no selected part of the document to print.
+inline constexpr qint32 kNoSelection = 4;
+
 class Printer {
  public:
   virtual ~Printer() = default;

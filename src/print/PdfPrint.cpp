@@ -22,13 +22,15 @@ class PdfPages final : public PreviewPages {
  protected:
   void PrintForm() override {
     const PageView page = View();
-    document_.AddPage(page.geometry.Orientation == kLandscape,
-                      [&](QPainter& painter) { painter_.Draw(painter, page); });
+    const bool landscape = page.geometry.Orientation == kLandscape;
+    const QPageLayout paper(QPageSize(QPageSize::A4),
+                            landscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF());
+    document_.AddPage(paper, [&](QPainter& painter) { painter_.Draw(painter, page); });
     ++printed;
   }
 
  private:
-  platform::PdfFile document_;
+  platform::PdfFile document_{u"Parameterliste"_s};
   PagePainter painter_;
 };
 

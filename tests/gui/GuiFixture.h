@@ -152,7 +152,10 @@ class GuiTest : public testing::Test {
                                                       events,
                                                       u"/programm"_s,
                                                       system,
-                                                      [this](const QString& text) { printed.append(text); },
+                                                      [this](const QString& text) {
+                                                        if (onPrint) onPrint();
+                                                        printed.append(text);
+                                                      },
                                                       dialogs,
                                                       help,
                                                       [this](int number) { return devices.value(number); },
@@ -240,6 +243,7 @@ class GuiTest : public testing::Test {
   FakeClock clock;
   TestEvents events;
   QStringList printed;
+  std::function<void()> onPrint;  ///< when a report is to be printed
   FakeFileDialogs dialogs;
   FakeHelp help;
   QMap<int, QString> devices;  ///< behind the port numbers

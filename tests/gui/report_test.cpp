@@ -179,6 +179,22 @@ TEST_F(ReportTest, PrintPrintsTheText) {
   EXPECT_EQ(ReportText(), u"a\nb\n"_s);
 }
 
+TEST_F(ReportTest, APrintThatFailsShowsABoxAndLosesNothing) {
+  Start();
+  desktop->report.Show();
+  desktop->report.Add(u"a"_s);
+  onPrint = [] { throw RuntimeError(RuntimeError::Kind::FileError, u"Die Datei"_s); };
+  Click(Dialog(), u"CommandPrint"_s);
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1);
+  EXPECT_EQ(boxes[0].text, u"Die Datei"_s);
+  EXPECT_TRUE(Dialog().isVisible());
+  EXPECT_EQ(ReportText(), u"a\n"_s);
+  onPrint = {};
+  Click(Dialog(), u"CommandPrint"_s);
+  EXPECT_EQ(printed, QStringList(u"a\r\n"_s));
+}
+
 TEST_F(ReportTest, StaysAboveTheMainWindowWithoutBeingItsChild) {
   Start();
   desktop->report.Show();

@@ -255,7 +255,7 @@ TEST_F(PrintSystem, AFileCanBeChosenInsteadOfThePrinter) {
 
 TEST_F(PrintSystem, AReportArrives) {
   WhenOpen([](QDialog& dialog) { PressOk(dialog); });
-  platform::AskAndPrintText(nullptr, u"Report"_s, u"Empfangen..\r\nEmpfangen beendet\r\n"_s);
+  platform::AskAndPrintText(u"Report"_s, u"Empfangen..\r\nEmpfangen beendet\r\n"_s);
   const std::vector<ArrivedJob> jobs = server.Jobs(1);
   ASSERT_EQ(jobs.size(), 1);
   EXPECT_EQ(jobs[0].title, u"Report"_s);
@@ -266,7 +266,7 @@ TEST_F(PrintSystem, AReportArrives) {
 TEST_F(PrintSystem, AReportThatIsNotTakenIsAnError) {
   server.Reject();
   WhenOpen([](QDialog& dialog) { PressOk(dialog); });
-  EXPECT_EQ(ThrownKind([] { platform::AskAndPrintText(nullptr, u"Report"_s, u"Empfangen..\r\n"_s); }),
+  EXPECT_EQ(ThrownKind([] { platform::AskAndPrintText(u"Report"_s, u"Empfangen..\r\n"_s); }),
             RuntimeError::Kind::FileError);
   EXPECT_EQ(server.TakenJobs(), 0);
 }

@@ -1,7 +1,5 @@
 // Printing into a PDF file from the frame.
-#include <sys/resource.h>
-#include <csignal>
-
+#include "print/FullDisk.h"
 #include "print/Poppler.h"
 #include "print/WindowSite.h"
 
@@ -96,16 +94,10 @@ TEST(PrintToFile, AWriteThatFailsHalfwayLeavesTheOldFile) {
   site.module.Kopien = 1;
   site.Open();
 
-  // As on a full disk: after so many bytes there is no writing on.
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{1000, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  site.Press(u"Drucken"_s);
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
-
+  {
+    const FullDisk disk(1000);
+    site.Press(u"Drucken"_s);
+  }
   EXPECT_EQ(TakeBoxes(site.box), QStringList(u"Die Datei kann nicht geschrieben werden: "_s + site.file));
   EXPECT_EQ(site.Files(), QStringList(u"liste.pdf"_s));
   ASSERT_TRUE(old.open(QIODevice::ReadOnly));

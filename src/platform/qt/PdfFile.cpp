@@ -1,6 +1,5 @@
 #include "platform/qt/PdfFile.h"
 
-#include <QPageLayout>
 #include <QSaveFile>
 
 using namespace Qt::StringLiterals;
@@ -13,22 +12,19 @@ constexpr double kCentimetresPerInch = 2.54;
 
 }  // namespace
 
-PdfFile::PdfFile() : writer_(&content_) {
+PdfFile::PdfFile(const QString& title) : writer_(&content_) {
   content_.open(QIODevice::WriteOnly);
   writer_.setCreator(u"KALIVOR"_s);
-  writer_.setTitle(u"Parameterliste"_s);
+  writer_.setTitle(title);
   writer_.setResolution(kResolution_dpi);
 }
 
-void PdfFile::AddPage(bool landscape, const std::function<void(QPainter&)>& draw) {
+void PdfFile::AddPage(const QPageLayout& paper, const std::function<void(QPainter&)>& draw) {
+  if (!complete_) return;
   // Takes effect with the next page that is begun.
-  writer_.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
-                                    landscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF()));
-  if (painter_.isActive()) {
-    writer_.newPage();
-  } else {
-    painter_.begin(&writer_);
-  }
+  complete_ = writer_.setPageLayout(QPageLayout(paper.pageSize(), paper.orientation(), QMarginsF())) &&
+              (painter_.isActive() ? writer_.newPage() : painter_.begin(&writer_));
+  if (!complete_) return;
   painter_.save();
   painter_.scale(kResolution_dpi / kCentimetresPerInch, kResolution_dpi / kCentimetresPerInch);
   draw(painter_);
@@ -36,7 +32,7 @@ void PdfFile::AddPage(bool landscape, const std::function<void(QPainter&)>& draw
 }
 
 bool PdfFile::Save(const QString& path) {
-  if (!painter_.end()) return false;
+  if (!painter_.isActive() || !painter_.end() || !complete_) return false;
   QSaveFile file(path);
   // A disk that gets full takes a part, which the toolkit does not count as an error, and with a buffer does
   // not even tell.

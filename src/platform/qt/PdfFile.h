@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QBuffer>
+#include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
 #include <functional>
@@ -9,24 +10,26 @@
 
 namespace kalivor::platform {
 
-/// Pages of A4. Needs a QGuiApplication.
+/// Needs a QGuiApplication.
 class PdfFile {
  public:
-  PdfFile();
+  explicit PdfFile(const QString& title);
   PdfFile(const PdfFile&) = delete;
   PdfFile& operator=(const PdfFile&) = delete;
 
-  /// Appends a page. `draw` gets a painter in centimetres, the origin at the upper left corner of the paper.
-  void AddPage(bool landscape, const std::function<void(QPainter&)>& draw);
+  /// Appends a page on `paper`, whose margins do not count. `draw` gets a painter in centimetres, the origin
+  /// at the upper left corner of the paper.
+  void AddPage(const QPageLayout& paper, const std::function<void(QPainter&)>& draw);
 
-  /// Writes the file; there must be a page, and nothing can be added afterwards. False when it cannot be
-  /// written: a file that was there before stays as it was, and no other is left behind.
+  /// Writes the file; nothing can be added afterwards. False when it cannot be written, or there is no page:
+  /// a file that was there before stays as it was, and no other is left behind.
   [[nodiscard]] bool Save(const QString& path);
 
  private:
   QBuffer content_;
   QPdfWriter writer_;
   QPainter painter_;
+  bool complete_ = true;  // no page is missing
 };
 
 }  // namespace kalivor::platform

@@ -23,9 +23,6 @@ constexpr double kCentimetresPerInch = 2.54;
 // Any paper but A4.
 constexpr int kOtherPaper = 256;
 
-// What the dialog's flags say about it: the choice of a selected part of the document is off.
-constexpr qint32 kNoSelection = 4;
-
 // `path` with the first number before its suffix that no file has: "liste-2.pdf".
 QString NumberedFile(const QString& path) {
   const QFileInfo file(path);
@@ -39,8 +36,9 @@ QString NumberedFile(const QString& path) {
 
 }  // namespace
 
-QtPrinter::QtPrinter() : printer_(QPrinter::HighResolution) {
-  printer_.setDocName(u"Parameterliste"_s);
+QtPrinter::QtPrinter(const QString& title, const QString& fileName)
+    : printer_(QPrinter::HighResolution), fileName_(fileName) {
+  printer_.setDocName(title);
   printer_.setCreator(u"KALIVOR"_s);
   printer_.setFullPage(true);
 }
@@ -59,6 +57,11 @@ int QtPrinter::PaperSize() const {
 
 void QtPrinter::SetPaperSize(int paperSize) {
   if (paperSize == kPaperA4) printer_.setPageSize(QPageSize(QPageSize::A4));
+}
+
+QSizeF QtPrinter::Paper_cm() const {
+  constexpr double kMillimetresPerCentimetre = 10;
+  return printer_.pageLayout().fullRect(QPageLayout::Millimeter).size() / kMillimetresPerCentimetre;
 }
 
 void QtPrinter::UseFile(const QString& path) {
@@ -91,7 +94,7 @@ void QtPrinter::UseDefaultPrinter() {
     printer_.setPrinterName(standard.printerName());
   } else if (QPrinterInfo::availablePrinterNames().isEmpty()) {
     printer_.setOutputFormat(QPrinter::PdfFormat);
-    if (printer_.outputFileName().isEmpty()) printer_.setOutputFileName(ProposedFile(u"KALIVOR.pdf"_s));
+    if (printer_.outputFileName().isEmpty()) printer_.setOutputFileName(ProposedFile(fileName_));
   }
   SetOrientation(orientation);
 }
@@ -134,9 +137,12 @@ void QtPrinter::Send(const std::vector<Draw>& pages) {
   bool complete = printer_.isValid() && painter.begin(&printer_);
   if (!complete) throw RuntimeError(RuntimeError::Kind::MissingObject, u"Der Drucker ist nicht bereit."_s);
   painter.scale(printer_.logicalDpiX() / kCentimetresPerInch, printer_.logicalDpiY() / kCentimetresPerInch);
-  for (std::size_t page = 0; page < pages.size() && complete; ++page) {
+  for (std::size_t page = 0; page < pages.size(); ++page) {
     if (page > 0) complete = printer_.newPage();
-    if (complete) pages[page](painter);
+    if (!complete) break;
+    painter.save();
+    pages[page](painter);
+    painter.restore();
   }
   if (!complete) printer_.abort();
   complete = painter.end() && complete && printer_.printerState() != QPrinter::Error;
@@ -148,9 +154,9 @@ void QtPrinter::Send(const std::vector<Draw>& pages) {
 QString QtPrinter::EndPrinting() {
   if (filePages_.empty()) return {};
   const std::vector<Draw> pages = std::exchange(filePages_, {});
-  PdfFile pdf;
+  PdfFile pdf(printer_.docName());
   for (const Draw& page : pages)
-    pdf.AddPage(Orientation() == kLandscape, page);
+    pdf.AddPage(printer_.pageLayout(), page);
   const QString chosen = printer_.outputFileName();
   QString path = fileWritten_ ? NumberedFile(chosen) : chosen;
   if (!pdf.Save(path)) {

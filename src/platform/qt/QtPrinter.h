@@ -12,7 +12,10 @@ namespace kalivor::platform {
 /// every system.
 class QtPrinter final : public Printer {
  public:
-  QtPrinter();
+  /// `title` names the document in print queues and PDF files. `fileName` is proposed to a user without a
+  /// printer.
+  explicit QtPrinter(const QString& title = QStringLiteral("Parameterliste"),
+                     const QString& fileName = QStringLiteral("KALIVOR.pdf"));
   QtPrinter(const QtPrinter&) = delete;
   QtPrinter& operator=(const QtPrinter&) = delete;
 
@@ -25,6 +28,9 @@ class QtPrinter final : public Printer {
   void EndDoc() override;
   [[nodiscard]] QString EndPrinting() override;
   void AbortDoc() noexcept override;
+
+  /// The size of the paper as it lies.
+  [[nodiscard]] QSizeF Paper_cm() const;
 
   /// Prints into a PDF file from now on, until the user chooses something else. The first command replaces
   /// the file; each later one writes another beside it ("liste-2.pdf"), so that none is lost unasked.
@@ -45,6 +51,7 @@ class QtPrinter final : public Printer {
   [[nodiscard]] bool PrintsToFile() const { return printer_.outputFormat() == QPrinter::PdfFormat; }
 
   QPrinter printer_;
+  QString fileName_;
   std::vector<Draw> job_;        // the pages of the job under way
   std::vector<Draw> filePages_;  // of ended jobs that go into the same file
   bool fileWritten_ = false;     // since the file was chosen

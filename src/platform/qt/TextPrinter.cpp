@@ -2,14 +2,11 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPrintDialog>
-#include <QPrinter>
 #include <QStringList>
 #include <algorithm>
 
-#include "platform/RuntimeError.h"
 #include "platform/qt/FixedFont.h"
-#include "platform/qt/PrintJobs.h"
+#include "platform/qt/QtPrinter.h"
 #include "platform/qt/ShownText.h"
 
 using namespace Qt::StringLiterals;
@@ -18,8 +15,21 @@ namespace kalivor::platform {
 namespace {
 
 constexpr double kFontSize_pt = 9;
+constexpr double kCentimetresPerPoint = 2.54 / 72;
+constexpr double kPaperMargin_cm = 1.5;
 constexpr int kHeadingLines = 2;  // the title and a blank line
 constexpr int kFooterLines = 2;   // a blank line and the page number
+
+// Fonts have whole sizes, so text is drawn in thousandths of a centimetre.
+constexpr double kUnitsPerCentimetre = 1000;
+
+QFont TextFont() {
+  QFont font = FixedFont();
+  font.setPixelSize(static_cast<int>(kFontSize_pt * kCentimetresPerPoint * kUnitsPerCentimetre));
+  font.setKerning(false);
+  font.setHintingPreference(QFont::PreferNoHinting);
+  return font;
+}
 
 QStringList CutLines(const QString& text, qsizetype width) {
   QStringList lines;
@@ -35,51 +45,48 @@ QStringList CutLines(const QString& text, qsizetype width) {
 
 }  // namespace
 
-int PrintText(QPagedPaintDevice& device, const QString& title, const QString& text) {
-  QPainter painter;
-  if (!painter.begin(&device)) return 0;
-  QFont font = FixedFont();
-  font.setPointSizeF(kFontSize_pt);
-  painter.setFont(font);
-  const QFontMetricsF metrics(font, &device);
+std::vector<Printer::Draw> TextPages(const QString& title, const QString& text, const QSizeF& paper_cm) {
+  const QFont font = TextFont();
+  const QFontMetricsF metrics(font);
   const double pitch = metrics.lineSpacing();
-  const QRectF area(0, 0, painter.window().width(), painter.window().height());
-  const auto perLine = std::max(1, static_cast<int>(area.width() / metrics.horizontalAdvance(u'0')));
+  const double margin = kPaperMargin_cm * kUnitsPerCentimetre;
+  const QSizeF area = paper_cm * kUnitsPerCentimetre - QSizeF(2 * margin, 2 * margin);
+  const int perLine = std::max(1, static_cast<int>(area.width() / metrics.horizontalAdvance(u'0')));
   const int perPage = std::max(1, static_cast<int>(area.height() / pitch) - kHeadingLines - kFooterLines);
 
   const QStringList lines = CutLines(text, perLine);
-  const int pages = static_cast<int>((lines.size() + perPage - 1) / perPage);
-  const auto draw = [&](int line, const QString& content, Qt::Alignment alignment) {
-    painter.drawText(QRectF(0, line * pitch, area.width(), pitch),
-                     static_cast<int>(alignment) | Qt::TextSingleLine, content);
-  };
-  for (int page = 0; page < pages; ++page) {
-    if (page > 0 && !device.newPage()) break;
-    draw(0, title, Qt::AlignLeft);
-    for (int i = 0; i < perPage && page * perPage + i < lines.size(); ++i)
-      draw(kHeadingLines + i, lines.at(page * perPage + i), Qt::AlignLeft);
-    draw(kHeadingLines + perPage + 1, u"Seite %1 von %2"_s.arg(page + 1).arg(pages), Qt::AlignHCenter);
+  const qsizetype count = (lines.size() + perPage - 1) / perPage;
+  std::vector<Printer::Draw> pages;
+  for (qsizetype page = 0; page < count; ++page) {
+    const QString number = u"Seite %1 von %2"_s.arg(page + 1).arg(count);
+    pages.emplace_back([=, shown = lines.mid(page * perPage, perPage)](QPainter& painter) {
+      painter.scale(1 / kUnitsPerCentimetre, 1 / kUnitsPerCentimetre);
+      painter.translate(margin, margin);
+      painter.setFont(font);
+      const auto draw = [&](qsizetype line, const QString& content, Qt::Alignment alignment) {
+        painter.drawText(QRectF(0, static_cast<double>(line) * pitch, area.width(), pitch),
+                         static_cast<int>(alignment) | Qt::TextSingleLine, content);
+      };
+      draw(0, title, Qt::AlignLeft);
+      for (qsizetype line = 0; line < shown.size(); ++line)
+        draw(kHeadingLines + line, shown.at(line), Qt::AlignLeft);
+      draw(kHeadingLines + perPage + 1, number, Qt::AlignHCenter);
+    });
   }
   return pages;
 }
 
-void AskAndPrintText(QWidget* parent, const QString& title, const QString& text) {
-  QPrinter printer(QPrinter::HighResolution);
-  printer.setDocName(title);
-  if (printer.outputFormat() == QPrinter::PdfFormat)
-    printer.setOutputFileName(ProposedFile(title + u".pdf"_s));
-  QPrintDialog dialog(&printer, parent);
-  dialog.setObjectName(u"CDlg"_s);
-  if (dialog.exec() != QDialog::Accepted) return;
-  const bool printed = PrintText(printer, title, text) > 0;
-  if (printer.outputFormat() == QPrinter::PdfFormat) {
-    if (printed) return;
-    throw RuntimeError(RuntimeError::Kind::FileError,
-                       u"Die Datei kann nicht geschrieben werden: "_s + printer.outputFileName());
+void AskAndPrintText(const QString& title, const QString& text) {
+  QtPrinter printer(title, title + u".pdf"_s);
+  const std::optional<int> copies = printer.Choose(kNoSelection);
+  if (!copies) return;
+  const std::vector<Printer::Draw> pages = TextPages(title, text, printer.Paper_cm());
+  for (int copy = 0; copy < *copies; ++copy) {
+    for (const Printer::Draw& page : pages)
+      printer.PrintPage(page);
   }
-  const std::optional<QString> refusal = RefusedJob();
-  if (!printed || refusal)
-    throw RuntimeError(RuntimeError::Kind::FileError, RefusalText(printer.printerName(), refusal));
+  printer.EndDoc();
+  (void)printer.EndPrinting();
 }
 
 }  // namespace kalivor::platform

@@ -10,6 +10,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <array>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -122,15 +123,17 @@ void MDIFormPrint::BuildToolbar() {
 }
 
 void MDIFormPrint::Load() {
-  auto* desk = new QWidget;
-  auto* layout = new QVBoxLayout(desk);
+  auto desk = std::make_unique<QWidget>();
+  auto* layout = new QVBoxLayout(desk.get());
   layout->setContentsMargins(kPageMargin_px, kPageMargin_px, kPageMargin_px, kPageMargin_px);
-  preview_ = new FormPrintPreview(world_, guard_, desk);
-  preview_->OnChange = [this] { panel1_->setText(preview_->PanelText()); };
-  layout->addWidget(preview_, 0, Qt::AlignLeft | Qt::AlignTop);
-  area_->setWidget(desk);
+  auto* preview = new FormPrintPreview(world_, guard_, desk.get());
+  layout->addWidget(preview, 0, Qt::AlignLeft | Qt::AlignTop);
+  preview->Initialize_fPP();
+  preview->OnChange = [this, preview] { panel1_->setText(preview->PanelText()); };
+  preview->OnChange();
+  area_->setWidget(desk.release());
   area_->viewport()->setAutoFillBackground(true);
-  preview_->Initialize_fPP();
+  preview_ = preview;
   FitToPage();
 }
 

@@ -16,7 +16,8 @@ class MDIFormPrint final : public QMainWindow {
   /// `guard` runs what the user sets off.
   MDIFormPrint(const PrintWorld& world, platform::EventGuard guard);
 
-  /// Shows the frame in front. The first time it loads: it makes the preview, which starts by itself.
+  /// Shows the frame in front. The first time it loads: it makes the preview, which starts by itself. When
+  /// that throws, there is neither, and the next time is the first again.
   void ShowForm();
 
   /// Starts the preview again; ShowForm() has to have been called.

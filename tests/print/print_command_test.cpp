@@ -73,6 +73,26 @@ TEST(PrintCommand, ErrorsAreSilent) {
   EXPECT_TRUE(site.frame.isVisible());
 }
 
+TEST(PrintCommand, AfterAFailedFirstPrintTheSecondIsLikeAFirst) {
+  WindowSite site;
+  site.module.Par[5].Zahl1 = 10;  // a value that cannot be shown
+  for (int print = 1; print <= 2; ++print) {
+    mnuFilePrint_Click(site.frame);
+    EXPECT_FALSE(site.frame.isVisible()) << print;
+    EXPECT_EQ(site.frame.Preview(), nullptr) << print;
+    EXPECT_EQ(site.Status(), QString()) << print;
+  }
+
+  site.module.Par[5].Zahl1 = 0;
+  mnuFilePrint_Click(site.frame);
+  WindowSite other;
+  mnuFilePrint_Click(other.frame);
+  EXPECT_TRUE(site.frame.isVisible());
+  EXPECT_EQ(site.frame.size(), other.frame.size()) << "made to fit the page";
+  EXPECT_EQ(site.Status(), other.Status());
+  EXPECT_EQ(site.Preview().Footer(), other.Preview().Footer());
+}
+
 TEST(PrintCommand, TheNoteAboutThePaperIsShown) {
   WindowSite site;
   site.printer.paperSize = 1;

@@ -66,7 +66,7 @@ MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
       guard_(std::move(guard)),
       area_(new QScrollArea(this)),
       panel1_(new QLabel),
-      panel2_(new QLabel) {
+      panel2_(new platform::ElidedLabel) {
   setObjectName(u"MDIFormPrint"_s);
   setWindowTitle(u"Print Preview"_s);
   BuildToolbar();
@@ -82,9 +82,6 @@ MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
   panel1_->setTextFormat(Qt::PlainText);
   statusBar()->addWidget(panel1_);
   panel2_->setObjectName(u"panel2"_s);
-  panel2_->setTextFormat(Qt::PlainText);
-  // However long a path is, it does not make the window wider.
-  panel2_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   statusBar()->addWidget(panel2_, 1);
 }
 
@@ -216,10 +213,7 @@ void MDIFormPrint::PrintWith(void (PreviewPages::*command)()) {
 
 // Jobs after the first one get names that the user has not chosen.
 void MDIFormPrint::ShowFile(const QString& path) {
-  const QString text = path.isEmpty() ? QString() : u"Gedruckt in "_s + path;
-  const int room = statusBar()->width() - 2 * panel1_->sizeHint().width();
-  panel2_->setText(panel2_->fontMetrics().elidedText(text, Qt::ElideMiddle, room));
-  panel2_->setAccessibleName(text);
+  panel2_->ShowText(path.isEmpty() ? QString() : u"Gedruckt in "_s + path);
 }
 
 void MDIFormPrint::closeEvent(QCloseEvent* event) {

@@ -6,6 +6,7 @@
 #include <QScrollArea>
 #include <QToolButton>
 
+#include "platform/qt/ElidedLabel.h"
 #include "print/FormPrintPreview.h"
 
 namespace kalivor::print {
@@ -53,7 +54,7 @@ class MDIFormPrint final : public QMainWindow {
   QScrollArea* area_;
   QToolButton* format_ = nullptr;
   QLabel* panel1_;
-  QLabel* panel2_;  // the file that was written
+  platform::ElidedLabel* panel2_;  // the file that was written
 };
 
 }  // namespace kalivor::print

@@ -134,6 +134,29 @@ TEST(PrintToFile, ALongPathDoesNotMakeTheFrameWider) {
   EXPECT_LT(site.frame.minimumSizeHint().width(), width + 1);
 }
 
+TEST(PrintToFile, TheFileIsShownAsFarAsTheFrameIsWide) {
+  FileSite site;
+  site.printer.UseFile(site.folder.filePath(QString(150, u'n') + u".pdf"_s));
+  site.module.Kopien = 1;
+  site.Open();
+  site.Press(u"SeiteDrucken"_s);
+  auto* panel = site.Find<QLabel>(u"panel2"_s);
+  const QString whole = site.PrintedFile();
+  const auto shownAt = [&](int width) {
+    site.frame.resize(width, site.frame.height());
+    QCoreApplication::processEvents();
+    EXPECT_LE(panel->fontMetrics().horizontalAdvance(panel->text()), panel->width()) << "nothing is cut off";
+    return panel->text();
+  };
+  const QString narrow = shownAt(600);
+  const QString wider = shownAt(900);
+  EXPECT_NE(narrow, whole);
+  EXPECT_GT(wider.size(), narrow.size());
+  EXPECT_EQ(shownAt(3000), whole);
+  EXPECT_EQ(shownAt(600), narrow);
+  EXPECT_EQ(site.PrintedFile(), whole) << "a screen reader reads all of it";
+}
+
 TEST(PrintToFile, TheNextPrintCommandForgetsTheFile) {
   FileSite site;
   site.module.Kopien = 1;

@@ -70,6 +70,7 @@ MDIFormPrint::MDIFormPrint(const PrintWorld& world, platform::EventGuard guard)
   setObjectName(u"MDIFormPrint"_s);
   setWindowTitle(u"Print Preview"_s);
   BuildToolbar();
+  AddKeys();
 
   area_->setAccessibleName(u"Druckvorschau"_s);
   area_->setWidgetResizable(true);
@@ -119,6 +120,18 @@ void MDIFormPrint::BuildToolbar() {
   connect(open, &QShortcut::activated, format_, &QToolButton::showMenu);
 }
 
+// Whatever has the focus, the page too, which would scroll.
+void MDIFormPrint::AddKeys() {
+  const auto press = [this](Qt::Key key, const QString& button) {
+    connect(new QShortcut(key, this), &QShortcut::activated, this,
+            [this, button] { guard_([&] { Toolbar1_ButtonClick(button); }); });
+  };
+  press(Qt::Key_PageUp, u"back"_s);
+  press(Qt::Key_PageDown, u"fwd"_s);
+  press(Qt::Key_Escape, u"Abbrechen"_s);
+}
+
+// The preview becomes part of the frame once it has started: of one that fails nothing is left.
 void MDIFormPrint::Load() {
   auto desk = std::make_unique<QWidget>();
   auto* layout = new QVBoxLayout(desk.get());

@@ -11,7 +11,8 @@
 
 namespace kalivor::print {
 
-/// Made once and kept; closing it hides it. While it prints, neither it nor the main window takes input.
+/// Made once and kept; closing it hides it, and so does Escape. Page Up and Page Down turn the pages. While
+/// it prints, neither it nor the main window takes input.
 class MDIFormPrint final : public QMainWindow {
  public:
   /// `guard` runs what the user sets off.
@@ -40,6 +41,7 @@ class MDIFormPrint final : public QMainWindow {
 
  private:
   void BuildToolbar();
+  void AddKeys();
   void Load();
   void FitToPage();
   void NextScale();

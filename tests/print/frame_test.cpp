@@ -297,5 +297,52 @@ TEST(PrintFrame, EveryButtonCanBeReachedAndPressedByKey) {
   EXPECT_EQ(site.Status(), u"Seite  2 von 3"_s);
 }
 
+// Whatever has the focus: a button, or the page that could be scrolled instead.
+TEST(PrintFrame, PageUpAndPageDownTurnThePages) {
+  WindowSite site;
+  site.Open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&site.frame));
+  site.Press(u"Format"_s);
+  site.frame.resize(400, 300);
+  for (QWidget* focus : {static_cast<QWidget*>(site.Find<QToolButton>(u"Drucken"_s)),
+                         static_cast<QWidget*>(site.frame.findChild<QScrollArea*>())}) {
+    focus->setFocus();
+    QTest::keyClick(focus, Qt::Key_PageDown);
+    EXPECT_EQ(site.Status(), u"Seite  2 von 3"_s);
+    EXPECT_TRUE(site.Preview().Footer().contains(u"Seite  2 von 3"_s)) << "as the button does";
+    QTest::keyClick(focus, Qt::Key_PageUp);
+    EXPECT_EQ(site.Status(), u"Seite  1 von 3"_s);
+    QTest::keyClick(focus, Qt::Key_PageUp);
+    EXPECT_EQ(site.Status(), u"Seite  1 von 3"_s);
+  }
+}
+
+TEST(PrintFrame, EscapeIsSchliessen) {
+  WindowSite site;
+  site.Open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&site.frame));
+  QTest::keyClick(&site.frame, Qt::Key_Escape);
+  EXPECT_FALSE(site.frame.isVisible());
+  site.Open();
+  EXPECT_TRUE(site.frame.isVisible());
+}
+
+TEST(PrintFrame, ItsKeysDoNothingWhilePrinting) {
+  WindowSite site;
+  site.Open();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&site.frame));
+  int asked = 0;
+  site.printer.onPage = [&] {
+    ++asked;
+    const double page = site.Preview().Page;
+    for (const Qt::Key key : {Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Escape})
+      QTest::keyClick(site.frame.windowHandle(), key);
+    EXPECT_EQ(site.Preview().Page, page);
+    EXPECT_TRUE(site.frame.isVisible());
+  };
+  site.Press(u"Drucken"_s);
+  EXPECT_EQ(asked, 3);
+}
+
 }  // namespace
 }  // namespace kalivor::test

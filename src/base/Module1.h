@@ -56,6 +56,10 @@ struct Module1 {
   BoundedArray<ParameterRecord, kLastParameter> Par;  ///< 1..ParCount-1; element 0: the plant-type record
   qint16 ParCount = 1;                                ///< next free index of Par
 
+  // Where Par comes from, to name it when something is wrong with it. Written by the definition reader.
+  QString ParFile;                            ///< path of the definition file; empty before the first one
+  BoundedArray<int, kLastParameter> ParLine;  ///< line of parameter i; 0: element 0 was not in the file
+
   // The version table. Written by its reader and the version list's change handler.
   std::vector<VersionRecord> Versionen = std::vector<VersionRecord>(1);  ///< rows 1..; 0 and the last: empty
   qint16 VersionCount = 1;  ///< row counter while the table is read

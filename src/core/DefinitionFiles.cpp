@@ -89,13 +89,28 @@ void GiveAddress(ParameterRecord& record, const QString& value) {
   record.VarAdresse = record.Offset == 0 ? value : AddOffset(value, record.Offset);
 }
 
-// The items of a definition file; a failure names the path, as it may show in the box of another file.
+// The items of a definition file; a failure names it, as it may show in the box of another file.
 TextItems ReadDefinitionItems(platform::FileSystem& files, const QString& path) {
   try {
     return ReadItems(files, path);
   } catch (const RuntimeError& error) {
-    throw RuntimeError(error.GetKind(), error.Description() + u": "_s + path);
+    throw DefinitionError(error, path);
   }
+}
+
+// Puts a line of the definition file where it belongs in the table.
+void TakeDefinition(Module1& module, QStringView line, int lineNumber, bool hasAddressList) {
+  ParameterRecord record = ParseDefinition(line, hasAddressList);
+  // Values survive a re-read of the same version: they are those of the slot, also for element 0.
+  if (module.ParCount <= kLastParameter) {
+    record.Wert = module.Par[module.ParCount].Wert;
+    record.WertText = module.Par[module.ParCount].WertText;
+  }
+  const bool isPlantType = record.Rubrik == u"NoRubrik";
+  const int index = isPlantType ? 0 : module.ParCount;
+  module.Par[index] = std::move(record);
+  module.ParLine[index] = lineNumber;
+  if (!isPlantType) module.ParCount = ToInt16(module.ParCount + 1);
 }
 
 // Which slots bear which variable name, in table order, so that a long list needs no search per line.
@@ -151,6 +166,12 @@ QString GetRest(QStringView line, int n) {
 
 QString AddOffset(const QString& hex, qint32 offset) {
   return su::HexPad(su::HexToNumber(hex) + offset, static_cast<int>(hex.size()));
+}
+
+RuntimeError DefinitionError(const RuntimeError& error, const QString& path, int line) {
+  QString description = error.Description() + u": "_s + path;
+  if (line > 0) description += u", Zeile "_s + QString::number(line);
+  return RuntimeError(error.GetKind(), description);
 }
 
 ParameterRecord ParseDefinition(QStringView line, bool hasAddressList) {
@@ -228,20 +249,15 @@ void ReadDefinitions(Core& core) {
   module.ParCount = 1;
   module.Par[0].Variable.clear();
   module.Par[0].VarAdresse.clear();
+  module.ParLine[0] = 0;
   const VersionRecord version = SelectedVersion(core);
   const bool hasAddressList = version.AdrDatei != kNoList;
-  for (const TextItem& item : ReadDefinitionItems(core.files, DefinitionPath(module, version.DefDatei))) {
-    ParameterRecord record = ParseDefinition(item.text, hasAddressList);
-    // Values survive a re-read of the same version: they are those of the slot, also for element 0.
-    if (module.ParCount <= kLastParameter) {
-      record.Wert = module.Par[module.ParCount].Wert;
-      record.WertText = module.Par[module.ParCount].WertText;
-    }
-    if (record.Rubrik == u"NoRubrik") {
-      module.Par[0] = std::move(record);
-    } else {
-      module.Par[module.ParCount] = std::move(record);
-      module.ParCount = ToInt16(module.ParCount + 1);
+  module.ParFile = DefinitionPath(module, version.DefDatei);
+  for (const TextItem& item : ReadDefinitionItems(core.files, module.ParFile)) {
+    try {
+      TakeDefinition(module, item.text, item.line, hasAddressList);
+    } catch (const RuntimeError& error) {
+      throw DefinitionError(error, module.ParFile, item.line);
     }
   }
 }

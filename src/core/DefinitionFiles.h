@@ -16,6 +16,10 @@ namespace kalivor {
 /// The number of `hex` plus `offset`, as upper-case hexadecimal of the same length, cut from the left.
 [[nodiscard]] QString AddOffset(const QString& hex, qint32 offset);
 
+/// `error` with the definition file that it comes from behind its description, and the line (from 1) if that
+/// is known.
+[[nodiscard]] RuntimeError DefinitionError(const RuntimeError& error, const QString& path, int line = 0);
+
 /// One definition line as a record; values and address list are not considered (Wert, WertText stay empty).
 /// `hasAddressList` decides what column 9 means. Throws RuntimeError (Overflow) for a number that does not
 /// fit its field.
@@ -33,8 +37,9 @@ namespace kalivor {
 /// The result is always false: the rebuild has then happened through the list's change handler.
 bool ReadVersionTable(Core& core);
 
-/// Reads the definition file of the selected version into Par. Values of the slots are kept.
-/// Throws RuntimeError: FileError when it cannot be read, Bounds at the 2001st parameter, Overflow.
+/// Reads the definition file of the selected version into Par, ParFile and ParLine. Values of the slots are
+/// kept. Throws RuntimeError, with the file and the line in its description: FileError when it cannot be
+/// read, Bounds at the 2001st parameter, Overflow.
 void ReadDefinitions(Core& core);
 
 /// Reads the address list of the selected version, if it has one, into the parameters. An error is shown in a

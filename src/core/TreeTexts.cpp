@@ -2,6 +2,7 @@
 
 #include "base/Numbers.h"
 #include "base/su.h"
+#include "core/DefinitionFiles.h"
 
 using namespace Qt::StringLiterals;
 
@@ -71,6 +72,15 @@ QString ParamText(const ParameterRecord& record) {
   return text;
 }
 
+QString DefinedText(const Module1& module, int index, QString (*text)(const ParameterRecord&)) {
+  try {
+    return text(module.Par[index]);
+  } catch (const RuntimeError& error) {
+    if (module.ParFile.isEmpty()) throw;
+    throw DefinitionError(error, module.ParFile, module.ParLine[index]);
+  }
+}
+
 QString GroupText(const QString& group) {
   return su::Align(group, 63, u"L", u" ") + u"|      |      |"_s;
 }
@@ -110,7 +120,7 @@ void BuildTree(Core& core) {
       tree.SetExpanded(parent, module.NodeState[group] != kFalse);
       tree.SetChecked(parent, checked);
     }
-    const int node = tree.Add(parent, ParameterKey(i), ParamText(record));
+    const int node = tree.Add(parent, ParameterKey(i), DefinedText(module, i, ParamText));
     tree.SetChecked(node, checked);
   }
 }

@@ -18,6 +18,9 @@ namespace kalivor {
 /// The same without minimum, maximum and standard, for printing.
 [[nodiscard]] QString ParamTextShort(const ParameterRecord& record);
 
+/// The `text` (one of the two above) of parameter `index`; an error names the line of its definition.
+[[nodiscard]] QString DefinedText(const Module1& module, int index, QString (*text)(const ParameterRecord&));
+
 /// The text of a group node.
 [[nodiscard]] QString GroupText(const QString& group);
 
@@ -29,7 +32,8 @@ namespace kalivor {
 [[nodiscard]] QString GroupKey(int group);
 [[nodiscard]] QString ParameterKey(int index);
 
-/// Rebuilds the main window's tree from Par. The tree is visible afterwards, also after an error.
+/// Rebuilds the main window's tree from Par. The tree is visible afterwards, also after an error, which names
+/// the line of the definition.
 void BuildTree(Core& core);
 
 }  // namespace kalivor

@@ -18,4 +18,15 @@ template <typename Action>
   return std::nullopt;
 }
 
+/// What the user reads of it; empty when `action` throws none.
+template <typename Action>
+[[nodiscard]] QString ThrownText(Action action) {
+  try {
+    action();
+  } catch (const RuntimeError& error) {
+    return error.Description();
+  }
+  return {};
+}
+
 }  // namespace kalivor::test

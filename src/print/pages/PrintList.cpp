@@ -33,8 +33,8 @@ void PrintList::Make(const Module1& module, QStringView plantType, int orientati
       lastGroup = record.Rubrik;
       nodes.push_back({1, GroupKey(++group), record.Rubrik, true});
     }
-    nodes.push_back(
-        {group > 0 ? 2 : 1, ParameterKey(i), landscape ? ParamText(record) : ParamTextShort(record), false});
+    nodes.push_back({group > 0 ? 2 : 1, ParameterKey(i),
+                     DefinedText(module, i, landscape ? ParamText : ParamTextShort), false});
     PageLastPar[Count() / lines] = static_cast<qint16>(i);
   }
   MaxPage = static_cast<qint16>(Count() / lines + 1);

@@ -239,6 +239,26 @@ TEST(ReadDefinitions, AFaultyLineKeepsWhatWasReadBefore) {
   EXPECT_EQ(site.module.ParCount, 2);
 }
 
+TEST(ReadDefinitions, AFaultNamesItsFileAndLine) {
+  struct {
+    QStringList lines;
+    QString description;
+  } const cases[] = {
+      {{Line(), u"G  N  0  4294967295  5"_s},
+       u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s},
+      // Blank lines count, and both items of a line torn by a comma stand in it.
+      {{u""_s, Line() + u",G  N  0  9  5  -  40000"_s},
+       u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s},
+      {QStringList(kLastParameter + 1, Line()),
+       u"Index außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2002"_s},
+  };
+  for (const auto& example : cases) {
+    Selected site;
+    site.SetDefinitions(u"A.TXT"_s, example.lines);
+    EXPECT_EQ(ThrownText([&] { ReadDefinitions(site.core); }), example.description);
+  }
+}
+
 TEST(ReadDefinitions, ACommaMakesTwoRecords) {
   Selected site;
   site.SetDefinitions(u"A.TXT"_s, {u"G  Eins,G  Zwei"_s});

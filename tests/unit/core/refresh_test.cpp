@@ -94,6 +94,71 @@ TEST(Refresh, AnUnreadableDefinitionFileAtStartIsReportedWithBothPaths) {
   EXPECT_TRUE(site.Rests());
 }
 
+// --- what is wrong with a definition file ---
+
+/// Something wrong in the last line of a definition file, and what the user reads of it.
+struct Fault {
+  QStringList lines;
+  QString description;
+};
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+  *out << fault.lines.last().toStdString();
+}
+
+class FaultyDefinitions : public testing::TestWithParam<Fault> {};
+
+TEST_P(FaultyDefinitions, AreNamedWithTheirLineAtTheStart) {
+  Installation site;
+  site.AddFiles();
+  site.SetDefinitions(u"A.TXT"_s, GetParam().lines);
+  site.Start();
+  EXPECT_EQ(TakeBoxes(site.box), QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\n"_s +
+                                             GetParam().description.arg(u"ini//A.TXT"_s) +
+                                             u"\r\nUeberprüfen Sie die Einstellungen in Optionen -> "
+                                             "Dateien\r\n"_s});
+  EXPECT_TRUE(site.Rests());
+}
+
+TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenTheVersionChanges) {
+  Started site;
+  site.files.AddText(u"ini//B.ADR"_s, u"Heading\r\n_abc  1F00\r\n"_s);
+  site.SetDefinitions(u"B.TXT"_s, GetParam().lines);
+  EXPECT_EQ(ThrownText([&] { site.main.versions.Select(1); }), GetParam().description.arg(u"ini//B.TXT"_s));
+  EXPECT_TRUE(site.Rests());
+}
+
+TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenThePlantTypeChanges) {
+  Started site;
+  site.SetDefinitions(u"A.TXT"_s, GetParam().lines);
+  EXPECT_EQ(ThrownText([&] { site.main.plants.Select(1); }), GetParam().description.arg(u"ini//A.TXT"_s));
+  EXPECT_TRUE(site.Rests());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, FaultyDefinitions,
+    testing::Values(Fault{{kParameter, u"G  N  0  4294967295  5  -  0  0  int  1F00  V  Luft  -"_s},
+                          u"Zahl außerhalb des zulässigen Bereichs.: %1, Zeile 3"_s},
+                    Fault{QStringList(kLastParameter + 1, kParameter),
+                          u"Index außerhalb des zulässigen Bereichs.: %1, Zeile 2002"_s},
+                    // The text of its tree node does not come about. Neither the plant type's record nor a
+                    // blank line is a parameter, and both are lines.
+                    Fault{{u"NoRubrik  Anlage  0  9  0  -  0  0  int  2000  ANL  -  -"_s, u""_s, kParameter,
+                           u"G  N  0  9  5  -  5  5  int  1F00  V  Luft  -"_s},
+                          u"Zahl außerhalb des zulässigen Bereichs.: %1, Zeile 5"_s}));
+
+TEST(Refresh, AFaultOfTheTreeNamesTheFileThatTheParametersCameFrom) {
+  WithPlants site(u"A B"_s);
+  site.SetDefinitions(u"A.TXT"_s, {u"G  N  0  9  5  -  5  5  int  1F00  V  B  -"_s});
+  site.main.plants.Select(1);  // does not show it
+  // Neither a folder chosen since, nor a table read since, is where the tree came from.
+  site.module.Inipath = u"other/"_s;
+  site.module.Versionen.clear();
+  site.module.Par[1].Zusatz = u"A"_s;
+  EXPECT_EQ(ThrownText([&] { Refresh(site.core, 2); }),
+            u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2"_s);
+}
+
 // --- the version ---
 
 TEST(Refresh, AnotherVersionReadsItsFilesTwice) {

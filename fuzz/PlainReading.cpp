@@ -48,6 +48,7 @@ std::optional<double> HexNumber(const QString& digits) {
 }  // namespace
 
 std::optional<QStringList> PlainItems(QByteArrayView bytes) {
+  if (const qsizetype end = bytes.indexOf('\x1A'); end >= 0) bytes.truncate(end);
   if (bytes.isEmpty() || bytes.contains('\0')) return {};
   const bool utf8 = bytes.startsWith("\xEF\xBB\xBF");
   const QString text = utf8 ? QString::fromUtf8(bytes.sliced(3)) : TextFromBytes(bytes);

@@ -23,6 +23,12 @@ bool IsUnmarkedUtf8(const QByteArray& bytes) {
   return !decoder.hasError() && !decoded.isEmpty();
 }
 
+// True when anything but blanks, line ends and the byte that ends a text is there.
+bool HoldsText(QByteArrayView bytes) {
+  return std::any_of(bytes.begin(), bytes.end(),
+                     [](char c) { return c != ' ' && c != '\r' && c != '\n' && c != '\x1A'; });
+}
+
 // Reports what is wrong with a line as such. True when its items are not what its author meant.
 bool IsTorn(QByteArrayView line, const QString& file, int number, Findings& findings) {
   if (line.contains('\t')) {
@@ -51,7 +57,13 @@ CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path, co
                             Findings& findings) {
   CheckedText text;
   text.items = ReadItems(files, path);
-  const QByteArray bytes = files.Read(path).bytes;
+  QByteArray bytes = files.Read(path).bytes;
+  const bool holdsMore = HoldsText(QByteArrayView(bytes).sliced(TextLength(bytes)));
+  bytes.truncate(TextLength(bytes));
+  if (holdsMore) {
+    findings.Warning(file, static_cast<int>(bytes.count('\n')) + 1,
+                     u"Hinter dem Zeichen 1A steht noch etwas; es wird nicht gelesen."_s);
+  }
   if (IsUnmarkedUtf8(bytes)) {
     findings.Warning(
         file, 0, u"Die Datei ist als UTF-8 ohne Kennung (BOM) gespeichert; Umlaute werden falsch gelesen."_s);

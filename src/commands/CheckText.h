@@ -18,7 +18,8 @@ struct CheckedText {
 };
 
 /// Reads the text at `path` and reports, under the name `file`, what disturbs its lines: commas, quotes,
-/// tabs, a wrong encoding. Throws RuntimeError (FileError) like ReadItems().
+/// tabs, a wrong encoding, what stands behind the text's end. Throws RuntimeError (FileError) like
+/// ReadItems().
 [[nodiscard]] CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path,
                                           const QString& file, Findings& findings);
 

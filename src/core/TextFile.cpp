@@ -47,13 +47,19 @@ void AppendItems(QStringView line, int number, std::vector<TextItem>& items) {
 
 }  // namespace
 
+qsizetype TextLength(QByteArrayView bytes) {
+  const qsizetype end = bytes.indexOf('\x1A');
+  return end < 0 ? bytes.size() : end;
+}
+
 TextItems ReadItems(platform::FileSystem& files, const QString& path) {
   const platform::FileContent content = files.Read(path);
   if (!content.Ok()) Fail(content.error);
-  if (content.bytes.contains('\0')) Fail(u"Die Datei ist keine Textdatei."_s);
+  const QByteArrayView bytes = QByteArrayView(content.bytes).first(TextLength(content.bytes));
+  if (bytes.contains('\0')) Fail(u"Die Datei ist keine Textdatei."_s);
 
   TextItems result;
-  result.text = Decode(content.bytes);
+  result.text = Decode(bytes);
   const QStringView text = result.text;
   int number = 0;
   for (qsizetype start = 0; start < text.size();) {

@@ -24,10 +24,14 @@ struct TextItems {
   [[nodiscard]] auto end() const { return items.end(); }
 };
 
+/// How many of the `bytes` of a definition text count. The byte 1A ends the text: editors of the time in
+/// which the first files were written closed them with it.
+[[nodiscard]] qsizetype TextLength(QByteArrayView bytes);
+
 /// Reads a definition text. The first line is a heading and dropped; blank lines are skipped. Leading blanks
 /// of an item are dropped, a comma ends it and the rest of the line is the next one; an item that begins with
-/// a double quote runs to the closing quote. Lines end with LF or CR LF. The bytes are windows-1252, or UTF-8
-/// after a byte order mark.
+/// a double quote runs to the closing quote. Lines end with LF or CR LF, the text at TextLength(). The bytes
+/// are windows-1252, or UTF-8 after a byte order mark.
 /// Throws RuntimeError (FileError) when the file cannot be read, has no heading, or is no text; its
 /// description does not name the path.
 [[nodiscard]] TextItems ReadItems(platform::FileSystem& files, const QString& path);

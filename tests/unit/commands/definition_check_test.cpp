@@ -92,6 +92,27 @@ TEST_F(DefinitionCheckTest, UnreadableVersionTableThrows) {
   }
 }
 
+// --- the end of a text ---
+
+TEST_F(DefinitionCheckTest, ATextThatTheByte1AClosesIsFaultless) {
+  UseList();
+  table.append(u"\x1A"_s);
+  definitions.append(u"\x1A \r\n\x1A"_s);
+  list.last() += u'\x1A';
+  Expect({});
+}
+
+TEST_F(DefinitionCheckTest, WhatStandsBehindTheByte1AIsNotReadAndNamed) {
+  UseList();
+  table.append(u"\x1AX"_s);
+  definitions.append(u"\x1A"_s);
+  definitions.append(Line({{2, u"900"_s}}) + u",\""_s);
+  list.append(u"_c\x1A  3000"_s);
+  const QString unread = u" Warnung Hinter dem Zeichen 1A steht noch etwas; es wird nicht gelesen."_s;
+  Expect({u"VF.INI:3"_s + unread, u"DEF.TXT:4"_s + unread, u"LISTE.TXT:4"_s + unread,
+          u"LISTE.TXT:4 Warnung Name „_c“ ohne Adresse."_s});
+}
+
 // --- the version table ---
 
 TEST_F(DefinitionCheckTest, TableWithoutVersion) {

@@ -100,6 +100,21 @@ TEST(ReadItems, RefusesAFileThatIsNoText) {
   EXPECT_EQ(Refusal("H\n" + QByteArray(100'000, 'x')), QString());
 }
 
+TEST(ReadItems, TheByte1AEndsTheText) {
+  EXPECT_EQ(Items("H\r\nA\r\n\x1A"), QStringList{u"A"_s});
+  EXPECT_EQ(Items("H\r\nA\r\n\x1A\r\nB\r\n"), QStringList{u"A"_s});
+  EXPECT_EQ(Items("H\nA  B\x1A  C\n"), QStringList{u"A  B"_s}) << "also inside a line";
+  EXPECT_EQ(Items("H\n\"A,\x1A,B\"\n"), QStringList{u"A,"_s});
+  EXPECT_EQ(Items("H\x1A\nA\n"), QStringList());
+  EXPECT_EQ(Items("\xEF\xBB\xBFH\n\xC3\xA4\x1A\n"), QStringList{u"ä"_s});
+}
+
+TEST(ReadItems, WhatStandsBehindTheByte1ACannotMakeTheFileUnreadable) {
+  EXPECT_EQ(Refusal(QByteArray("H\nA\n\x1A\0\0", 7)), QString());
+  EXPECT_EQ(Refusal("H\nA\n\x1A" + QByteArray(100'001, 'x')), QString());
+  EXPECT_EQ(Refusal("\x1AH\nA\n"), u"Die Datei ist leer."_s);
+}
+
 TEST(ReadItems, PassesTheReasonOfAnUnreadableFileOn) {
   FakeFileSystem files;
   files.AddFailure(u"f"_s, u"Zugriff verweigert."_s);

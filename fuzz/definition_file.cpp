@@ -1,4 +1,5 @@
 // Definition file: any bytes as the file, read twice; then tree, printed list and editors on the result.
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -114,7 +115,8 @@ void CheckReading(World& world, const std::optional<QStringList>& items, std::op
 }
 
 bool CanBeShown(const ParameterRecord& record) {
-  return record.Typ.StartsWith(u"string") || (record.Zahl1 + record.Zahl2 <= 9 && record.Zahl2 <= 9);
+  const int dropped = std::max<int>(0, record.Zahl2);
+  return record.Typ.StartsWith(u"string") || (record.Zahl1 + dropped <= 9 && dropped <= 9);
 }
 
 void CheckTree(World& world, const QString& plant) {

@@ -94,6 +94,8 @@ QString Align(const QString& text, int width, QStringView alignment, QStringView
 }
 
 QString ScaledNumber(qint32 value, int dropped, int decimals, int width, int reserve, QStringView fill) {
+  // Before anything is computed: a negative count must not take decimals away.
+  dropped = std::max(0, dropped);
   const qint64 whole = PowerOfTen(dropped + decimals);
   const qint64 quotient = value / whole;
   const qint64 remainder = value % whole;

@@ -31,7 +31,8 @@ void AppendHexPad(QString& text, double value, int length);
 
 /// A value as the parameter tree shows it: `dropped` low-order digits are left out (not rounded), the next
 /// `decimals` stand behind a point; the integer part is right-aligned in `width` with `fill`, and blanks
-/// follow up to width + reserve + 1 characters. A negative value whose integer part is 0 loses its sign.
+/// follow up to width + reserve + 1 characters. A negative value whose integer part is 0 loses its sign; a
+/// negative `dropped` counts as 0.
 /// Throws RuntimeError (Overflow) when dropped + decimals is above 9.
 [[nodiscard]] QString ScaledNumber(qint32 value, int dropped, int decimals, int width, int reserve,
                                    QStringView fill);

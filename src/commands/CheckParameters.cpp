@@ -182,7 +182,7 @@ class LineCheck {
     const std::optional<qint32> dropped = Number(kZahl2, u"Zahl2"_s, RangeOf<qint16>());
     if (!decimals || !dropped) return;
     if (*decimals < 0 || *dropped < 0) Warning(u"Zahl1 und Zahl2 sollen nicht negativ sein."_s);
-    if (*decimals + *dropped > kMostDigits) {
+    if (*decimals + std::max(0, *dropped) > kMostDigits) {
       Error(u"Zahl1 und Zahl2 ergeben zusammen mehr als %1."_s.arg(kMostDigits));
     }
   }

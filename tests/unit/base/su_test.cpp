@@ -192,9 +192,11 @@ INSTANTIATE_TEST_SUITE_P(LostSign, ScaledNumberExamples,
 
 // Negative digit counts are counted as 0; without decimals there is no point.
 INSTANTIATE_TEST_SUITE_P(NegativeCounts, ScaledNumberExamples,
-                         testing::Values(Scaled{1234, 0, -1, u"  1234   "_s},   //
-                                         Scaled{1234, -1, 0, u"  1234   "_s},   //
-                                         Scaled{1234, -5, -5, u"  1234   "_s},  //
+                         testing::Values(Scaled{1234, 0, -1, u"  1234   "_s},         //
+                                         Scaled{1234, -1, 0, u"  1234   "_s},         //
+                                         Scaled{1234, -1, 2, u"    12.34"_s},         //
+                                         Scaled{1234, -9, 9, u"     0.000001234"_s},  //
+                                         Scaled{1234, -5, -5, u"  1234   "_s},        //
                                          Scaled{1234, 2, -1, u"   123   "_s}));
 
 TEST(ScaledNumber, AlignsWithItsFillAndReservesBlanks) {

@@ -295,6 +295,10 @@ TEST_F(DefinitionCheckTest, NumbersThatDoNotFit) {
 
 TEST_F(DefinitionCheckTest, DecimalsAndDroppedDigits) {
   ExpectForLine({{6, u"5"_s}, {7, u"5"_s}}, u"Fehler Zahl1 und Zahl2 ergeben zusammen mehr als 9."_s);
+  // A negative count takes no decimals away.
+  ExpectForLine({{6, u"10"_s}, {7, u"-5"_s}},
+                u"Warnung Zahl1 und Zahl2 sollen nicht negativ sein.\n"
+                "DEF.TXT:2 Fehler Zahl1 und Zahl2 ergeben zusammen mehr als 9."_s);
   ExpectForLine({{6, u"-1"_s}}, u"Warnung Zahl1 und Zahl2 sollen nicht negativ sein."_s);
   ExpectForLine({{6, u"4"_s}, {7, u"5"_s}}, {});
 }

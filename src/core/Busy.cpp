@@ -23,4 +23,12 @@ void FromBusy(Core& core) {
   core.module.Abbruch = kFalse;
 }
 
+void ToWaiting(Core& core) {
+  if (core.module.BusyDepth++ == 0) core.main.SetEnabled(false);
+}
+
+void FromWaiting(Core& core) {
+  if (--core.module.BusyDepth == 0) core.main.SetEnabled(true);
+}
+
 }  // namespace kalivor

@@ -12,6 +12,11 @@ void ToBusy(Core& core);
 /// Leaves it. Only the outermost call acts: the reverse of the above.
 void FromBusy(Core& core);
 
+/// The same for an operation that waits for an answer instead of working: the windows take no input, but
+/// state and report stay as they are. What begins inside it is an inner operation.
+void ToWaiting(Core& core);
+void FromWaiting(Core& core);
+
 /// Busy for as long as it lives.
 class BusyGuard {
  public:
@@ -19,6 +24,18 @@ class BusyGuard {
   ~BusyGuard() { FromBusy(core_); }
   BusyGuard(const BusyGuard&) = delete;
   BusyGuard& operator=(const BusyGuard&) = delete;
+
+ private:
+  Core& core_;
+};
+
+/// Waiting for as long as it lives.
+class WaitingGuard {
+ public:
+  explicit WaitingGuard(Core& core) : core_(core) { ToWaiting(core_); }
+  ~WaitingGuard() { FromWaiting(core_); }
+  WaitingGuard(const WaitingGuard&) = delete;
+  WaitingGuard& operator=(const WaitingGuard&) = delete;
 
  private:
   Core& core_;

@@ -1,8 +1,8 @@
 #include "core/ValueFiles.h"
 
 #include <QHash>
-#include <QScopeGuard>
 
+#include "core/Busy.h"
 #include "core/Questions.h"
 #include "core/Refresh.h"
 #include "core/ValueFileFormat.h"
@@ -71,6 +71,19 @@ int FindVersion(const platform::ListBox& versions, const QString& version) {
   return -1;
 }
 
+// Selects a version and reads its definitions. An error leaves the tree of what could be read.
+void SwitchTo(Core& core, int position) {
+  try {
+    core.main.ComboVN().Select(position);
+    Refresh(core, 4);
+  } catch (const RuntimeError&) {
+    // The tree must not show parameters that are in the table no more. Where it cannot be built, that is what
+    // the user hears of.
+    Refresh(core, 2);
+    throw;
+  }
+}
+
 // Makes the selected version the one that the file's values are for. False where there is no way.
 bool MatchVersion(Core& core, const QString& version) {
   platform::ListBox& versions = core.main.ComboVN();
@@ -80,17 +93,13 @@ bool MatchVersion(Core& core, const QString& version) {
     core.box.Show(u"Unbekannte ReglerVersion: "_s + version.leftJustified(kVersionWidth, u' '));
     return false;
   }
-  core.main.SetEnabled(false);
-  const auto enable = qScopeGuard([&core] { core.main.SetEnabled(true); });
+  const WaitingGuard waiting(core);
   const qint16 answer =
       AskChoice(core,
                 u"Die Version in der Datei stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
                 "Bitte wählen Sie:"_s,
                 u"PC (Daten werden konvertiert): "_s + versions.SelectedText(), u"Datei: "_s + version);
-  if (answer == 2) {
-    versions.Select(position);
-    Refresh(core, 4);
-  }
+  if (answer == 2) SwitchTo(core, position);
   return true;
 }
 

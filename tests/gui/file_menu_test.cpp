@@ -124,6 +124,24 @@ TEST_F(FileMenuTest, AFileOfAnotherVersionIsAskedForWithTheWindowDisabled) {
   ExpectReady();
 }
 
+TEST_F(FileMenuTest, TheFocusComesBackWhateverTheAnswerIs) {
+  files.files[u"/werte/x.qpf"_s].bytes = ComposeRecord(2, {}, u"AB1-012.0"_s, {});
+  for (const QString& answer : {u"Button1"_s, u"Button2"_s}) {
+    TreeWidget().setFocus();
+    ASSERT_EQ(desktop->main.focusWidget(), &TreeWidget());
+    dialogs.answers.push_back(u"/werte/x.qpf"_s);
+    events.onWait = [this, &answer] {
+      EXPECT_EQ(State(), u"Ready"_s) << "the program waits, it does not work";
+      EXPECT_FALSE(desktop->main.isEnabled());
+      Click(desktop->auswahl, answer);
+    };
+    Choose(u"mnuFileOpen"_s);
+    EXPECT_EQ(desktop->main.focusWidget(), &TreeWidget()) << answer.toStdString();
+    ExpectReady();
+  }
+  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"AB1-012.0"_s);
+}
+
 TEST_F(FileMenuTest, AFileOnTheCommandLineIsOpenedAsByTheMenu) {
   files.files[u"/werte/x.qpf"_s].bytes =
       ComposeRecord(2, {}, u"AB1-123.4"_s, {}) + ComposeRecord(1777, {}, u"n"_s, u"int"_s);

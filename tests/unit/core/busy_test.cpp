@@ -64,6 +64,32 @@ TEST(Busy, ARebuildInsideAnOperationKeepsItsAbortRequest) {
   ExpectBusy(site);
 }
 
+TEST(Waiting, TakesNoInputButShowsNoWork) {
+  Installation site;
+  site.main.state = u"untouched"_s;
+  {
+    const WaitingGuard waiting(site.core);
+    EXPECT_EQ(site.module.BusyDepth, 1) << "commands return at once";
+    EXPECT_FALSE(site.main.enabled);
+    EXPECT_TRUE(site.report.okEnabled);
+    EXPECT_FALSE(site.report.abortEnabled);
+    // What begins inside it is an inner operation: the window is not switched on behind its back.
+    EXPECT_TRUE(Refresh(site.core, 2));
+    EXPECT_FALSE(site.main.enabled);
+  }
+  EXPECT_EQ(site.module.BusyDepth, 0);
+  EXPECT_TRUE(site.main.enabled);
+  EXPECT_EQ(site.main.state, u"untouched"_s);
+}
+
+TEST(Waiting, InsideAnOperationTouchesNothing) {
+  Installation site;
+  const BusyGuard operation(site.core);
+  { const WaitingGuard waiting(site.core); }
+  EXPECT_EQ(site.module.BusyDepth, 1);
+  ExpectBusy(site);
+}
+
 TEST(Busy, EndsWithAnErrorToo) {
   Installation site;
   EXPECT_TRUE(ThrownKind([&] {

@@ -489,6 +489,25 @@ TEST_F(ValueFiles, AVersionWithoutDefinitionsEndsLoadingButNotTheProgram) {
   EXPECT_TRUE(Rests());
 }
 
+TEST_F(ValueFiles, AVersionThatCannotBeReadLeavesTheTreeOfWhatTheTableHolds) {
+  const QByteArray image = Current(2, {}, u"AB1-124.0"_s, {}) + Current(11, {}, u"N1"_s, u"int"_s);
+  choice.answers = {2, 2};
+  files.files.remove(u"ini//B.TXT"_s);
+  EXPECT_EQ(ThrownText([&] { (void)Load(image); }), u"Datei nicht gefunden.: ini//B.TXT"_s);
+  EXPECT_EQ(module.ParCount, 1);
+  EXPECT_EQ(main.tree.Count(), 1) << "no node of a parameter that is there no more";
+
+  main.versions.Select(0);
+  SetDefinitions(u"B.TXT"_s,
+                 {u"G  Lesbar  0  9  5  -  0  0  int  1F00  N1  -  -"_s, u"G  Zu groß  0  4294967295  5"_s});
+  EXPECT_EQ(ThrownText([&] { (void)Load(image); }),
+            u"Zahl außerhalb des zulässigen Bereichs.: ini//B.TXT, Zeile 3"_s);
+  EXPECT_EQ(module.ParCount, 2);
+  EXPECT_EQ(main.tree.Count(), 3) << "root, group and what was read before the fault";
+  EXPECT_TRUE(main.tree.Text(main.tree.Find(u"sK 1"_s)).startsWith(u"Lesbar"));
+  EXPECT_TRUE(Rests());
+}
+
 /// Keeps the state of the main window at the moment of the question.
 class WatchingChoiceForm final : public ChoiceForm {
  public:
@@ -524,7 +543,7 @@ TEST_F(ValueFiles, TheMainWindowTakesNoInputDuringTheQuestionOnly) {
     EXPECT_EQ(watching.enabled, false);
     EXPECT_EQ(watching.pending, -1);
     EXPECT_EQ(watching.state, u"Ready"_s) << "the program waits, it does not work";
-    EXPECT_EQ(watching.busyDepth, 0);
+    EXPECT_EQ(watching.busyDepth, 1) << "no command starts meanwhile";
     EXPECT_TRUE(Rests());
   }
 }

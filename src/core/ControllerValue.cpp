@@ -33,8 +33,9 @@ std::optional<qint32> ReadCharNumber(Core& core, const ParameterRecord& record) 
   return IsOddAddress(record) ? word & 255 : word / 256;
 }
 
-// The two characters of a word. A low byte of 128 or more raises the first one's code: controllers' texts are
-// written to be read that way.
+// The two characters of a word. A low byte of 128 or more raises the first one's code by one. Sending does
+// not make up for it, so a text with such a character in second place does not come back as it was sent.
+// Both stay, as controllers in the field have been set up with them.
 QString CharactersOf(qint16 word) {
   if (word == -1) return u" "_s;
   const int first = ((word + 128) >> 8) & 255;

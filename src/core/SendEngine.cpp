@@ -17,7 +17,9 @@ bool SendLong(Core& core, const ParameterRecord& record) {
 }
 
 // A byte shares its word with another one, which is read and written back. The division truncates toward
-// zero here too, which changes the other byte of words from 8000 on by one; kept as controllers know it.
+// zero here too, which changes the high byte of words from 8000 on by one unless their low byte is 0: at an
+// odd address that is the other byte, which rises, at an even address the sent one, which falls. Kept as
+// controllers know it.
 bool SendChar(Core& core, const ParameterRecord& record) {
   qint16 old = 0;
   if (!core.controller.ReadInt(kSlot, old, record.VarAdresse)) return false;

@@ -61,10 +61,15 @@ class FakeReportForm final : public ReportForm {
   bool shown = false;
   bool okEnabled = true;
   bool abortEnabled = false;
-  std::function<void()> onDot;  ///< runs at every continuation: the moment at which an abort can arrive
+  // A line or its continuation lets the window live: the moments at which an abort can arrive.
+  std::function<void()> onLine;
+  std::function<void()> onDot;
 
   void Show() override { shown = true; }
-  void Add(const QString& text) override { lines.append(text); }
+  void Add(const QString& text) override {
+    lines.append(text);
+    if (onLine) onLine();
+  }
   void AddC(const QString& text) override {
     if (lines.isEmpty()) throw RuntimeError(RuntimeError::Kind::InvalidArgument);
     lines.last() += text;
@@ -118,6 +123,8 @@ class FakeMessageBox final : public platform::MessageBox {
     Icon icon = Icon::None;
   };
 
+  std::function<void()> onShow;  ///< runs while a box is open
+
   FakeMessageBox() = default;
   FakeMessageBox(const FakeMessageBox&) = delete;
   FakeMessageBox& operator=(const FakeMessageBox&) = delete;
@@ -128,6 +135,7 @@ class FakeMessageBox final : public platform::MessageBox {
 
   void Show(const QString& text, const QString& title, Icon icon) override {
     shown_.push_back({text, title, icon});
+    if (onShow) onShow();
   }
 
   /// All boxes since the last call.

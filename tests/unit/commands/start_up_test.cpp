@@ -119,6 +119,15 @@ TEST(StartUp, BuildsEverythingAndThenTheChannel) {
   EXPECT_TRUE(site.Rests());
 }
 
+TEST(StartUp, ThePortIsTriedAfterEverythingElse) {
+  Installation site;
+  site.AddFiles();
+  site.main.tree.onRebuild = [&] { EXPECT_EQ(site.line.openings, 0); };
+  site.Start();
+  EXPECT_EQ(site.main.tree.rebuilt, 2);
+  EXPECT_EQ(site.line.openings, 1);
+}
+
 TEST(StartUp, APortThatCannotBeOpenedIsNoReasonToComplain) {
   Installation site;
   site.AddFiles();

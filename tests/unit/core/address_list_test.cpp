@@ -165,6 +165,14 @@ TEST(ReadAddressList, TheLineBehindAWrappedNameCountsForItselfToo) {
   EXPECT_EQ(site.Addresses(), (QStringList{u"XY12"_s, u"1F02"_s, u"1F04"_s}));
 }
 
+TEST(ReadAddressList, TheLineBehindAWrappedNameCountsForItselfAlsoAtTheEnd) {
+  Listed site;
+  site.AddVariable(kLongName);
+  site.AddVariable(u"XY12"_s);
+  site.Read({kLongName, u"XY12  1F02"_s});
+  EXPECT_EQ(site.Addresses(), (QStringList{u"XY12"_s, u"1F02"_s}));
+}
+
 TEST(ReadAddressList, WrappedNamesCanFollowEachOther) {
   Listed site;
   site.AddVariable(kLongName);

@@ -182,6 +182,20 @@ TEST(ParseDefinition, ADashStandsForNoUnitAndNoHelp) {
   EXPECT_EQ(ParseDefinition(line, true).Hilfetext, QString());
 }
 
+TEST(ParseDefinition, InAnyOtherColumnADashIsAText) {
+  const ParameterRecord record = ParseDefinition(u"-  -  -  -  -  -  -  -  string4  -  -  -  -"_s, false);
+  ParameterRecord expected;
+  expected.Rubrik = u"-"_s;
+  expected.Name = u"-"_s;
+  expected.StandardText = u"-"_s;
+  expected.Typ = u"string4"_s;
+  expected.VarAdresse = u"-"_s;
+  expected.Variable = u"-"_s;
+  expected.Zusatz = u"-"_s;
+  EXPECT_EQ(record, expected) << "numbers are 0, unit and help text are empty";
+  EXPECT_EQ(ParseDefinition(LineWith(8, u"-"_s), true).Typ, u"-"_s);
+}
+
 TEST(ParseDefinition, AShortLineLeavesTheOtherFieldsEmpty) {
   ParameterRecord expected;
   expected.Rubrik = u"Antrieb"_s;

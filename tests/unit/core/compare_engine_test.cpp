@@ -89,6 +89,16 @@ TEST(Compare, ComparesTextsInTheLengthOfTheType) {
   }
 }
 
+TEST(Compare, ATextOfNegativeLengthIsAlwaysEqual) {
+  Comparing site;
+  site.AddParameter(u"string-1"_s, u"1F00"_s).WertText = u"ABCD"_s;
+  const WalkResult result = site.Run();
+  EXPECT_EQ(result.deviations, 0);
+  EXPECT_EQ(result.failures, 0);
+  EXPECT_EQ(site.Requests(), QStringList());
+  EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
+}
+
 TEST(Compare, DoesNotCompareWhatItCouldNotRead) {
   struct {
     QString type, failure;

@@ -130,6 +130,16 @@ TEST(Receive, TakesOverTexts) {
   }
 }
 
+TEST(Receive, ATextOfNegativeLengthHasNoWordsAndBecomesEmpty) {
+  Receiving site;
+  ParameterRecord& record = site.AddParameter(u"string-1"_s, u"1F00"_s);
+  record.WertText = u"ABCD"_s;
+  EXPECT_EQ(Receive(site.core).failures, 0);
+  EXPECT_EQ(record.WertText, QString());
+  EXPECT_EQ(site.Requests(), QStringList());
+  EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
+}
+
 TEST(Receive, ReadsTheWordsOfATextTwoAddressesApart) {
   Receiving site;
   site.AddParameter(u"string7"_s, u"FFFC"_s);
@@ -284,6 +294,23 @@ TEST(Walk, StopsAfterTheParameterDuringWhichTheUserAborts) {
   EXPECT_EQ(site.module.Par[2].Wert, 7);
   EXPECT_EQ(site.module.Par[3].Wert, 1);
   EXPECT_EQ(Lines(site.report.lines), u"Start.."_s);
+}
+
+TEST(Walk, StopsWhereTheUserAbortsDuringTheWarningOfAParameterWithoutAddress) {
+  // The abort can arrive with either line of the warning; both are added.
+  for (const QString& during : {u"Warnung: "_s, u"Fehler bei Zwei"_s}) {
+    Receiving site;
+    site.AddParameter(u"int"_s, u"1000"_s);
+    site.AddParameter(u"int"_s, QString(), u"N2"_s).Name = u"Zwei"_s;
+    site.AddParameter(u"int"_s, u"3000"_s);
+    site.report.onLine = [&] {
+      if (site.report.lines.last().startsWith(during)) site.module.Abbruch = kTrue;
+    };
+    EXPECT_EQ(Receive(site.core).failures, 1);
+    EXPECT_EQ(site.Requests(), QStringList{u"R1000"_s});
+    EXPECT_EQ(Lines(site.report.lines),
+              u"Start. | Warnung: Variabel <N2> nicht bekannt. | Fehler bei Zwei"_s);
+  }
 }
 
 TEST(Walk, SeesAnAbortAfterAnUncheckedParameterToo) {

@@ -54,10 +54,15 @@ TEST(Send, WritesAByteIntoTheWordThatItReadBefore) {
       {u"1F00"_s, 0x4142, 67, u"4342"_s},
       {u"1F00"_s, 0x4142, 200, u"C842"_s},
       {u"1F01"_s, 0x4142, -1, u"40FF"_s},
-      // The truncating division changes the other byte of words from 8000 on.
+      // In words from 8000 on the truncating division changes the high byte: the one that is kept at an odd
+      // address, the one that is sent at an even address.
       {u"1F01"_s, 0xFF41, 67, u"0043"_s},
-      {u"1F00"_s, 0xFF41, 67, u"4241"_s},
       {u"1F01"_s, 0x8041, 67, u"8143"_s},
+      {u"1F00"_s, 0xFF41, 67, u"4241"_s},
+      {u"1F00"_s, 0x8041, 67, u"4241"_s},
+      // Nothing is truncated where the low byte is 0.
+      {u"1F01"_s, 0x8000, 67, u"8043"_s},
+      {u"1F00"_s, 0x8000, 67, u"4300"_s},
   };
   for (const auto& example : cases) {
     Sending site;
@@ -88,6 +93,7 @@ TEST(Send, WritesTexts) {
       {u"string4"_s, u"Öl€"_s, {u"W1F00D66C"_s, u"W1F028020"_s}},
       {u"string2"_s, u"\u03A9A"_s, {u"W1F003F41"_s}},  // a character outside the code page
       {u"string1"_s, u"A"_s, {}},
+      {u"string-1"_s, u"ABCD"_s, {}},
       {u"str20"_s, u"A"_s, {}},
   };
   for (const auto& example : cases) {
@@ -172,6 +178,18 @@ TEST(Send, InterruptsTheUserForAFailedText) {
   EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V[2].."_s);
   EXPECT_EQ(site.Requests().count(u"W1F044546"_s), 0) << "the text ends";
   EXPECT_EQ(site.Requests().last(), u"W30000007"_s) << "the walk goes on";
+}
+
+TEST(Send, TheBoxOfAFailedTextComesBeforeItsLineInTheReport) {
+  Sending site;
+  site.AddParameter(u"string4"_s, u"1F00"_s).WertText = u"ABCD"_s;
+  site.Silence(1, 3);
+  QString linesBehindTheBox;
+  site.box.onShow = [&] { linesBehindTheBox = Lines(site.report.lines); };
+  Send(site.core);
+  EXPECT_EQ(linesBehindTheBox, u"Start | ERROR: kein Empfang"_s);
+  EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V[1]."_s);
+  EXPECT_EQ(TakeBoxes(site.box), QStringList{u"Fehler bei: V[1]"_s});
 }
 
 }  // namespace

@@ -26,8 +26,7 @@
 #include "platform/qt/TextPrinter.h"
 #include "print/PrintCommand.h"
 #include "ui/Resources.h"
-#include "ui/about/frmSplash.h"
-#include "ui/main/Desktop.h"
+#include "ui/main/Launch.h"
 #ifdef Q_OS_WIN
 #include "platform/win32/Win32Registry.h"
 #endif
@@ -145,23 +144,27 @@ int RunProgram(QApplication& application, Process& process, const ui::RunSetting
                const QString& valueFile) {
   ui::frmSplash splash;
   process.box.BeforeShow = [&splash] { splash.hide(); };
-  splash.ShowNow();
   std::unique_ptr<Printing> printing;
-  ui::Desktop desktop(
-      {*process.settings, process.box, process.files, process.line, process.clock, process.events,
-       QCoreApplication::applicationDirPath(), process.SystemInformation(),
-       [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); }, process.dialogs,
-       process.help, [&process](int number) { return PresentDevice(process.devices.Device(number)); },
-       [&printing] { printing->Print(); }},
-      run);
-  printing = std::make_unique<Printing>(desktop);
-  if (!device.isEmpty()) process.devices.Override(desktop.module.Schnittstelle, device);
-  QObject::connect(&application, &QGuiApplication::commitDataRequest, &desktop.main,
-                   [&desktop](QSessionManager&) { desktop.main.EndSession(); });
-  desktop.Start();
-  desktop.Show();
-  splash.close();
-  if (!valueFile.isEmpty()) desktop.OpenFile(QFileInfo(valueFile).absoluteFilePath());
+  const ui::World world{*process.settings,
+                        process.box,
+                        process.files,
+                        process.line,
+                        process.clock,
+                        process.events,
+                        QCoreApplication::applicationDirPath(),
+                        process.SystemInformation(),
+                        [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); },
+                        process.dialogs,
+                        process.help,
+                        [&process](int number) { return PresentDevice(process.devices.Device(number)); },
+                        [&printing] { printing->Print(); }};
+  const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
+    printing = std::make_unique<Printing>(loaded);
+    if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &loaded.main,
+                     [&loaded](QSessionManager&) { loaded.main.EndSession(); });
+  });
+  if (!valueFile.isEmpty()) desktop->OpenFile(QFileInfo(valueFile).absoluteFilePath());
   const int status = QApplication::exec();
   // The print frame works on the desktop.
   printing.reset();

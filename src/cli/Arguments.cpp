@@ -3,32 +3,13 @@
 #include <functional>
 
 #include "base/Numbers.h"
+#include "cli/Commands.h"
 #include "platform/RuntimeError.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
 namespace {
-
-// The commands, whether they can answer in JSON, and whether a file follows.
-struct Command {
-  QStringView name;
-  bool json = false;
-  bool file = false;
-};
-constexpr Command kCommands[] = {
-    {u"versions", true},           {u"plants", true},     {u"params", true}, {u"tree", false},
-    {u"identify", false},          {u"receive", false},   {u"send", false},  {u"compare", true},
-    {u"standard", false},          {u"show", true, true}, {u"pages", false}, {u"print", false},
-    {u"check-definitions", false},
-};
-
-const Command* FindCommand(QStringView name) {
-  for (const Command& command : kCommands) {
-    if (command.name == name) return &command;
-  }
-  return nullptr;
-}
 
 // Takes over the value of one option; returns a German complaint or "".
 using TakeValue = QString (*)(Arguments&, const QString& value);

@@ -3,29 +3,22 @@
 #include <QScopeGuard>
 #include <optional>
 
-#include "base/Numbers.h"
 #include "cli/Arguments.h"
+#include "cli/Commands.h"
+#include "cli/Edits.h"
 #include "cli/Output.h"
 #include "cli/TextForms.h"
 #include "commands/DefinitionCheck.h"
-#include "commands/EditorCommands.h"
 #include "commands/EventBoundary.h"
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
-#include "core/TreeTexts.h"
 #include "core/ValueFiles.h"
 #include "print/PdfPrint.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
-namespace {
-
-/// Ends the run with kBadInput and a message.
-struct BadInput {
-  QString message;
-};
 
 /// One run: the program's parts wired together, and the commands on them.
 class Session {
@@ -43,21 +36,85 @@ class Session {
         controller_(module_, host_, main_, report_),
         core_{module_, main_, report_, choice_, editors_, box_, world.files, events_, controller_} {}
 
-  int Run() {
+  int Run(const Command& command) {
     LoadSettings(module_, world_.settings, box_, world_.programFolder);
     TakeSettings();
-    if (arguments_.command == u"check-definitions") return CheckDefinitionFiles();
-    if (arguments_.command == u"show") return ShowValueFile();
+    if (command.needs == Needs::Nothing) return (this->*command.run)();
     LoadDefinitions();
     if (arguments_.load) LoadValues();
+    if (command.needs == Needs::Definitions) RequireDefinitions();
     for (const QString& edit : arguments_.set)
-      SetParameter(edit);
+      SetParameter(module_, edit);
     for (const MarkChange& change : arguments_.marks)
-      SetMarks(change);
+      SetMarks(module_, change);
     if (!arguments_.set.isEmpty() || !arguments_.marks.empty()) Refresh(core_, 2);
-    const int status = RunCommand();
+    const int status = (this->*command.run)();
     if (arguments_.save && (status == kDone || status == kFindings)) return SaveValues(status);
     return status;
+  }
+
+  // The commands; each returns an ExitStatus.
+
+  int Versions() {
+    (void)Print(VersionsText(module_), [this] { return VersionsJson(module_); });
+    return VersionsRead() ? kDone : kBadInput;
+  }
+
+  int Plants() {
+    return Print(PlantsText(core_), [this] { return PlantsJson(core_); });
+  }
+
+  int Parameters() {
+    return Print(ParametersText(module_), [this] { return ParametersJson(module_); });
+  }
+
+  int Tree() { return Print(TreeText(core_), {}); }
+  int Pages() { return Print(print::PagesText(core_, Printed()), {}); }
+  int Receive() { return RunTransfer(CommandEmpfangen_Click); }
+  int Send() { return RunTransfer(CommandSenden_Click); }
+  int Compare() { return RunTransfer(CommandVergleichen_Click); }
+
+  int Standard() {
+    CommandStandard_Click(core_);
+    return kDone;
+  }
+
+  int Identify() {
+    (void)controller_.Configure(kSlot, kSettings9600);
+    const QString version = controller_.Identify(kSlot);
+    const bool failed = IsError(version);
+    (failed ? world_.err : world_.out) << version.toStdString() << '\n';
+    return failed ? kNoTransfer : kDone;
+  }
+
+  int ShowValueFile() {
+    const platform::FileContent file = world_.files.Read(arguments_.file, kLargestValueFile_bytes);
+    const QString failed = u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s;
+    if (!file.Ok()) throw BadInput{failed + file.error};
+    const ValueFileContent content = ParseValueFile(file.bytes);
+    if (!content.hasHeader) throw BadInput{failed + u"Die Datei ist keine Wertedatei."_s};
+    return Print(ValueFileText(content), [&content] { return ValueFileJson(content); });
+  }
+
+  int PrintToPdf() {
+    print::PdfRequest request{Printed(), *arguments_.pdf, arguments_.copies.value_or(1), {}};
+    if (arguments_.page) request.page = *arguments_.page;
+    const QString error = print::PrintPdf(core_, request);
+    if (!error.isEmpty()) throw BadInput{error};
+    return kDone;
+  }
+
+  int CheckDefinitionFiles() {
+    bool errors = false;
+    for (const Finding& finding : CheckDefinitions(world_.files, module_.Inipath, module_.Inifile)) {
+      const QString severity = finding.error ? u"Fehler"_s : u"Warnung"_s;
+      world_.out << u"%1\t%2\t%3\t%4\n"_s.arg(finding.file)
+                        .arg(finding.line)
+                        .arg(severity, finding.text)
+                        .toStdString();
+      errors = errors || finding.error;
+    }
+    return errors ? kFindings : kDone;
   }
 
  private:
@@ -78,16 +135,28 @@ class Session {
     }
   }
 
+  // Whatever cannot be read is said in a box.
   void LoadDefinitions() {
-    const int boxes = box_.Count();
     ConnectHandlers(core_);
+    // What is said from here on is about the version that is selected now.
+    main_.ComboVN().OnChange = [this] {
+      boxesBefore_ = box_.Count();
+      ComboVN_Click(core_);
+    };
+    boxesBefore_ = box_.Count();
     RunHandler(box_, [this] {
       Refresh(core_, 5);
       if (arguments_.controller) Select(main_.ComboVN(), FindController());
       if (arguments_.plant) Select(main_.ComboArt(), FindPlant());
     });
-    // Whatever could not be read has been said in a box.
-    if (box_.Count() > boxes) throw BadInput{};
+  }
+
+  // The reader selects the first version when it has come to the end of the table.
+  [[nodiscard]] bool VersionsRead() { return main_.ComboVN().Position() >= 0; }
+
+  // Faults of other versions than the selected one do not count.
+  void RequireDefinitions() {
+    if (!VersionsRead() || box_.Count() > boxesBefore_) throw BadInput{};
   }
 
   void LoadValues() {
@@ -100,15 +169,6 @@ class Session {
   int SaveValues(int status) {
     module_.Dateiname = *arguments_.save;
     return WriteValueFile(core_) ? status : kBadInput;
-  }
-
-  int ShowValueFile() {
-    const platform::FileContent file = world_.files.Read(arguments_.file, kLargestValueFile_bytes);
-    const QString failed = u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s;
-    if (!file.Ok()) throw BadInput{failed + file.error};
-    const ValueFileContent content = ParseValueFile(file.bytes);
-    if (!content.hasHeader) throw BadInput{failed + u"Die Datei ist keine Wertedatei."_s};
-    return Print(ValueFileText(content), [&content] { return ValueFileJson(content); });
   }
 
   static void Select(platform::ListBox& list, int position) { list.Select(position); }
@@ -142,79 +202,6 @@ class Session {
     return position;
   }
 
-  // Every parameter with that variable name, in table order.
-  [[nodiscard]] std::vector<int> FindVariable(QStringView name) const {
-    std::vector<int> found;
-    for (int i = 1; i < module_.ParCount; ++i) {
-      if (module_.Par[i].Variable == name) found.push_back(i);
-    }
-    return found;
-  }
-
-  // Edits one parameter as its editor would.
-  void SetParameter(const QString& edit) {
-    const qsizetype equals = edit.indexOf(u'=');
-    const QString name = edit.left(equals);
-    const QString text = edit.sliced(equals + 1);
-    const std::vector<int> found = FindVariable(name);
-    if (found.empty()) throw BadInput{u"Unbekannte Variable: "_s + name};
-    if (found.size() > 1) throw BadInput{u"Mehrere Parameter haben die Variable "_s + name};
-    const int index = found.front();
-    ParameterRecord& record = module_.Par[index];
-    if (IsStringForTree(record)) {
-      const int longest = TextEditOf(module_, index).MaxLength;
-      if (longest > 0 && text.size() > longest) {
-        throw BadInput{u"Text für %1 ist länger als %2 Zeichen: %3"_s.arg(name).arg(longest).arg(text)};
-      }
-      record.WertText = text;
-    } else {
-      const NumberEdit limits = NumberEditOf(module_, index, 0);
-      const std::optional<qint32> value = EditedValue(record, limits.TextVon, text, limits.TextBis);
-      if (!value) {
-        throw BadInput{u"Wert für %1 liegt nicht zwischen %2 und %3: %4"_s.arg(name, limits.TextVon,
-                                                                               limits.TextBis, text)};
-      }
-      record.Wert = *value;
-      module_.ParNode[index] = kTrue;
-    }
-  }
-
-  void SetMarks(const MarkChange& change) {
-    const QString& what = change.what;
-    std::vector<int> indices;
-    bool isNumber = false;
-    const int number = what.toInt(&isNumber);
-    if (isNumber && number >= 1 && number < module_.ParCount) {
-      indices.push_back(number);
-    } else if (what == u"all" || what.startsWith(u"group=")) {
-      for (int i = 1; i < module_.ParCount; ++i) {
-        if (what == u"all" || module_.Par[i].Rubrik == QStringView(what).sliced(6)) indices.push_back(i);
-      }
-    } else {
-      indices = FindVariable(what);
-    }
-    if (indices.empty() && what != u"all") throw BadInput{u"Kein Parameter: "_s + what};
-    for (const int i : indices)
-      module_.ParNode[i] = change.checked ? kTrue : kFalse;
-  }
-
-  int RunCommand() {
-    const QString& command = arguments_.command;
-    if (command == u"versions") return Print(VersionsText(module_), [this] { return VersionsJson(module_); });
-    if (command == u"plants") return Print(PlantsText(core_), [this] { return PlantsJson(core_); });
-    if (command == u"params")
-      return Print(ParametersText(module_), [this] { return ParametersJson(module_); });
-    if (command == u"tree") return Print(TreeText(core_), {});
-    if (command == u"pages") return Print(print::PagesText(core_, Printed()), {});
-    if (command == u"print") return PrintToPdf();
-    if (command == u"identify") return Identify();
-    if (command == u"receive") return RunTransfer(CommandEmpfangen_Click);
-    if (command == u"send") return RunTransfer(CommandSenden_Click);
-    if (command == u"compare") return RunTransfer(CommandVergleichen_Click);
-    CommandStandard_Click(core_);
-    return kDone;
-  }
-
   int Print(const QString& text, const std::function<QJsonDocument()>& json) {
     if (arguments_.json) {
       world_.out << json().toJson().toStdString();
@@ -230,27 +217,11 @@ class Session {
             arguments_.landscape ? platform::kLandscape : platform::kPortrait};
   }
 
-  int PrintToPdf() {
-    print::PdfRequest request{Printed(), *arguments_.pdf, arguments_.copies.value_or(1), {}};
-    if (arguments_.page) request.page = *arguments_.page;
-    const QString error = print::PrintPdf(core_, request);
-    if (!error.isEmpty()) throw BadInput{error};
-    return kDone;
-  }
-
-  int Identify() {
-    (void)controller_.Configure(kSlot, kSettings9600);
-    const QString version = controller_.Identify(kSlot);
-    const bool failed = IsError(version);
-    (failed ? world_.err : world_.out) << version.toStdString() << '\n';
-    return failed ? kNoTransfer : kDone;
-  }
-
   // Runs the command; the last line of its report is ended before anything else is written.
   TransferOutcome ReportedTransfer(TransferOutcome (*command)(Core&)) {
     const auto finish = qScopeGuard([this] { view_.Finish(); });
-    // Not the outcome itself: gcc 12 has been seen to drop its initial values at -O2 where the command
-    // throws.
+    // Not the outcome itself: from -O1 on gcc 12 drops the initial values of a plain struct where the call
+    // that is assigned to it in a lambda throws. valgrind shows it in the tests of errors inside a transfer.
     std::optional<TransferOutcome> outcome;
     RunHandler(box_, [&] { outcome = command(core_); });
     return outcome.value_or(TransferOutcome());
@@ -269,19 +240,6 @@ class Session {
     return outcome.walk.failures > 0 || outcome.walk.deviations > 0 ? kFindings : kDone;
   }
 
-  int CheckDefinitionFiles() {
-    bool errors = false;
-    for (const Finding& finding : CheckDefinitions(world_.files, module_.Inipath, module_.Inifile)) {
-      const QString severity = finding.error ? u"Fehler"_s : u"Warnung"_s;
-      world_.out << u"%1\t%2\t%3\t%4\n"_s.arg(finding.file)
-                        .arg(finding.line)
-                        .arg(severity, finding.text)
-                        .toStdString();
-      errors = errors || finding.error;
-    }
-    return errors ? kFindings : kDone;
-  }
-
   const Arguments& arguments_;
   World& world_;
   Module1 module_;
@@ -296,9 +254,35 @@ class Session {
   Report report_;
   COM_A controller_;
   Core core_;
+  int boxesBefore_ = 0;  // that were shown before the selected version was read
+};
+
+namespace {
+
+constexpr Command kCommands[] = {
+    {u"versions", &Session::Versions, Needs::Versions, true},
+    {u"plants", &Session::Plants, Needs::Definitions, true},
+    {u"params", &Session::Parameters, Needs::Definitions, true},
+    {u"tree", &Session::Tree},
+    {u"identify", &Session::Identify},
+    {u"receive", &Session::Receive},
+    {u"send", &Session::Send},
+    {u"compare", &Session::Compare, Needs::Definitions, true},
+    {u"standard", &Session::Standard},
+    {u"show", &Session::ShowValueFile, Needs::Nothing, true, true},
+    {u"pages", &Session::Pages},
+    {u"print", &Session::PrintToPdf},
+    {u"check-definitions", &Session::CheckDefinitionFiles, Needs::Nothing},
 };
 
 }  // namespace
+
+const Command* FindCommand(QStringView name) {
+  for (const Command& command : kCommands) {
+    if (command.name == name) return &command;
+  }
+  return nullptr;
+}
 
 int Run(const QStringList& list, World& world) {
   const Arguments arguments = ParseArguments(list);
@@ -315,7 +299,7 @@ int Run(const QStringList& list, World& world) {
     return kDone;
   }
   try {
-    return Session(arguments, world).Run();
+    return Session(arguments, world).Run(*FindCommand(arguments.command));
   } catch (const BadInput& bad) {
     if (!bad.message.isEmpty()) world.err << bad.message.toStdString() << '\n';
   } catch (const UnansweredQuestion&) {

@@ -56,10 +56,10 @@ NamedValues ValuesOf(const Module1& module, int index) {
           {u"Checked"_s, module.ParNode[index] != kFalse ? 1 : 0}};
 }
 
-// Element 0 comes first when a plant-type record was read: each reading of definitions clears what tells.
+// Element 0 comes first when a plant-type record was read.
 template <typename Do>
 void ForParameters(const Module1& module, Do&& act) {
-  if (!module.Par[0].Variable.isEmpty() || !module.Par[0].VarAdresse.isEmpty()) act(0);
+  if (module.ParLine[0] > 0) act(0);
   for (int i = 1; i < module.ParCount; ++i)
     act(i);
 }

@@ -105,12 +105,13 @@ TEST_F(BadInput, MoreParametersThanTheTableHolds) {
              "  A  -\r\n";
   }
   Write(u"DEF.TXT"_s, bytes);
-  ExpectBadInput(u"Index außerhalb des zulässigen Bereichs."_s);
+  ExpectBadInput(u"Index außerhalb des zulässigen Bereichs.: "_s + folder.path() +
+                 u"//DEF.TXT, Zeile 2002"_s);
 }
 
 TEST_F(BadInput, ANumberTooLargeForItsField) {
   Write(u"DEF.TXT"_s, "Kopf\r\nG  N  0  4294967295  1  -  0  0  int  1F00  V  A  -\r\n");
-  ExpectBadInput(u"Zahl außerhalb des zulässigen Bereichs."_s);
+  ExpectBadInput(u"Zahl außerhalb des zulässigen Bereichs.: "_s + folder.path() + u"//DEF.TXT, Zeile 2"_s);
 }
 
 TEST_F(BadInput, WrongOptions) {

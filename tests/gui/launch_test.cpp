@@ -39,12 +39,14 @@ struct ToldFiles final : platform::FileSystem {
 };
 
 class LaunchTest : public GuiTest, public QObject {
- protected:
-  LaunchTest() { qApp->installEventFilter(this); }
+ public:
   ~LaunchTest() override {
     desktop.reset();
     qApp->removeEventFilter(this);
   }
+
+ protected:
+  LaunchTest() { qApp->installEventFilter(this); }
 
   /// What happened, each with how often the port had been opened by then; repetitions count once.
   QStringList steps;

@@ -135,6 +135,31 @@ TEST_F(CliTest, ParamsHasNoElementZeroWithoutAPlantTypeRecord) {
   EXPECT_TRUE(Out().split(u'\n').at(1).startsWith(u"1\tAntrieb"_s));
 }
 
+TEST_F(CliTest, ParamsShowsAPlantTypeRecordWithoutVariableAndAddressToo) {
+  files.files[u"/d//D2.TXT"_s].bytes += "NoRubrik  Anlage\r\n";
+  EXPECT_EQ(Run({u"params"_s, u"--controller"_s, u"AB1-200.0"_s}), kDone);
+  EXPECT_TRUE(Out().split(u'\n').at(1).startsWith(u"0\tNoRubrik\tAnlage\t"_s)) << out.str();
+}
+
+TEST_F(CliTest, EveryCommandOfTheHelpRunsItself) {
+  // Only "standard" changes a value without being told to.
+  files.files[u"x.qpf"_s].bytes = ComposeRecord(2, {}, u"AB1-123.4"_s, {});
+  EXPECT_EQ(Run({u"--help"_s}), kDone);
+  const QString help = Out();
+  const QString commands = help.section(u"Befehle:\n"_s, 1).section(u"\n\n"_s, 0, 0);
+  QSet<QString> outputs;
+  for (const QString& row : commands.split(u'\n')) {
+    const QString command = row.trimmed().section(u' ', 0, 0);
+    QStringList arguments{command};
+    if (command == u"show") arguments.append(u"x.qpf"_s);
+    if (command == u"print") continue;  // needs fonts
+    EXPECT_EQ(Run(arguments), kDone) << command.toStdString() << err.str();
+    EXPECT_FALSE(outputs.contains(Out())) << command.toStdString() << " does what another one does";
+    outputs.insert(Out());
+  }
+  EXPECT_EQ(outputs.size(), 12);
+}
+
 TEST_F(CliTest, TreeShowsKeysAndTexts) {
   EXPECT_EQ(Run({u"tree"_s, u"--plant"_s, u"Kühlung"_s}), kDone);
   EXPECT_EQ(Out(),
@@ -297,6 +322,84 @@ TEST_F(CliTest, AMissingDefinitionFileIsBadInput) {
   files.files.remove(u"/d//D2.TXT"_s);
   EXPECT_EQ(Run({u"tree"_s, u"--controller"_s, u"AB1-200.0"_s}), kBadInput);
   EXPECT_EQ(Err(), u"KALIVOR: Datei nicht gefunden.: /d//D2.TXT\n"_s);
+  EXPECT_EQ(Out(), QString());
+}
+
+// What is said when the first version's definitions cannot be read.
+const QString kFirstIsMissing =
+    u"Fehler beim Lesen von | /d/VF.INI | Datei nicht gefunden.: /d//D1.TXT | "
+    "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\n"_s;
+
+TEST_F(CliTest, WithoutDefinitionsOfItsVersionNoCommandRuns) {
+  files.files.remove(u"/d//D1.TXT"_s);
+  for (const QString& command :
+       {u"plants"_s, u"params"_s, u"tree"_s, u"identify"_s, u"send"_s, u"standard"_s, u"pages"_s}) {
+    EXPECT_EQ(Run({command}), kBadInput) << command.toStdString();
+    EXPECT_EQ(Out(), QString());
+    EXPECT_EQ(Err(), kFirstIsMissing);
+  }
+  EXPECT_EQ(line.openings, 0);
+}
+
+TEST_F(CliTest, FaultsOfAVersionThatTheCommandDoesNotWorkWithAreBoxesOnly) {
+  files.files.remove(u"/d//D1.TXT"_s);
+  EXPECT_EQ(Run({u"params"_s, u"--controller"_s, u"AB1-200.0"_s}), kDone);
+  EXPECT_EQ(Err(), kFirstIsMissing);
+  EXPECT_TRUE(Out().contains(u"\n1\tAntrieb\tDrehzahl\t100\t"_s)) << out.str();
+  EXPECT_EQ(Run({u"params"_s}), kBadInput) << "it is the first one's fault all the same";
+}
+
+TEST_F(CliTest, AMissingAddressListIsBadInputForItsOwnVersionOnly) {
+  files.AddText(u"/d/VF.INI"_s, kHeading +
+                                    u"AB1-123.4  L1.ADR  D1.TXT  Heizung Kühlung -  WR\r\n"
+                                    "AB1-200.0  -  D2.TXT  A  WR\r\n"_s);
+  EXPECT_EQ(Run({u"tree"_s}), kBadInput);
+  EXPECT_TRUE(Err().startsWith(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_EQ(Run({u"tree"_s, u"--controller"_s, u"AB1-200.0"_s}), kDone);
+  EXPECT_TRUE(Err().startsWith(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_TRUE(Out().contains(u"sK 1\tDrehzahl"_s));
+}
+
+TEST_F(CliTest, TheVersionOfALoadedFileIsTheOneThatMustBeReadable) {
+  files.files[u"x.qpf"_s].bytes =
+      ComposeRecord(2, {}, u"AB1-200.0"_s, {}) + ComposeRecord(55, {}, u"SOLL"_s, u"int"_s);
+  const QStringList load{u"params"_s, u"--load"_s, u"x.qpf"_s, u"--answer"_s};
+  const QByteArray first = files.files.take(u"/d//D1.TXT"_s).bytes;
+  EXPECT_EQ(Run(load + QStringList{u"second"_s}), kDone) << err.str();
+  EXPECT_TRUE(Out().contains(u"\n1\tAntrieb\tDrehzahl\t55\t"_s)) << out.str();
+  EXPECT_EQ(Run(load + QStringList{u"first"_s}), kBadInput);
+
+  files.files[u"/d//D1.TXT"_s].bytes = first;
+  files.AddText(u"/d/VF.INI"_s, kHeading +
+                                    u"AB1-123.4  -  D1.TXT  Heizung Kühlung -  WR\r\n"
+                                    "AB1-200.0  L2.ADR  D2.TXT  A  WR\r\n"_s);
+  EXPECT_EQ(Run(load + QStringList{u"second"_s}), kBadInput);
+  EXPECT_TRUE(Err().contains(u"Fehler beim Lesen von | /d//L2.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_EQ(Out(), QString());
+}
+
+TEST_F(CliTest, VersionsPrintsWhatTheTableHoldsWhateverTheDefinitionsAre) {
+  files.files.remove(u"/d//D1.TXT"_s);
+  files.files.remove(u"/d//D2.TXT"_s);
+  const QString rows = u"AB1-123.4\t-\tD1.TXT\t Heizung Kühlung -\tWR\nAB1-200.0\t-\tD2.TXT\t A\tWR\n"_s;
+  EXPECT_EQ(Run({u"versions"_s}), kDone);
+  EXPECT_EQ(Out(), rows);
+  EXPECT_EQ(Err(), kFirstIsMissing);
+  EXPECT_EQ(Run({u"versions"_s, u"--controller"_s, u"AB1-200.0"_s}), kDone);
+  EXPECT_EQ(Out(), rows);
+}
+
+TEST_F(CliTest, VersionsOfATableThatCannotBeReadIsBadInput) {
+  files.AddText(u"/d/VF.INI"_s, kHeading);
+  EXPECT_EQ(Run({u"versions"_s}), kBadInput);
+  EXPECT_EQ(Out(), QString());
+  files.files.remove(u"/d/VF.INI"_s);
+  EXPECT_EQ(Run({u"versions"_s}), kBadInput);
+  EXPECT_EQ(Out(), QString());
+  // More rows than the counter holds: what was read is printed.
+  files.AddText(u"/d/VF.INI"_s, kHeading + u"V  -  D1.TXT  -  WR\r\n"_s.repeated(32767));
+  EXPECT_EQ(Run({u"versions"_s}), kBadInput);
+  EXPECT_EQ(Out().count(u'\n'), 32766);
 }
 
 TEST_F(CliTest, AnAmbiguousVariableCannotBeSet) {

@@ -78,12 +78,13 @@ struct Module1 {
   QString Inifile = QStringLiteral("VF.INI");  ///< file name of the version table
 
   // Conversation with the user.
-  qint16 Abbruch = kFalse;  ///< abort request; set by the report's button, polled by the walks
-  qint16 Antwort = -1;      ///< answer of a question; -1 while pending
-  qint16 Kopien = 1;        ///< copies to print, from the print dialog
-  int BusyDepth = 0;        ///< how many operations are under way inside each other
-  QString ReglerVersion;    ///< last answer of the version query
-  QString Dateiname;        ///< current value file; empty when none is open
+  qint16 Abbruch = kFalse;   ///< abort request; set by the report's button, polled by the walks
+  qint16 Antwort = -1;       ///< answer of a question; -1 while pending
+  qint16 Kopien = 1;         ///< copies to print, from the print dialog
+  bool SessionEnds = false;  ///< the user's session ends: nobody answers a question any more
+  int BusyDepth = 0;         ///< how many operations are under way inside each other
+  QString ReglerVersion;     ///< last answer of the version query
+  QString Dateiname;         ///< current value file; empty when none is open
 
   /// Row `row` of the version table; throws RuntimeError (Bounds) outside it.
   [[nodiscard]] const VersionRecord& VersionRow(int row) const {

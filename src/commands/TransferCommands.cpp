@@ -217,6 +217,7 @@ bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
                 u"Die Anlageart auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
                 "Bitte wählen Sie:"_s,
                 u"PC: "_s + plants.SelectedText(), u"Regler: "_s + plants.Text(number));
+  if (answer == kNoAnswer) return false;
   if (answer == 1) {
     WritePlantType(core, outcome);
     return true;

@@ -99,6 +99,7 @@ bool MatchVersion(Core& core, const QString& version) {
                 u"Die Version in der Datei stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
                 "Bitte wählen Sie:"_s,
                 u"PC (Daten werden konvertiert): "_s + versions.SelectedText(), u"Datei: "_s + version);
+  if (answer == kNoAnswer) return false;
   if (answer == 2) SwitchTo(core, position);
   return true;
 }

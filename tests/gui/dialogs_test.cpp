@@ -159,3 +159,21 @@ TEST_F(DialogsTest, AMessageBoxHasNoDisabledOwner) {
 
 }  // namespace
 }  // namespace kalivor::test
+// It would keep the program from ending.
+TEST_F(DialogsTest, AMessageBoxThatWaitsIsClosedAtTheEndOfTheSession) {
+  Start();
+  platform::QtMessageBox real;
+  QTimer::singleShot(0, qApp, [this] { desktop->main.EndSession(); });
+  QTimer user;
+  user.setSingleShot(true);
+  bool neededTheUser = false;
+  user.callOnTimeout([&neededTheUser] {
+    neededTheUser = true;
+    QApplication::activeModalWidget()->close();
+  });
+  user.start(2000);
+  real.Show(u"x"_s, QString(), platform::MessageBox::Icon::None);
+  EXPECT_FALSE(neededTheUser);
+  EXPECT_FALSE(desktop->main.isVisible());
+}
+

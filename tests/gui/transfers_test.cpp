@@ -1,4 +1,5 @@
 // The four buttons through the real windows, against a simulated controller.
+#include "core/ValueFileFormat.h"
 #include "gui/GuiFixture.h"
 
 namespace kalivor::test {
@@ -296,6 +297,75 @@ TEST_F(TransfersTest, TheAbortButtonDoesNotAnswerAQuestion) {
   EXPECT_EQ(waits, 3);
   EXPECT_EQ(ReportLines().last(), u"Senden abgebrochen"_s);
   ExpectReady();
+}
+
+/// The session ends while a question waits for its answer. Nobody gives one any more.
+class SessionEndTest : public TransfersTest {
+ protected:
+  void EndSessionInQuestion() {
+    events.onWait = [this] {
+      // The question waits on; without this, for ever.
+      if (++waits > 1) throw RuntimeError(RuntimeError::Kind::MissingObject);
+      ASSERT_TRUE(desktop->auswahl.isVisible());
+      desktop->main.EndSession();
+    };
+  }
+
+  void ExpectEnded() {
+    EXPECT_EQ(waits, 1) << "one question, given up at once";
+    EXPECT_EQ(WritesSent(), 0);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(desktop->main.isVisible());
+    EXPECT_FALSE(desktop->auswahl.isVisible());
+    EXPECT_EQ(settings.values[u"Adresse"_s], u"1"_s) << "the settings are stored";
+    EXPECT_EQ(desktop->module.BusyDepth, 0);
+  }
+
+  int waits = 0;
+};
+
+TEST_F(SessionEndTest, TheQuestionForTheVersionIsGivenUp) {
+  UseController(u"AB1-012.0"_s);
+  Start();
+  EndSessionInQuestion();
+  Press(u"CommandSenden"_s);
+  EXPECT_EQ(ReportLines().join(u'|'), u"Senden..|Senden abgebrochen"_s);
+  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  ExpectEnded();
+}
+
+TEST_F(SessionEndTest, TheQuestionForThePlantTypeIsGivenUp) {
+  Start();
+  SetWord(0x1E00, 2);
+  SetWord(0x1F00, 2000);
+  desktop->main.ComboArt().Select(1);
+  EndSessionInQuestion();
+  Press(u"CommandSenden"_s);
+  EXPECT_EQ(ReportLines().join(u'|'), u"Senden..|Senden abgebrochen"_s);
+  EXPECT_EQ(desktop->main.ComboArt().Position(), 1);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1500) << "nothing is received";
+  ExpectEnded();
+}
+
+TEST_F(SessionEndTest, AQuestionThatComesAfterwardsIsNotAsked) {
+  UseController(u"AB1-012.0"_s);
+  Start();
+  events.onPending = [this] { desktop->main.EndSession(); };
+  Press(u"CommandSenden"_s);
+  EXPECT_EQ(ReportLines().join(u'|'), u"Senden..|Senden abgebrochen"_s);
+  waits = 1;
+  ExpectEnded();
+}
+
+TEST_F(SessionEndTest, TheQuestionForTheFilesVersionIsGivenUp) {
+  Start();
+  files.files[u"/werte/x.qpf"_s].bytes =
+      ComposeRecord(2, {}, u"AB1-012.0"_s, {}) + ComposeRecord(99, {}, u"n"_s, u"int"_s);
+  EndSessionInQuestion();
+  desktop->OpenFile(u"/werte/x.qpf"_s);
+  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1500) << "nothing is read";
+  ExpectEnded();
 }
 
 TEST_F(TransfersTest, StandardResetsEveryParameterWithoutAReport) {

@@ -304,6 +304,11 @@ void frmMain::closeEvent(QCloseEvent* event) {
   for (auto companion = companions_.rbegin(); companion != companions_.rend(); ++companion) {
     if (companion->window) companion->window->hide();
   }
+  if (module_ != nullptr) module_->SessionEnds = true;
+  // Message boxes and file dialogs wait for a user as well.
+  while (QWidget* box = QApplication::activeModalWidget()) {
+    if (!box->close()) break;
+  }
   if (OnUnload) OnUnload();
   event->accept();
 }

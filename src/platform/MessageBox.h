@@ -12,7 +12,8 @@ class MessageBox {
   virtual ~MessageBox() = default;
 
   /// Shows `text` with an OK button and returns when the user has pressed it. Lines of `text` are separated
-  /// by CR LF. An empty `title` stands for a box without title text.
+  /// by CR LF; it is shown as it is, blanks and empty lines at its ends included. Without a title of its own
+  /// the box has the program's name in its title bar.
   virtual void Show(const QString& text, const QString& title = QString(), Icon icon = Icon::None) = 0;
 };
 

@@ -130,7 +130,7 @@ SeenBox SeeBox(platform::MessageBox& box, const QString& text, const QString& ti
 
 TEST_F(DialogsTest, TheMessageBoxShowsItsText) {
   platform::QtMessageBox real;
-  const SeenBox seen = SeeBox(real, u"Fehler beim Lesen von\r\n<b>\r\nx\r\n"_s, u"Titel"_s);
+  const SeenBox seen = SeeBox(real, u"Fehler beim Lesen von\r\n<b>\r\nx"_s, u"Titel"_s);
   EXPECT_EQ(seen.title, u"Titel"_s);
   EXPECT_EQ(seen.text, u"Fehler beim Lesen von\n<b>\nx"_s);
   EXPECT_TRUE(seen.modal);
@@ -175,5 +175,11 @@ TEST_F(DialogsTest, AMessageBoxThatWaitsIsClosedAtTheEndOfTheSession) {
   real.Show(u"x"_s, QString(), platform::MessageBox::Icon::None);
   EXPECT_FALSE(neededTheUser);
   EXPECT_FALSE(desktop->main.isVisible());
+}
+
+TEST_F(DialogsTest, TheMessageBoxLeavesBlanksAndLineBreaksAtTheEndsOfItsText) {
+  platform::QtMessageBox real;
+  EXPECT_EQ(SeeBox(real, u"  eins\r\nzwei  \r\n"_s, QString()).text, u"  eins\nzwei  \n"_s);
+  EXPECT_EQ(SeeBox(real, u"\r\n\r\neins"_s, QString()).text, u"\n\neins"_s);
 }
 

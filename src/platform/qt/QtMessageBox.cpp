@@ -24,7 +24,7 @@ void QtMessageBox::Show(const QString& text, const QString& title, Icon icon) {
   box.setObjectName(u"MessageBox"_s);
   box.setWindowTitle(title.isEmpty() ? QApplication::applicationName() : title);
   box.setTextFormat(Qt::PlainText);
-  box.setText(WithPlainLineBreaks(text).trimmed());
+  box.setText(WithPlainLineBreaks(text));
   box.setIcon(icon == Icon::Information ? QMessageBox::Information : QMessageBox::NoIcon);
   box.setStandardButtons(QMessageBox::Ok);
   box.setWindowModality(Qt::ApplicationModal);

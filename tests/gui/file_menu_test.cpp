@@ -1,6 +1,9 @@
 // Opening, saving and closing value files through the real menus.
 #include <QAction>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QListView>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include "core/ValueFileFormat.h"
@@ -150,9 +153,10 @@ TEST_F(FileMenuTest, AFileOnTheCommandLineIsOpenedAsByTheMenu) {
   EXPECT_EQ(desktop->module.Par[1].Wert, 1777);
 }
 
+// The toolkit takes the last brackets for the pattern, and shows what stands before them.
 TEST(FileDialogs, FiltersAreWrittenAsTheToolkitWantsThem) {
-  EXPECT_EQ(platform::ToolkitFilter(u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*"_s),
-            u"MERVA Parameterfile (*.qpf);;Alle Dateien (*)"_s);
+  EXPECT_EQ(platform::ToolkitFilters(u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*"_s),
+            (QStringList{u"MERVA Parameterfile (*.qpf) (*.qpf)"_s, u"Alle Dateien (*.*) (*)"_s}));
 }
 
 // Runs `act` on the file dialog that is about to open.
@@ -174,6 +178,41 @@ TEST(FileDialogs, SavingDoesNotAskBeforeOverwritingAndAddsNoSuffix) {
     dialog.reject();
   });
   EXPECT_EQ(dialogs.SaveFile(u"Speichern"_s, u"Alle Dateien (*.*)|*.*"_s), QString());
+}
+
+TEST(FileDialogs, ShowTheirFiltersWordByWord) {
+  const QString filter = u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*"_s;
+  const QStringList words{u"MERVA Parameterfile (*.qpf)"_s, u"Alle Dateien (*.*)"_s};
+  platform::QtFileDialogs dialogs(false);
+  QStringList shown;
+  const auto look = [&shown](QFileDialog& dialog) {
+    auto* list = dialog.findChild<QComboBox*>(u"fileTypeCombo"_s);
+    ASSERT_NE(list, nullptr);
+    for (int i = 0; i < list->count(); ++i)
+      shown.append(list->itemText(i));
+    dialog.reject();
+  };
+  OnFileDialog(look);
+  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, QString(), filter), QString());
+  EXPECT_EQ(shown, words);
+  shown.clear();
+  OnFileDialog(look);
+  EXPECT_EQ(dialogs.SaveFile(u"Speichern"_s, filter), QString());
+  EXPECT_EQ(shown, words);
+}
+
+// "*.*" means names without a point as well.
+TEST(FileDialogs, AllFilesAreAllFiles) {
+  QTemporaryDir folder;
+  ASSERT_TRUE(QFile(folder.filePath(u"OHNE"_s)).open(QFile::WriteOnly));
+  platform::QtFileDialogs dialogs(false);
+  OnFileDialog([](QFileDialog& dialog) {
+    auto* files = dialog.findChild<QListView*>(u"listView"_s);
+    ASSERT_NE(files, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([files] { return files->model()->rowCount(files->rootIndex()) == 1; }));
+    dialog.reject();
+  });
+  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, folder.path(), u"Alle Dateien (*.*)|*.*"_s), QString());
 }
 
 TEST(FileDialogs, OpeningWantsAnExistingFileOfTheFolder) {

@@ -9,6 +9,12 @@ using namespace Qt::StringLiterals;
 namespace kalivor::platform {
 namespace {
 
+// The descriptions name their patterns themselves.
+void SetFilter(QFileDialog& dialog, const QString& filter) {
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilters(ToolkitFilters(filter));
+}
+
 QString Chosen(QFileDialog& dialog) {
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   return QFileInfo(dialog.selectedFiles().constFirst()).absoluteFilePath();
@@ -16,33 +22,33 @@ QString Chosen(QFileDialog& dialog) {
 
 }  // namespace
 
-QString ToolkitFilter(const QString& filter) {
+QStringList ToolkitFilters(const QString& filter) {
   const QStringList parts = filter.split(u'|');
   QStringList filters;
   for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
     // "*.*" means every file; the toolkit would leave out those without a point.
     const QString pattern = parts.at(i + 1) == u"*.*" ? u"*"_s : parts.at(i + 1);
-    const QString description = parts.at(i).section(u" ("_s, 0, 0);
-    filters.append(description + u" ("_s + pattern + u')');
+    filters.append(parts.at(i) + u" ("_s + pattern + u')');
   }
-  return filters.join(u";;"_s);
+  return filters;
 }
 
 QString QtFileDialogs::OpenFile(const QString& title, const QString& folder, const QString& filter) {
   QString slashed = folder;
-  QFileDialog dialog(QApplication::activeWindow(), title, slashed.replace(u'\\', u'/'),
-                     ToolkitFilter(filter));
+  QFileDialog dialog(QApplication::activeWindow(), title, slashed.replace(u'\\', u'/'));
   dialog.setOption(QFileDialog::DontUseNativeDialog, !native_);
+  SetFilter(dialog, filter);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
   return Chosen(dialog);
 }
 
 QString QtFileDialogs::SaveFile(const QString& title, const QString& filter) {
-  QFileDialog dialog(QApplication::activeWindow(), title, QString(), ToolkitFilter(filter));
+  QFileDialog dialog(QApplication::activeWindow(), title);
   dialog.setOption(QFileDialog::DontUseNativeDialog, !native_);
   // An existing file is overwritten without a question: it keeps what the new values do not reach.
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
+  SetFilter(dialog, filter);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   return Chosen(dialog);

@@ -5,8 +5,9 @@
 
 namespace kalivor::platform {
 
-/// "desc (*.a)|*.a|all (*.*)|*.*" as the toolkit writes it: "desc (*.a);;all (*)".
-[[nodiscard]] QString ToolkitFilter(const QString& filter);
+/// "desc (*.a)|*.a|all (*.*)|*.*" as the toolkit writes it, each description followed by its pattern:
+/// "desc (*.a) (*.a)" and "all (*.*) (*)".
+[[nodiscard]] QStringList ToolkitFilters(const QString& filter);
 
 class QtFileDialogs final : public FileDialogs {
  public:

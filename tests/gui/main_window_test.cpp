@@ -247,6 +247,15 @@ TEST_P(MainWindowFonts, NoDialogCutsItsTexts) {
   }
 }
 
+// A size that the user has not chosen has to be large enough; one that he has is his.
+TEST_P(MainWindowFonts, AStoredSizeCountsMoreThanTheFont) {
+  settings.values[u"MainWidth"_s] = u"3000"_s;
+  settings.values[u"MainHeight"_s] = u"3000"_s;
+  Start();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(desktop->main.size(), QSize(Pixels(3000), Pixels(3000)));
+}
+
 INSTANTIATE_TEST_SUITE_P(Scales, MainWindowFonts, testing::Values(1.0, 1.5, 2.0));
 
 TEST_F(MainWindowTest, FirstStartUsesTheDefaults) {
@@ -269,6 +278,43 @@ TEST_F(MainWindowTest, TheStoredPlaceComesBack) {
   Load();
   EXPECT_EQ(desktop->main.pos(), QPoint(Pixels(1500), Pixels(750.5)));
   EXPECT_EQ(desktop->main.size(), QSize(Pixels(9000), Pixels(7500.5)));
+}
+
+// Also where it is smaller than what the window shows: the stored place is the user's.
+TEST_F(MainWindowTest, ASmallStoredWindowIsNeitherEnlargedNorMovedInAnyNumberOfRuns) {
+  const QMap<QString, QString> places[] = {{{u"MainLeft"_s, u"600"_s},
+                                            {u"MainTop"_s, u"600"_s},
+                                            {u"MainWidth"_s, u"6000"_s},
+                                            {u"MainHeight"_s, u"4500"_s}},
+                                           {{u"MainLeft"_s, u"1500"_s},
+                                            {u"MainTop"_s, u"1500"_s},
+                                            {u"MainWidth"_s, u"1500"_s},
+                                            {u"MainHeight"_s, u"750"_s}}};
+  for (const auto& place : places) {
+    settings.values.insert(place);
+    for (int run = 0; run < 3; ++run) {
+      Start();
+      QCoreApplication::processEvents();
+      EXPECT_EQ(desktop->main.size(),
+                QSize(Pixels(place[u"MainWidth"_s].toDouble()), Pixels(place[u"MainHeight"_s].toDouble())));
+      EXPECT_TRUE(desktop->main.close());
+      for (auto value = place.begin(); value != place.end(); ++value)
+        EXPECT_EQ(settings.values[value.key()], value.value()) << value.key().toStdString() << run;
+    }
+  }
+}
+
+TEST_F(MainWindowTest, TheLayoutTakesAnyHeight) {
+  Start();
+  const int menu = desktop->main.menuBar()->height();
+  for (const int inner : {300, 120, 100, 60, 30}) {
+    desktop->main.resize(500, inner + menu);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(desktop->main.height(), inner + menu);
+    EXPECT_EQ(TreeWidget().pos(), QPoint(0, 50)) << inner;
+    EXPECT_EQ(TreeWidget().height(), std::max(inner - 100, 0)) << inner;
+    EXPECT_EQ(Main<QPushButton>(u"CommandSenden"_s).y(), inner - 45) << inner;
+  }
 }
 
 TEST_F(MainWindowTest, SettingsThatAreNoNumbersAreReportedAndReplaced) {

@@ -89,6 +89,8 @@ frmMain::frmMain(const platform::EventGuard& guard)
   ShowMenuIcons();
   SetTabOrder();
   setCentralWidget(body_);
+  // The window may be smaller than what it shows.
+  layout()->setSizeConstraint(QLayout::SetNoConstraint);
   body_->installEventFilter(this);
   statusBar()->installEventFilter(this);
   Arrange();
@@ -172,28 +174,37 @@ void frmMain::AddCompanion(QWidget& window, bool disabledWhileBusy) {
   companions_.push_back({&window, disabledWhileBusy});
 }
 
-// The two strips and the buttons have their sizes from the font, the tree gets what is left.
+// The two strips and the buttons have their sizes from the font.
+frmMain::Heights frmMain::HeightsOfStrips() const {
+  Heights heights;
+  heights.bar = fontMetrics().height() + 5;
+  heights.button = std::max(fontMetrics().height() + 7, kButtonTop_px - heights.bar - 1);
+  heights.buttonTop = std::max(kButtonTop_px, heights.bar + heights.button + 1);
+  heights.treeBottom = heights.buttonTop + kTreeBottom_px - kButtonTop_px;
+  const int frame = std::max(frame1_->sizeHint().height(), frame2_->sizeHint().height());
+  heights.treeTop = std::max(kTreeTop_px, frame + 1);
+  return heights;
+}
+
+// The tree gets what the strips leave, nothing in a window that is too low for them.
 void frmMain::Arrange() {
   if (isMinimized() || arranging_) return;
   const QScopedValueRollback arranging(arranging_, true);
 
-  const int barHeight = fontMetrics().height() + 5;
-  statusBar()->setFixedHeight(barHeight);
-  const int width = body_->width();
-  const int height = body_->height() + barHeight;
+  const Heights heights = HeightsOfStrips();
+  statusBar()->setFixedHeight(heights.bar);
+  const int height = body_->height() + heights.bar;
+  ArrangeTop(heights.treeTop - 1);
+  tree_->setGeometry(0, heights.treeTop, body_->width(),
+                     std::max(height - heights.treeTop - heights.treeBottom, 0));
+  ArrangeButtons(height - heights.buttonTop, heights.button);
+}
 
-  const int buttonHeight = std::max(fontMetrics().height() + 7, kButtonTop_px - barHeight - 1);
-  const int buttonTop = std::max(kButtonTop_px, barHeight + buttonHeight + 1);
-  const int treeBottom = buttonTop + kTreeBottom_px - kButtonTop_px;
-  const int frameHeight = std::max(frame1_->sizeHint().height(), frame2_->sizeHint().height());
-  const int treeTop = std::max(kTreeTop_px, frameHeight + 1);
-
-  ArrangeTop(treeTop - 1);
-  tree_->setGeometry(0, treeTop, width, height - treeTop - treeBottom);
-  ArrangeButtons(height - buttonTop, buttonHeight);
-  const int right = commandVergleichen_->geometry().right() + kMargin_px;
-  body_->setMinimumSize(std::max(right, frame2_->geometry().right() + kMargin_px),
-                        treeTop + kSmallestTree_px + treeBottom - barHeight);
+QSize frmMain::ComfortableSize() const {
+  const Heights heights = HeightsOfStrips();
+  const int right = std::max(commandVergleichen_->geometry().right(), frame2_->geometry().right());
+  const int menu = menuBar()->sizeHint().height();
+  return {right + kMargin_px, menu + heights.treeTop + kSmallestTree_px + heights.treeBottom};
 }
 
 void frmMain::ArrangeTop(int height) {
@@ -244,7 +255,12 @@ void frmMain::LoadPlace(const platform::SettingsStore& settings, platform::Messa
   QList<QRect> screens;
   for (const QScreen* screen : QGuiApplication::screens())
     screens.append(screen->availableGeometry());
-  const QRect place = OnScreen(LoadGeometry(settings, box, Dpi(*this)), screens);
+  QRect place = LoadGeometry(settings, box, Dpi(*this));
+  // A size that the user has chosen counts as it is. The default one has to do for the font.
+  const auto isDefault = [&](const QString& key) { return settings.Get(u"Settings"_s, key, {}).isEmpty(); };
+  if (isDefault(u"MainWidth"_s)) place.setWidth(std::max(place.width(), ComfortableSize().width()));
+  if (isDefault(u"MainHeight"_s)) place.setHeight(std::max(place.height(), ComfortableSize().height()));
+  place = OnScreen(place, screens);
   resize(place.size());
   move(place.topLeft());
 }
@@ -288,6 +304,11 @@ void frmMain::ShowAgain() {
 
 void frmMain::EndSession() {
   closeWhenReady_ = true;
+  if (module_ != nullptr) module_->SessionEnds = true;
+  // Message boxes and file dialogs wait for a user as well.
+  while (QWidget* box = QApplication::activeModalWidget()) {
+    if (!box->close()) break;
+  }
   if (isEnabled()) {
     close();
   } else if (module_ != nullptr) {
@@ -303,11 +324,6 @@ void frmMain::closeEvent(QCloseEvent* event) {
   }
   for (auto companion = companions_.rbegin(); companion != companions_.rend(); ++companion) {
     if (companion->window) companion->window->hide();
-  }
-  if (module_ != nullptr) module_->SessionEnds = true;
-  // Message boxes and file dialogs wait for a user as well.
-  while (QWidget* box = QApplication::activeModalWidget()) {
-    if (!box->close()) break;
   }
   if (OnUnload) OnUnload();
   event->accept();

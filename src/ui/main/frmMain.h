@@ -35,7 +35,8 @@ class frmMain final : public QMainWindow, public MainForm {
   /// A window that takes no input while an operation is under way, and that closes with the main window.
   void AddCompanion(QWidget& window, bool disabledWhileBusy);
 
-  /// Places the window as the settings say; reports what cannot be read.
+  /// Places the window as the settings say, however small that is; reports what cannot be read. A default
+  /// size grows with the font.
   void LoadPlace(const platform::SettingsStore& settings, platform::MessageBox& box);
 
   /// Stores the window's place, if it is neither minimised nor maximised.
@@ -82,6 +83,19 @@ class frmMain final : public QMainWindow, public MainForm {
   void BuildStatusBar();
   void ShowMenuIcons();
   void SetTabOrder();
+  /// Of the strips above and below the tree, in device-independent pixels.
+  struct Heights {
+    int bar = 0;         ///< the status bar
+    int button = 0;      ///< a button
+    int buttonTop = 0;   ///< the buttons' upper edge above the window's lower edge
+    int treeBottom = 0;  ///< the tree's lower edge above the window's lower edge
+    int treeTop = 0;     ///< the tree's upper edge below the menu bar
+  };
+  [[nodiscard]] Heights HeightsOfStrips() const;
+
+  /// The size in which nothing is cut and some of the tree is seen.
+  [[nodiscard]] QSize ComfortableSize() const;
+
   void Arrange();
   void ArrangeTop(int height);
   void ArrangeButtons(int top, int height);

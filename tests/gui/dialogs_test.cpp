@@ -1,6 +1,7 @@
 // The two questions, and the message box.
 #include <QMessageBox>
 #include <QTimer>
+#include <QWindow>
 
 #include "core/Questions.h"
 #include "gui/GuiFixture.h"
@@ -10,6 +11,11 @@ namespace kalivor::test {
 namespace {
 
 class DialogsTest : public GuiTest {};
+
+// What belongs to the active window counts as active for the toolkit's own waiting.
+bool WaitForKeyboard(const QWidget& window) {
+  return QTest::qWaitFor([&window] { return QApplication::activeWindow() == &window; });
+}
 
 TEST_F(DialogsTest, TheChoiceShowsItsTexts) {
   Start();
@@ -46,14 +52,78 @@ TEST_F(DialogsTest, TheChoiceCannotBeClosedWithoutAnAnswer) {
   EXPECT_FALSE(desktop->auswahl.windowFlags() & Qt::WindowCloseButtonHint);
 }
 
-TEST_F(DialogsTest, TheChoiceCanBeAnsweredWithTheKeyboard) {
+/// The choice as the user finds it, with the keyboard.
+class ChoiceKeyboardTest : public GuiTest {
+ protected:
+  void Ask() {
+    desktop->main.ShowAgain();
+    ASSERT_TRUE(WaitForKeyboard(desktop->main));
+    desktop->module.Antwort = -1;
+    desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
+    ASSERT_TRUE(WaitForKeyboard(desktop->auswahl));
+  }
+  void Press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+  [[nodiscard]] static QString Focus() { return QApplication::focusWidget()->objectName(); }
+};
+
+// Whoever was typing or pressing keys when it appeared has not read it.
+TEST_F(ChoiceKeyboardTest, NoKeyAnswersBeforeTab) {
   Start();
-  desktop->module.Antwort = -1;
-  desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
-  EXPECT_EQ(desktop->auswahl.focusWidget()->objectName(), u"Button1"_s);
-  QTest::keyClick(desktop->auswahl.focusWidget(), Qt::Key_Tab);
-  QTest::keyClick(desktop->auswahl.focusWidget(), Qt::Key_Space);
-  EXPECT_EQ(desktop->module.Antwort, 2);
+  // Once more after an answer: the button that gave it must not have kept the focus.
+  for (int times = 0; times < 2; ++times) {
+    ASSERT_NO_FATAL_FAILURE(Ask());
+    for (const QString& name : {u"Button1"_s, u"Button2"_s}) {
+      EXPECT_FALSE(In<QPushButton>(desktop->auswahl, name).isDefault()) << name.toStdString();
+      EXPECT_FALSE(In<QPushButton>(desktop->auswahl, name).hasFocus()) << name.toStdString();
+    }
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape})
+      Press(key);
+    EXPECT_EQ(desktop->module.Antwort, -1);
+    EXPECT_TRUE(desktop->auswahl.isVisible());
+    Press(Qt::Key_Tab);
+    EXPECT_EQ(Focus(), u"Button1"_s);
+    Press(Qt::Key_Space);
+    EXPECT_EQ(desktop->module.Antwort, 1);
+  }
+}
+
+TEST_F(ChoiceKeyboardTest, EnterAndSpacePressTheButtonThatTabHasReached) {
+  Start();
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+    ASSERT_NO_FATAL_FAILURE(Ask());
+    Press(Qt::Key_Tab);
+    Press(Qt::Key_Tab);
+    EXPECT_EQ(Focus(), u"Button2"_s);
+    Press(key);
+    EXPECT_EQ(desktop->module.Antwort, 2);
+    EXPECT_FALSE(desktop->auswahl.isVisible());
+  }
+}
+
+// The first column from the left that a caption of this button colours differently than no caption.
+int FirstColumnOfCaption(QPushButton& button) {
+  const QString caption = button.text();
+  const QImage with = button.grab().toImage();
+  button.setText(QString());
+  const QImage without = button.grab().toImage();
+  button.setText(caption);
+  for (int x = 0; x < with.width(); ++x) {
+    for (int y = 0; y < with.height(); ++y) {
+      if (with.pixel(x, y) != without.pixel(x, y)) return x;
+    }
+  }
+  return -1;
+}
+
+// Their columns are laid out with blanks and stand below each other.
+TEST_F(DialogsTest, TheCaptionsOfTheChoiceAreLeftAligned) {
+  Start();
+  desktop->auswahl.Show(u"?"_s, u"PC: A"_s, u"PC: A and much that follows it"_s);
+  QCoreApplication::processEvents();
+  const int first = FirstColumnOfCaption(In<QPushButton>(desktop->auswahl, u"Button1"_s));
+  EXPECT_GE(first, 6) << "too near the frame";
+  EXPECT_LT(first, 40);
+  EXPECT_EQ(FirstColumnOfCaption(In<QPushButton>(desktop->auswahl, u"Button2"_s)), first);
 }
 
 TEST_F(DialogsTest, TheWarningIsAnsweredWithYesOrNo) {
@@ -73,6 +143,31 @@ TEST_F(DialogsTest, TheWarningIsAnsweredWithYesOrNo) {
   Click(desktop->achtung, u"CancelButton"_s);
   EXPECT_EQ(desktop->module.Antwort, 0);
   EXPECT_FALSE(desktop->achtung.isVisible());
+}
+
+// A key pressed too early is no consent.
+TEST_F(DialogsTest, NoHasTheFocusOfTheWarning) {
+  Start();
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space}) {
+    desktop->main.ShowAgain();
+    ASSERT_TRUE(WaitForKeyboard(desktop->main));
+    desktop->module.Antwort = -1;
+    desktop->achtung.Show(u"?"_s);
+    ASSERT_TRUE(WaitForKeyboard(desktop->achtung));
+    ASSERT_EQ(QApplication::focusWidget(), &In<QPushButton>(desktop->achtung, u"CancelButton"_s));
+    QTest::keyClick(QApplication::focusWidget(), key);
+    EXPECT_EQ(desktop->module.Antwort, 0);
+  }
+}
+
+TEST_F(DialogsTest, QuestionsStayAboveTheMainWindow) {
+  Start();
+  desktop->auswahl.Show(u"?"_s, u"a"_s, u"b"_s);
+  desktop->achtung.Show(u"?"_s);
+  for (const QWidget* question : std::initializer_list<QWidget*>{&desktop->auswahl, &desktop->achtung}) {
+    EXPECT_EQ(question->windowHandle()->transientParent(), desktop->main.windowHandle())
+        << question->objectName().toStdString();
+  }
 }
 
 TEST_F(DialogsTest, ClosingTheWarningIsNo) {
@@ -136,6 +231,12 @@ TEST_F(DialogsTest, TheMessageBoxShowsItsText) {
   EXPECT_TRUE(seen.modal);
 }
 
+TEST_F(DialogsTest, TheMessageBoxLeavesBlanksAndLineBreaksAtTheEndsOfItsText) {
+  platform::QtMessageBox real;
+  EXPECT_EQ(SeeBox(real, u"  eins\r\nzwei  \r\n"_s, QString()).text, u"  eins\nzwei  \n"_s);
+  EXPECT_EQ(SeeBox(real, u"\r\n\r\neins"_s, QString()).text, u"\n\neins"_s);
+}
+
 TEST_F(DialogsTest, AMessageBoxWithoutTitleCarriesTheProgramsName) {
   platform::QtMessageBox real;
   int before = 0;
@@ -144,21 +245,6 @@ TEST_F(DialogsTest, AMessageBoxWithoutTitleCarriesTheProgramsName) {
   EXPECT_EQ(before, 1) << "the splash screen hears of it";
 }
 
-TEST_F(DialogsTest, AMessageBoxHasNoDisabledOwner) {
-  Start();
-  desktop->main.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
-  platform::QtMessageBox real;
-  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, &desktop->main);
-  desktop->main.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
-  const BusyGuard busy(desktop->core);
-  ASSERT_EQ(QApplication::activeWindow(), &desktop->main);
-  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, nullptr);
-}
-
-}  // namespace
-}  // namespace kalivor::test
 // It would keep the program from ending.
 TEST_F(DialogsTest, AMessageBoxThatWaitsIsClosedAtTheEndOfTheSession) {
   Start();
@@ -177,9 +263,18 @@ TEST_F(DialogsTest, AMessageBoxThatWaitsIsClosedAtTheEndOfTheSession) {
   EXPECT_FALSE(desktop->main.isVisible());
 }
 
-TEST_F(DialogsTest, TheMessageBoxLeavesBlanksAndLineBreaksAtTheEndsOfItsText) {
+TEST_F(DialogsTest, AMessageBoxHasNoDisabledOwner) {
+  Start();
+  desktop->main.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
   platform::QtMessageBox real;
-  EXPECT_EQ(SeeBox(real, u"  eins\r\nzwei  \r\n"_s, QString()).text, u"  eins\nzwei  \n"_s);
-  EXPECT_EQ(SeeBox(real, u"\r\n\r\neins"_s, QString()).text, u"\n\neins"_s);
+  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, &desktop->main);
+  desktop->main.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&desktop->main));
+  const BusyGuard busy(desktop->core);
+  ASSERT_EQ(QApplication::activeWindow(), &desktop->main);
+  EXPECT_EQ(SeeBox(real, u"x"_s, QString()).owner, nullptr);
 }
 
+}  // namespace
+}  // namespace kalivor::test

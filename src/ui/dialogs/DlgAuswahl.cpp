@@ -1,5 +1,9 @@
 #include "ui/dialogs/DlgAuswahl.h"
 
+#include <QKeyEvent>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+
 #include "platform/qt/FixedFont.h"
 #include "platform/qt/ShownText.h"
 #include "platform/qt/WindowPlacing.h"
@@ -12,6 +16,31 @@ namespace kalivor::ui {
 namespace {
 
 constexpr int kWidth_characters = 70;
+constexpr int kCaptionMargin_px = 6;
+
+// Drawn as the style draws every button, but for the caption's place. (A style sheet would replace the
+// style's sizes as well.)
+class LeftAlignedButton final : public QPushButton {
+ public:
+  LeftAlignedButton(QWidget* parent, const QString& name) : QPushButton(parent) { setObjectName(name); }
+
+ protected:
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QStylePainter painter(this);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    painter.drawControl(QStyle::CE_PushButtonBevel, option);
+    const QRect contents = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
+    painter.drawItemText(contents.adjusted(kCaptionMargin_px, 0, 0, 0),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextShowMnemonic, palette(), isEnabled(),
+                         text(), QPalette::ButtonText);
+    if (!hasFocus()) return;
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    focus.rect = style()->subElementRect(QStyle::SE_PushButtonFocusRect, &option, this);
+    painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+  }
+};
 
 }  // namespace
 
@@ -22,14 +51,15 @@ DlgAuswahl::DlgAuswahl(Module1& module) : module_(module) {
   setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
 
   label1_ = NewLabel(this, u"Label1"_s, QString(), true);
-  button1_ = NewButton(this, u"Button1"_s, QString());
-  button2_ = NewButton(this, u"Button2"_s, QString());
+  button1_ = new LeftAlignedButton(this, u"Button1"_s);
+  button2_ = new LeftAlignedButton(this, u"Button2"_s);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(label1_);
   layout->addSpacing(6);
   for (QPushButton* button : {button1_, button2_}) {
     // The captions are laid out with blanks, one below the other.
     button->setFont(platform::FixedFont());
+    button->setAutoDefault(false);
     layout->addWidget(button);
     connect(button, &QPushButton::clicked, this, [this, answer = button == button1_ ? 1 : 2] {
       module_.Antwort = static_cast<qint16>(answer);
@@ -43,9 +73,20 @@ void DlgAuswahl::Show(const QString& question, const QString& first, const QStri
   button1_->setText(platform::AsCaption(first));
   button2_->setText(platform::AsCaption(second));
   FitToContent(*this, kWidth_characters);
-  button1_->setFocus();
+  setFocus();
   if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
   platform::ShowInFront(*this);
+}
+
+// Enter presses the button that has the focus. The toolkit does so for default buttons alone.
+void DlgAuswahl::keyPressEvent(QKeyEvent* event) {
+  auto* button = qobject_cast<QPushButton*>(focusWidget());
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (enter && button != nullptr) {
+    button->click();
+  } else {
+    QDialog::keyPressEvent(event);
+  }
 }
 
 }  // namespace kalivor::ui

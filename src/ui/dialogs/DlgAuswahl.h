@@ -11,7 +11,8 @@
 namespace kalivor::ui {
 
 /// Its buttons write 1 or 2 into `Antwort` and hide it. Neither is a safe answer that closing the window
-/// could stand for, so it cannot be closed otherwise.
+/// could stand for, so it cannot be closed otherwise; nor does a key answer it that was meant for another
+/// window: no button has the focus until Tab gives it to one.
 class DlgAuswahl final : public QDialog, public ChoiceForm {
  public:
   /// `module` must outlive the dialog.
@@ -23,6 +24,9 @@ class DlgAuswahl final : public QDialog, public ChoiceForm {
   void Show(const QString& question, const QString& first, const QString& second) override;
 
   void reject() override {}
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   Module1& module_;

@@ -2,6 +2,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTabWidget>
+#include <QWheelEvent>
+#include <QWindow>
 
 #include "gui/GuiFixture.h"
 
@@ -44,6 +46,61 @@ TEST_F(OptionsTest, HasItsPagesListsAndButtons) {
   EXPECT_EQ(In<QPushButton>(desktop->options, u"cmdApply"_s).text(), u"Übernehmen"_s);
   EXPECT_EQ(In<QPushButton>(desktop->options, u"cmdCancel"_s).text(), u"Abbrechen"_s);
   EXPECT_EQ(In<QPushButton>(desktop->options, u"CommandBrowse"_s).text(), u"Browse"_s);
+}
+
+TEST_F(OptionsTest, ThePagesAreNamedByTheKeysOfTheirTabs) {
+  EXPECT_EQ(Tabs().widget(0)->objectName(), u"GroupSchnittstelle"_s);
+  EXPECT_EQ(Tabs().widget(1)->objectName(), u"GroupRegler"_s);
+  EXPECT_EQ(Tabs().widget(2)->objectName(), u"GroupVerzeichnisse"_s);
+  EXPECT_TRUE(Tabs().widget(2)->isAncestorOf(&Path()));
+}
+
+TEST_F(OptionsTest, StaysAboveTheMainWindow) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  EXPECT_EQ(desktop->options.windowHandle()->transientParent(), desktop->main.windowHandle());
+}
+
+TEST_F(OptionsTest, OpensWithTheFocusInTheFieldOfThePage) {
+  const struct {
+    QString item;
+    const QWidget& field;
+  } pages[] = {{u"mnuOptioenFiles"_s, Path()},
+               {u"mnuOptioenRegler"_s, Address()},
+               {u"mnuOptioenSchnittstelle"_s, Port()}};
+  for (const bool staysOpen : {false, true}) {
+    for (const auto& page : pages) {
+      OpenPage(page.item);
+      ASSERT_TRUE(QTest::qWaitFor([this] { return QApplication::activeWindow() == &desktop->options; }));
+      EXPECT_EQ(QApplication::focusWidget(), &page.field) << page.item.toStdString();
+      if (!staysOpen) desktop->options.close();
+    }
+  }
+}
+
+TEST_F(OptionsTest, ShowsFortyFiveCharactersOfThePathAndAllOfItAsToolTip) {
+  const QString path = u"/anlagen/"_s + QString(300, u'0') + u"/VF.INI"_s;
+  desktop->module.Inipath = path.chopped(6);
+  desktop->module.Inifile = path.right(6);
+  OpenPage(u"mnuOptioenFiles"_s);
+  const int frame = 2 * Path().style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 4;
+  EXPECT_GE(Path().width() - frame, Path().fontMetrics().horizontalAdvance(path.right(45)));
+  EXPECT_EQ(Path().toolTip(), path);
+  Path().setText(u"/neu/VF.INI"_s);
+  EXPECT_EQ(Path().toolTip(), u"/neu/VF.INI"_s);
+}
+
+// A turn of the wheel over the window must not set another port or station.
+TEST_F(OptionsTest, TheWheelOverTheClosedListsChangesNothing) {
+  OpenPage(u"mnuOptioenSchnittstelle"_s);
+  for (QComboBox* list : {&Port(), &Address()}) {
+    list->setCurrentIndex(3);
+    for (const int turn : {-120, 120}) {
+      QWheelEvent event(QPointF(5, 5), list->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, turn), Qt::NoButton,
+                        Qt::NoModifier, Qt::NoScrollPhase, false);
+      QApplication::sendEvent(list, &event);
+      EXPECT_EQ(list->currentIndex(), 3) << list->objectName().toStdString();
+    }
+  }
 }
 
 TEST_F(OptionsTest, EachMenuItemOpensItsPageAlsoWhenItIsOpenAlready) {
@@ -147,6 +204,15 @@ TEST_F(OptionsTest, ABrowsedFileIsReadOnce) {
   files.reads.clear();
   Click(desktop->options, u"cmdApply"_s);
   EXPECT_TRUE(files.reads.isEmpty());
+}
+
+// It may be the old name of a new file.
+TEST_F(OptionsTest, TheSameFileBrowsedForIsReadAnew) {
+  OpenPage(u"mnuOptioenFiles"_s);
+  dialogs.answers.push_back(Path().text());
+  Click(desktop->options, u"CommandBrowse"_s);
+  Click(desktop->options, u"cmdApply"_s);
+  EXPECT_EQ(files.reads.count(kFolder + u"VF.INI"_s), 1);
 }
 
 TEST_F(OptionsTest, ACancelledBrowseChangesNothing) {

@@ -33,6 +33,7 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   editors.Connect(core, guard);
   reportDialog.Connect(report, guard, world.printText);
   editors.SetOwner(main);
+  options.SetOwner(main);
   auswahl.SetOwner(main);
   achtung.SetOwner(main);
   reportDialog.SetOwner(main);

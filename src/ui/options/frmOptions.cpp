@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QScreen>
 #include <QShortcut>
+#include <QStyleOptionFrame>
 
 #include "base/Numbers.h"
 #include "platform/qt/WindowPlacing.h"
@@ -18,19 +19,30 @@ namespace {
 constexpr int kPorts = 8;
 constexpr int kLargestAddress = 255;
 constexpr int kWidth_characters = 60;
+constexpr int kShownPath_characters = 45;
 
-QComboBox* NewList(QWidget* parent, const QString& name, const QString& accessibleName) {
-  auto* list = new QComboBox(parent);
+platform::DropDownList* NewList(QWidget* parent, const QString& name, const QString& accessibleName) {
+  auto* list = new platform::DropDownList(parent);
   list->setObjectName(name);
   list->setAccessibleName(accessibleName);
   return list;
 }
 
-// A page of the tab strip: one row with a label.
-QWidget* NewPage(int number) {
+// A page of the tab strip: one row with a label. `key` is its tab's.
+QWidget* NewPage(const QString& key) {
   auto* page = new QWidget;
-  page->setObjectName(u"picOptions%1"_s.arg(number));
+  page->setObjectName(key);
   return page;
+}
+
+// Makes `box` wide enough to show `characters` of a usual text.
+void SetShownCharacters(QLineEdit& box, int characters) {
+  QStyleOptionFrame option;
+  option.initFrom(&box);
+  option.lineWidth = box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &box);
+  // Digits are wider than most letters; the box itself keeps 2 pixels free at either side.
+  const QSize text(box.fontMetrics().horizontalAdvance(u'0') * characters + 2 * 2 + 1, 0);
+  box.setMinimumWidth(box.style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, &box).width());
 }
 
 }  // namespace
@@ -70,7 +82,7 @@ frmOptions::frmOptions() {
 }
 
 QWidget* frmOptions::NewPortPage() {
-  QWidget* page = NewPage(0);
+  QWidget* page = NewPage(u"GroupSchnittstelle"_s);
   comboSchnittstelle_ = NewList(page, u"ComboSchnittstelle"_s, u"Schnittstelle"_s);
   for (int number = 1; number <= kPorts; ++number)
     comboSchnittstelle_->addItem(u"COM%1"_s.arg(number));
@@ -81,7 +93,7 @@ QWidget* frmOptions::NewPortPage() {
 }
 
 QWidget* frmOptions::NewAddressPage() {
-  QWidget* page = NewPage(1);
+  QWidget* page = NewPage(u"GroupRegler"_s);
   comboAdresse_ = NewList(page, u"ComboAdresse"_s, u"Geräteadresse"_s);
   for (int address = 0; address <= kLargestAddress; ++address)
     comboAdresse_->addItem(BlankNumber(address));
@@ -91,7 +103,7 @@ QWidget* frmOptions::NewAddressPage() {
 }
 
 QWidget* frmOptions::NewFilesPage() {
-  QWidget* page = NewPage(2);
+  QWidget* page = NewPage(u"GroupVerzeichnisse"_s);
   textVerzParameter_ = NewTextBox(page, u"TextVerzParameter"_s, u"Versionstabelle"_s);
   auto* browse = NewButton(page, u"CommandBrowse"_s, u"Browse"_s);
   auto* row = new QHBoxLayout;
@@ -99,7 +111,10 @@ QWidget* frmOptions::NewFilesPage() {
   row->addWidget(browse);
   auto* layout = new QFormLayout(page);
   layout->addRow(u"Versionstabelle"_s, row);
-  connect(textVerzParameter_, &QLineEdit::textChanged, this, [this] { pathChanged_ = true; });
+  connect(textVerzParameter_, &QLineEdit::textChanged, this, [this](const QString& path) {
+    pathChanged_ = true;
+    textVerzParameter_->setToolTip(path);
+  });
   connect(browse, &QPushButton::clicked, this, [this] { Browse(); });
   return page;
 }
@@ -110,10 +125,14 @@ void frmOptions::Open(const OptionsContent& content, int page) {
     comboAdresse_->setCurrentIndex(content.addressPosition);
     textVerzParameter_->setText(content.tablePath);
     pathChanged_ = content.pathChanged;
+    SetShownCharacters(*textVerzParameter_, kShownPath_characters);
     FitToContent(*this, kWidth_characters);
     move(screen()->availableGeometry().center() - rect().center());
   }
   tbsOptions_->setCurrentIndex(page);
+  QWidget* const fields[] = {comboSchnittstelle_, comboAdresse_, textVerzParameter_};
+  fields[page]->setFocus();
+  if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
   platform::ShowInFront(*this);
 }
 
@@ -131,7 +150,10 @@ bool frmOptions::Uebernehmen() {
 
 void frmOptions::Browse() {
   const QString path = OnBrowse ? OnBrowse() : QString();
-  if (!path.isEmpty()) textVerzParameter_->setText(path);
+  if (path.isEmpty()) return;
+  textVerzParameter_->setText(path);
+  // Also where it is the old path: the file may be a new one.
+  pathChanged_ = true;
 }
 
 void frmOptions::NextPage() {

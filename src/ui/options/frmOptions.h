@@ -1,13 +1,13 @@
 // The options: serial port, station address, version table.
 #pragma once
 
-#include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <functional>
 
 #include "commands/OptionsCommands.h"
+#include "platform/qt/QtListBox.h"
 
 namespace kalivor::ui {
 
@@ -26,7 +26,11 @@ class frmOptions final : public QDialog {
   /// The device that stands behind a port number now, "" when there is none.
   std::function<QString(int number)> DeviceOfPort;
 
-  /// Shows `content` unless the dialog is open already, and selects page 0, 1 or 2 in either case.
+  /// The window to stay above.
+  void SetOwner(const QWidget& owner) { owner_ = &owner; }
+
+  /// Shows `content` unless the dialog is open already; in either case selects page 0, 1 or 2 and gives its
+  /// field the focus.
   void Open(const OptionsContent& content, int page);
 
   [[nodiscard]] OptionsContent Content() const;
@@ -45,9 +49,10 @@ class frmOptions final : public QDialog {
   bool Uebernehmen();
   void Browse();
 
+  const QWidget* owner_ = nullptr;
   QTabWidget* tbsOptions_;
-  QComboBox* comboSchnittstelle_ = nullptr;
-  QComboBox* comboAdresse_ = nullptr;
+  platform::DropDownList* comboSchnittstelle_ = nullptr;
+  platform::DropDownList* comboAdresse_ = nullptr;
   QLineEdit* textVerzParameter_ = nullptr;
   bool pathChanged_ = false;
 };

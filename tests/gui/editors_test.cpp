@@ -1,4 +1,6 @@
 // The two parameter editors, opened from the tree.
+#include <QWindow>
+
 #include "gui/GuiFixture.h"
 
 namespace kalivor::test {
@@ -57,6 +59,116 @@ TEST_F(EditorsTest, TheNumericEditorHasItsControls) {
   EXPECT_EQ(In<QLineEdit>(Number(), u"TextBis"_s).accessibleName(), u"Maximum"_s);
   EXPECT_EQ(In<QLineEdit>(Number(), u"TextStd"_s).accessibleName(), u"Standard"_s);
   EXPECT_EQ(In<QLineEdit>(Number(), u"TextWert"_s).accessibleName(), u"Wert"_s);
+}
+
+TEST_F(EditorsTest, TheNumericEditorIsDesignedWithTheseTexts) {
+  ui::DialogEdit editor;
+  EXPECT_EQ(Label(editor, u"LabelName"_s), u"Name"_s);
+  EXPECT_EQ(Field(editor, u"TextWert"_s), u"Wert"_s);
+  for (const QString& name : {u"TextVon"_s, u"TextBis"_s, u"TextStd"_s, u"Nr"_s, u"Treedex"_s})
+    EXPECT_EQ(Field(editor, name), QString()) << name.toStdString();
+  EXPECT_EQ(Label(editor, u"LabelHilfetext"_s), QString());
+}
+
+TEST_F(EditorsTest, TheStringEditorIsDesignedWithTheseTexts) {
+  ui::DialogEditString editor;
+  EXPECT_EQ(Label(editor, u"LabelName"_s), u"Name"_s);
+  EXPECT_EQ(Field(editor, u"TextWert"_s), u"Wert"_s);
+  EXPECT_EQ(Label(editor, u"LabelHilfetext"_s), u"Hilfetext"_s);
+  EXPECT_EQ(Field(editor, u"Nr"_s), QString());
+}
+
+// Each number with its name before it and its unit behind it, on one line.
+TEST_F(EditorsTest, EveryNumberHasItsVisibleLabelAndUnit) {
+  Start();
+  Open(u"sK 1"_s);
+  QCoreApplication::processEvents();
+  const QList<QLabel*> units = Number().findChildren<QLabel*>(u"LabelEinheit"_s);
+  ASSERT_EQ(units.size(), 4);
+  const std::pair<QString, QString> rows[] = {{u"TextWert"_s, u"Wert"_s},
+                                              {u"TextStd"_s, u"Standard"_s},
+                                              {u"TextVon"_s, u"Minimum"_s},
+                                              {u"TextBis"_s, u"Maximum"_s}};
+  for (const auto& [name, caption] : rows) {
+    const QRect field = In<QWidget>(Number(), name).geometry();
+    const auto labelOnLine = [&](const QString& text, bool before) {
+      for (const QLabel* label : Number().findChildren<QLabel*>()) {
+        const QRect place = label->geometry();
+        const bool beside = before ? place.right() < field.left() : place.left() > field.right();
+        if (label->isVisible() && label->text() == text && beside && place.top() <= field.center().y() &&
+            place.bottom() >= field.center().y())
+          return true;
+      }
+      return false;
+    };
+    EXPECT_TRUE(labelOnLine(caption, true)) << caption.toStdString();
+    EXPECT_TRUE(labelOnLine(u"1/m "_s, false)) << caption.toStdString();
+  }
+  Open(u"sK 4"_s);
+  for (const QLabel* unit : units)
+    EXPECT_EQ(unit->text(), u"°C  "_s);
+}
+
+TEST_F(EditorsTest, TheButtonForTheStandardIsSquareAndBesideItsBox) {
+  Start();
+  Open(u"sK 1"_s);
+  QCoreApplication::processEvents();
+  const QRect button = In<QPushButton>(Number(), u"CommandStd"_s).geometry();
+  const QRect field = In<QLineEdit>(Number(), u"TextStd"_s).geometry();
+  EXPECT_EQ(button.width(), button.height());
+  EXPECT_EQ(button.height(), field.height());
+  EXPECT_EQ(button.top(), field.top());
+  EXPECT_GT(button.left(), field.right());
+  EXPECT_LE(button.left() - field.right(), 8);
+}
+
+TEST_F(EditorsTest, BoxesThatCannotBeTypedIntoLookSo) {
+  Start();
+  Open(u"sK 1"_s);
+  // In the background, in light colours and in dark ones chosen meanwhile.
+  const QPalette before = QApplication::palette();
+  for (const bool dark : {false, true}) {
+    QPalette palette = before;
+    if (dark) {
+      palette.setColor(QPalette::Window, QColor(42, 46, 50));
+      palette.setColor(QPalette::Base, QColor(27, 30, 32));
+      palette.setColor(QPalette::Text, Qt::white);
+      QApplication::setPalette(palette);
+      QCoreApplication::processEvents();
+    }
+    const auto inside = [this](const QString& name) {
+      auto& field = In<QLineEdit>(Number(), name);
+      field.deselect();
+      return field.grab().toImage().pixelColor(field.width() - 6, field.height() / 2);
+    };
+    for (const QString& name : {u"TextVon"_s, u"TextBis"_s, u"TextStd"_s})
+      EXPECT_EQ(inside(name), palette.color(QPalette::Window)) << name.toStdString() << dark;
+    EXPECT_EQ(inside(u"TextWert"_s), palette.color(QPalette::Base)) << dark;
+  }
+  QApplication::setPalette(before);
+}
+
+TEST_F(EditorsTest, TheHelpTextHasAirAboveIt) {
+  Start();
+  Open(u"sK 1"_s);
+  Open(u"sK 3"_s);
+  QCoreApplication::processEvents();
+  const int number = In<QLabel>(Number(), u"LabelHilfetext"_s).y() -
+                     In<QLineEdit>(Number(), u"TextBis"_s).geometry().bottom();
+  const int text =
+      In<QLabel>(Text(), u"LabelHilfetext"_s).y() - In<QLineEdit>(Text(), u"TextWert"_s).geometry().bottom();
+  const int row =
+      In<QLineEdit>(Number(), u"TextBis"_s).y() - In<QLineEdit>(Number(), u"TextVon"_s).geometry().bottom();
+  EXPECT_GE(number, 2 * row);
+  EXPECT_EQ(text, number);
+}
+
+TEST_F(EditorsTest, StayAboveTheMainWindow) {
+  Start();
+  Open(u"sK 1"_s);
+  Open(u"sK 3"_s);
+  EXPECT_EQ(Number().windowHandle()->transientParent(), desktop->main.windowHandle());
+  EXPECT_EQ(Text().windowHandle()->transientParent(), desktop->main.windowHandle());
 }
 
 TEST_F(EditorsTest, TheNumericEditorShowsTheParameter) {
@@ -245,7 +357,6 @@ TEST_F(EditorsTest, TheStringEditorShowsTheParameter) {
   EXPECT_EQ(In<QPushButton>(Text(), u"CancelButton"_s).text(), u"Abbrechen"_s);
   EXPECT_EQ(Label(Text(), u"LabelName"_s), u"Name"_s);
   EXPECT_EQ(Field(Text(), u"TextWert"_s), u"Anna"_s);
-  EXPECT_EQ(In<QLineEdit>(Text(), u"TextWert"_s).maxLength(), 8);
   EXPECT_EQ(Label(Text(), u"LabelHilfetext"_s), u"Name des\nAntriebs"_s);
   EXPECT_EQ(Field(Text(), u"Nr"_s), u"3"_s);
   EXPECT_FALSE(In<QLineEdit>(Text(), u"Nr"_s).isVisible());
@@ -275,6 +386,66 @@ TEST_F(EditorsTest, TheStringCannotBeTypedLongerThanItsType) {
   Open(u"sK 3"_s);
   Type(Text(), u"123456789"_s);
   EXPECT_EQ(Field(Text(), u"TextWert"_s), u"12345678"_s);
+  auto& field = In<QLineEdit>(Text(), u"TextWert"_s);
+  QTest::keyClicks(&field, u"9"_s);
+  field.setCursorPosition(3);
+  QTest::keyClicks(&field, u"x3"_s);
+  EXPECT_EQ(field.text(), u"12345678"_s) << "nothing is pushed out at the end";
+  EXPECT_EQ(field.cursorPosition(), 3);
+  field.setSelection(2, 3);
+  field.insert(u"abcdef"_s);
+  EXPECT_EQ(field.text(), u"12abc678"_s) << "as much as there is room for";
+  EXPECT_EQ(field.cursorPosition(), 5);
+}
+
+// A value file may hold more than this version's type takes.
+TEST_F(EditorsTest, AStringThatIsTooLongStaysUntilItIsEdited) {
+  Start();
+  desktop->module.Par[3].WertText = u"1234567890"_s;
+  Open(u"sK 3"_s);
+  EXPECT_EQ(Field(Text(), u"TextWert"_s), u"1234567890"_s);
+  Click(Text(), u"OKButton"_s);
+  EXPECT_EQ(desktop->module.Par[3].WertText, u"1234567890"_s);
+  Open(u"sK 3"_s);
+  auto& field = In<QLineEdit>(Text(), u"TextWert"_s);
+  field.setCursorPosition(10);
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  QTest::keyClicks(&field, u"x"_s);
+  EXPECT_EQ(field.text(), u"123456789"_s) << "shorter only";
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  QTest::keyClicks(&field, u"xy"_s);
+  EXPECT_EQ(field.text(), u"1234567x"_s);
+}
+
+// Value files and controllers fill texts up with blanks.
+TEST_F(EditorsTest, APaddedStringIsTypedIntoBehindItsLastVisibleCharacter) {
+  Start();
+  desktop->module.Par[3].WertText = u"Anna    "_s;
+  Open(u"sK 3"_s);
+  auto& field = In<QLineEdit>(Text(), u"TextWert"_s);
+  EXPECT_EQ(field.cursorPosition(), 4);
+  EXPECT_FALSE(field.hasSelectedText());
+  QTest::keyClicks(&field, u"bel"_s);
+  EXPECT_EQ(field.text(), u"Annabel "_s) << "the padding makes room";
+  EXPECT_EQ(field.cursorPosition(), 7);
+  QTest::keyClicks(&field, u"la"_s);
+  EXPECT_EQ(field.text(), u"Annabell"_s);
+  Click(Text(), u"CancelButton"_s);
+  Open(u"sK 3"_s);
+  EXPECT_EQ(field.cursorPosition(), 4) << "each time";
+  Click(Text(), u"OKButton"_s);
+  EXPECT_EQ(desktop->module.Par[3].WertText, u"Anna    "_s) << "the padding itself is kept";
+}
+
+TEST_F(EditorsTest, AStringOfBlanksOnlyIsTypedIntoAtItsBeginning) {
+  Start();
+  desktop->module.Par[3].WertText = QString(20, u' ');
+  Open(u"sK 3"_s);
+  auto& field = In<QLineEdit>(Text(), u"TextWert"_s);
+  EXPECT_EQ(field.cursorPosition(), 0);
+  QTest::keyClicks(&field, u"Bea"_s);
+  EXPECT_EQ(field.text(), u"Bea     "_s);
 }
 
 TEST_F(EditorsTest, TheLimitOfTheLastStringDoesNotCutTheNext) {
@@ -289,7 +460,8 @@ TEST_F(EditorsTest, TheLimitOfTheLastStringDoesNotCutTheNext) {
   EXPECT_EQ(Field(Text(), u"TextWert"_s), u"eine längere Angabe"_s);
   content.MaxLength = 0;
   desktop->editors.ShowTextEditor(content);
-  EXPECT_EQ(In<QLineEdit>(Text(), u"TextWert"_s).maxLength(), 32767) << "no limit";
+  Type(Text(), QString(1000, u'x'));
+  EXPECT_EQ(Field(Text(), u"TextWert"_s).size(), 1000) << "no limit";
 }
 
 TEST_F(EditorsTest, AnEmptyStringIsStored) {

@@ -1,8 +1,37 @@
 #include "ui/dialogs/Controls.h"
 
+#include <QEvent>
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
+namespace {
+
+class ReadOnlyBox final : public QLineEdit {
+ public:
+  explicit ReadOnlyBox(QWidget* parent) : QLineEdit(parent) {
+    setReadOnly(true);
+    TakeBackground();
+  }
+
+ protected:
+  // The colours may change while the program runs.
+  void changeEvent(QEvent* event) override {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) TakeBackground();
+  }
+
+ private:
+  void TakeBackground() {
+    const QColor background = palette().color(QPalette::Window);
+    if (palette().color(QPalette::Base) == background) return;
+    QPalette own;
+    own.setColor(QPalette::Base, background);
+    setPalette(own);
+  }
+};
+
+}  // namespace
 
 QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool wraps) {
   auto* label = new QLabel(parent);
@@ -15,6 +44,13 @@ QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool
 
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName) {
   auto* box = new QLineEdit(parent);
+  box->setObjectName(name);
+  box->setAccessibleName(accessibleName);
+  return box;
+}
+
+QLineEdit* NewReadOnlyBox(QWidget* parent, const QString& name, const QString& accessibleName) {
+  auto* box = new ReadOnlyBox(parent);
   box->setObjectName(name);
   box->setAccessibleName(accessibleName);
   return box;
@@ -40,6 +76,10 @@ OkCancel NewOkCancel(QDialog* dialog, const QString& okCaption, const QString& c
   buttons.row->addWidget(buttons.ok);
   buttons.row->addWidget(buttons.cancel);
   return buttons;
+}
+
+int Air(const QWidget& dialog) {
+  return dialog.fontMetrics().height() / 2;
 }
 
 void FitToContent(QDialog& dialog, int characters) {

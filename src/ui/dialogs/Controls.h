@@ -15,6 +15,9 @@ QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool
 /// A text box with the name that screen readers say.
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName);
 
+/// A text box that shows and cannot be typed into. It has the background of the window, so that it looks so.
+QLineEdit* NewReadOnlyBox(QWidget* parent, const QString& name, const QString& accessibleName);
+
 /// A text box that is never visible: it holds what the dialog works on.
 QLineEdit* NewHiddenTextBox(QWidget* parent, const QString& name);
 
@@ -27,6 +30,9 @@ struct OkCancel {
   QHBoxLayout* row;
 };
 OkCancel NewOkCancel(QDialog* dialog, const QString& okCaption, const QString& cancelCaption);
+
+/// Half a line of air, in device-independent pixels, to set a part of a dialog apart.
+int Air(const QWidget& dialog);
 
 /// Makes the dialog as small as its present texts allow, and as wide as `characters` characters at least.
 void FitToContent(QDialog& dialog, int characters);

@@ -27,11 +27,9 @@ DialogEdit::DialogEdit() {
   commandStd_ = NewButton(this, u"CommandStd"_s, u"<"_s);
   commandStd_->setAccessibleName(u"Standardwert übernehmen"_s);
   commandStd_->setAutoDefault(false);
-  textStd_ = NewTextBox(this, u"TextStd"_s, u"Standard"_s);
-  textVon_ = NewTextBox(this, u"TextVon"_s, u"Minimum"_s);
-  textBis_ = NewTextBox(this, u"TextBis"_s, u"Maximum"_s);
-  for (QLineEdit* box : {textStd_, textVon_, textBis_})
-    box->setReadOnly(true);
+  textStd_ = NewReadOnlyBox(this, u"TextStd"_s, u"Standard"_s);
+  textVon_ = NewReadOnlyBox(this, u"TextVon"_s, u"Minimum"_s);
+  textBis_ = NewReadOnlyBox(this, u"TextBis"_s, u"Maximum"_s);
   textStd_->installEventFilter(this);
   labelHilfetext_ = NewLabel(this, u"LabelHilfetext"_s, QString(), true);
   nr_ = NewHiddenTextBox(this, u"Nr"_s);
@@ -43,11 +41,11 @@ DialogEdit::DialogEdit() {
     grid->addWidget(NewLabel(this, name, caption), row, 0);
     grid->addWidget(box, row, 1);
     units_.push_back(NewLabel(this, u"LabelEinheit"_s, QString()));
-    grid->addWidget(units_.back(), row, 2);
+    grid->addWidget(units_.back(), row, 3);
   };
   addRow(0, u"LabelWert"_s, u"Wert"_s, textWert_);
   addRow(1, u"LabelStd"_s, u"Standard"_s, textStd_);
-  grid->addWidget(commandStd_, 1, 3);
+  grid->addWidget(commandStd_, 1, 2);
   addRow(2, u"LabelVon"_s, u"Minimum"_s, textVon_);
   addRow(3, u"LabelBis"_s, u"Maximum"_s, textBis_);
   grid->setColumnStretch(1, 1);
@@ -55,6 +53,7 @@ DialogEdit::DialogEdit() {
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(labelName_);
   layout->addLayout(grid);
+  layout->addSpacing(Air(*this));
   layout->addWidget(labelHilfetext_);
   layout->addStretch();
   layout->addLayout(buttons.row);
@@ -83,6 +82,7 @@ void DialogEdit::Fill(const NumberEdit& content) {
   labelHilfetext_->setText(platform::WithPlainLineBreaks(content.LabelHilfetext));
   nr_->setText(content.Nr);
   treedex_->setText(content.Treedex);
+  commandStd_->setFixedSize(textStd_->sizeHint().height(), textStd_->sizeHint().height());
   FitToContent(*this, kWidth_characters);
   textWert_->setFocus();
   textWert_->selectAll();

@@ -1,5 +1,8 @@
 #include "ui/dialogs/DialogEditString.h"
 
+#include <QSignalBlocker>
+#include <algorithm>
+
 #include "platform/qt/FixedFont.h"
 #include "platform/qt/ShownText.h"
 #include "ui/Resources.h"
@@ -12,6 +15,23 @@ namespace {
 
 constexpr int kWidth_characters = 60;
 constexpr int kNoLimit = 32767;
+
+int VisibleLength(const QString& text) {
+  qsizetype length = text.size();
+  while (length > 0 && text.at(length - 1) == u' ')
+    --length;
+  return static_cast<int>(length);
+}
+
+// How many characters before the cursor are new in `text`, which was `before`.
+qsizetype Typed(const QString& before, const QString& text, qsizetype cursor) {
+  const qsizetype behind = text.size() - cursor;
+  const qsizetype most = std::min(cursor, before.size() - behind);
+  qsizetype same = 0;
+  while (same < most && before.at(same) == text.at(same))
+    ++same;
+  return cursor - same;
+}
 
 }  // namespace
 
@@ -32,12 +52,14 @@ DialogEditString::DialogEditString() {
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(labelName_);
   layout->addWidget(textWert_);
+  layout->addSpacing(Air(*this));
   layout->addWidget(labelHilfetext_);
   layout->addStretch();
   layout->addLayout(buttons.row);
   setTabOrder(textWert_, buttons.ok);
   setTabOrder(buttons.ok, buttons.cancel);
 
+  connect(textWert_, &QLineEdit::textChanged, this, &DialogEditString::Limit);
   connect(buttons.ok, &QPushButton::clicked, this, [this] {
     if (OnOk) OnOk(Content());
   });
@@ -46,23 +68,51 @@ DialogEditString::DialogEditString() {
 
 void DialogEditString::Fill(const TextEdit& content) {
   labelName_->setText(content.LabelName);
-  // The old limit must not cut the new text.
-  textWert_->setMaxLength(kNoLimit);
-  textWert_->setText(content.TextWert);
-  textWert_->setMaxLength(content.MaxLength > 0 ? content.MaxLength : kNoLimit);
+  limit_ = content.MaxLength > 0 ? content.MaxLength : kNoLimit;
+  before_ = content.TextWert;
+  {
+    const QSignalBlocker asItIs(textWert_);
+    textWert_->setText(content.TextWert);
+  }
   labelHilfetext_->setText(platform::WithPlainLineBreaks(content.LabelHilfetext));
   nr_->setText(content.Nr);
   FitToContent(*this, kWidth_characters);
   textWert_->setFocus();
-  textWert_->selectAll();
+}
+
+// What is typed goes on with the text, also where blanks that nobody sees fill it up. Not before it is shown:
+// the toolkit selects the whole text then.
+void DialogEditString::setVisible(bool visible) {
+  QDialog::setVisible(visible);
+  if (visible) textWert_->setCursorPosition(VisibleLength(textWert_->text()));
 }
 
 TextEdit DialogEditString::Content() const {
   return {.LabelName = labelName_->text(),
           .TextWert = textWert_->text(),
-          .MaxLength = textWert_->maxLength(),
+          .MaxLength = limit_,
           .LabelHilfetext = labelHilfetext_->text(),
           .Nr = nr_->text()};
+}
+
+// The toolkit's own limit would cut a text that is longer already, and leave no room to type where blanks
+// fill a text up.
+void DialogEditString::Limit(const QString& text) {
+  QString limited = text;
+  qsizetype cursor = textWert_->cursorPosition();
+  while (limited.size() > limit_ && limited.size() > cursor && limited.endsWith(u' '))
+    limited.chop(1);
+  const qsizetype excess = limited.size() - limit_;
+  if (excess > 0) {
+    const qsizetype dropped = std::min(excess, Typed(before_, text, cursor));
+    cursor -= dropped;
+    limited.remove(cursor, dropped);
+  }
+  before_ = limited;
+  if (limited == text) return;
+  const QSignalBlocker once(textWert_);
+  textWert_->setText(limited);
+  textWert_->setCursorPosition(static_cast<int>(cursor));
 }
 
 // QDialog's closeEvent comes here as well. While an operation is under way the dialog stays.

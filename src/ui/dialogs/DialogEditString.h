@@ -24,8 +24,13 @@ class DialogEditString final : public QDialog {
   [[nodiscard]] TextEdit Content() const;
 
   void reject() override;
+  void setVisible(bool visible) override;
 
  private:
+  void Limit(const QString& text);
+
+  int limit_ = 0;   // characters that can be typed
+  QString before_;  // the value before the present key
   QLabel* labelName_;
   QLineEdit* textWert_;
   QLabel* labelHilfetext_;

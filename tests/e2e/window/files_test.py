@@ -104,7 +104,7 @@ class Files(Scenario):
         program = self.start()
         program.menu("ctrl+o")
         program.choose_file("Öffnen", path)
-        self.assertEqual(program.message(), "Unbekannte ReglerVersion: V9")
+        self.assertEqual(program.message(), "Unbekannte ReglerVersion: V9".ljust(56))
         self.assertEqual(program.file, path)
         program.activate(program.main)
         program.tree.expand_all()

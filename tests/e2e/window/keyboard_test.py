@@ -233,11 +233,16 @@ class Keyboard(Scenario):
         keys("space")
         question = self.opened(program, "Wählen")
         pc, regler = f"PC     (Senden Abbrechen)  : {HZL120}", f"Regler (Werte neu Einlesen): {LFT205}"
+        # Typed before it was read.
+        keys("Return", "space", "KP_Enter")
+        self.assertIsNone(self.focus(question))
+        self.assertTrue(question.has("showing"))
+        keys("Tab")
         self.assert_round(question, [pc, regler])
         keys("Escape")
         self.tab(question)
         self.assertTrue(question.has("showing"))
-        keys("space")
+        keys("Return")
         self.closed(question)
         wait_for(lambda: program.versions.name == LFT205, "the controller's version")
 

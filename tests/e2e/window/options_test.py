@@ -183,7 +183,7 @@ class Options(Scenario):
         self.press_key(options, "OK")
         lines = program.message().split("\n")
         self.assertEqual(lines[:2], ["Fehler beim Lesen von", "/fehlt/VF.INI"])
-        self.assertEqual(lines[-1], "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien")
+        self.assertEqual(lines[-2:], ["Ueberprüfen Sie die Einstellungen in Optionen -> Dateien", ""])
         self.closed(options)
         wait_for(lambda: program.entries(program.versions) == [], "an empty list")
         self.assertEqual(program.state, "Ready")

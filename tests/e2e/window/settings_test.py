@@ -67,7 +67,7 @@ class Settings(Scenario):
         self.assertEqual(len(program.messages), 1)
         lines = program.messages[0].split("\n")
         self.assertEqual(lines[:2], ["Fehler beim Lesen von", "/fehlt/VF.INI"])
-        self.assertEqual(lines[-1], "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien")
+        self.assertEqual(lines[-2:], ["Ueberprüfen Sie die Einstellungen in Optionen -> Dateien", ""])
         self.assertEqual(program.state, "Ready")
         self.assertEqual(program.entries(program.versions), [])
         # The folder of value files is missing as well: the dialog begins elsewhere.
@@ -100,6 +100,16 @@ class Settings(Scenario):
         for _ in range(2):
             program = self.start()
             self.assertEqual(program.main.place[2:], (600, 601))
+            program.activate(program.main)
+            self.assertEqual(program.end(), 0)
+            self.assertEqual([line for line in self.content() if line.startswith("Main")], place)
+
+    def test_a_small_window_stays_small_and_in_its_place(self):
+        place = ["MainHeight=4500", "MainLeft=600", "MainTop=600", "MainWidth=6000"]
+        self.write(*place)
+        for _ in range(3):
+            program = self.start()
+            self.assertEqual(program.main.place[2:], (400, 300))
             program.activate(program.main)
             self.assertEqual(program.end(), 0)
             self.assertEqual([line for line in self.content() if line.startswith("Main")], place)

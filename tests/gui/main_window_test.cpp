@@ -81,6 +81,15 @@ TEST_F(MainWindowTest, AnEmptyListShowsItsDesignedText) {
   EXPECT_EQ(Main<QComboBox>(u"ComboArt"_s).placeholderText(), u"Art"_s);
 }
 
+TEST_F(MainWindowTest, TheFormHasItsFont) {
+  Start();
+  const QString family =
+      QFontDatabase::hasFamily(u"MS Sans Serif"_s) ? u"MS Sans Serif"_s : QApplication::font().family();
+  EXPECT_EQ(desktop->main.font().family(), family);
+  EXPECT_EQ(Main<QPushButton>(u"CommandSenden"_s).font().family(), family);
+  EXPECT_EQ(desktop->main.font().pointSizeF(), QApplication::font().pointSizeF());
+}
+
 TEST_F(MainWindowTest, TheTreeHasTheFixedFont) {
   Start();
   const QString family = QFontDatabase::hasFamily(u"Lucida Console"_s)

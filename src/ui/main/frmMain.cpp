@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QBoxLayout>
 #include <QCloseEvent>
+#include <QFontDatabase>
 #include <QMenuBar>
 #include <QScopedValueRollback>
 #include <QScreen>
@@ -83,6 +84,8 @@ frmMain::frmMain(const platform::EventGuard& guard)
   setObjectName(u"frmMain"_s);
   setWindowTitle(u"KALIVOR"_s);
   setWindowIcon(ProgramIcon());
+  // The designed font; elsewhere the form has the application's.
+  if (QFontDatabase::hasFamily(u"MS Sans Serif"_s)) setFont(QFont(u"MS Sans Serif"_s));
   BuildControls();
   BuildStatusBar();
   BuildMenus(*this, menuActions_, guard_);

@@ -12,7 +12,7 @@ MANUAL = os.path.join(SOURCE, "docs/handbuch")
 # Texts of the code that no user reads as a sentence: titles, captions and columns.
 NOT_IN_THE_MANUAL = {
     "Edit Parameter", "Parameter Editieren", "Suchen in der Hilfe...", "Standardwert übernehmen",
-    "Lucida Console", "Die KALIVOR-Autoren", "Parametrierung von Reglern",
+    "Lucida Console", "MS Sans Serif", "Die KALIVOR-Autoren", "Parametrierung von Reglern",
 }
 # Files whose texts are not messages.
 NO_MESSAGES = re.compile(

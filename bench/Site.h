@@ -81,7 +81,7 @@ struct Site {
   COM_T_frm host;
   cli::TextReportView view{nullptr};
   Report report{module, view, events, timers};
-  COM_A controller{module, host, main, report};
+  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
   Core core{module, main, report, choice, editors, box, files, events, controller};
 };
 

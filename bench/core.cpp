@@ -47,7 +47,7 @@ struct FileSite : NoWorld, Site {
 void DefinitionFiles(benchmark::State& state) {
   FileSite site(static_cast<int>(state.range(0)), 0);
   for (auto _ : state)
-    ReadDefinitions(site.onDisk);
+    ReadSelectedDefinitions(site.onDisk);
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(DefinitionFiles)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
@@ -55,7 +55,7 @@ BENCHMARK(DefinitionFiles)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity
 void AddressLists(benchmark::State& state) {
   FileSite site(kLastParameter, static_cast<int>(state.range(0)));
   for (auto _ : state)
-    ReadAddressList(site.onDisk);
+    ReadSelectedAddresses(site.onDisk);
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(AddressLists)->Arg(1000)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Complexity(benchmark::oN);

@@ -92,7 +92,7 @@ struct PrintSite : WindowSite {
 void Pdf(benchmark::State& state) {
   PrintSite site;
   const QString file = site.folder.filePath(u"list.pdf"_s);
-  const print::PrintInput input{true, {}, QDate(2026, 1, 1), print::kLandscape};
+  const print::PrintInput input{{}, QDate(2026, 1, 1), print::kLandscape};
   const int pages = static_cast<int>(print::PagesText(site.desktop->core, input).count(u"=== Seite"));
   if (pages != kPages) state.SkipWithError("the list has not 60 pages");
   for (auto _ : state) {

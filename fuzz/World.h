@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "core/Core.h"
-#include "platform/plain/PlainListBox.h"
 #include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::fuzz {
@@ -30,14 +29,10 @@ class MemoryFiles final : public platform::FileSystem {
 
 class PlainMainForm final : public MainForm {
  public:
-  platform::PlainListBox versions;
-  platform::PlainListBox plants;
   platform::PlainTreeView tree;
   bool plantSelectorVisible = true;
   bool enabled = true;
 
-  [[nodiscard]] platform::ListBox& ComboVN() override { return versions; }
-  [[nodiscard]] platform::ListBox& ComboArt() override { return plants; }
   [[nodiscard]] platform::TreeView& Tree() override { return tree; }
   void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible = visible; }
   void SetEnabled(bool on) override { enabled = on; }
@@ -142,7 +137,7 @@ struct World {
   NoEvents events;
   TH timers;
   COM_T_frm host;
-  COM_A controller{module, host, main, report};
+  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
   Core core{module, main, report, choice, editors, box, files, events, controller};
 };
 

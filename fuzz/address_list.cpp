@@ -6,6 +6,7 @@
 #include "Targets.h"
 #include "World.h"
 #include "core/DefinitionFiles.h"
+#include "core/Refresh.h"
 
 using namespace Qt::StringLiterals;
 
@@ -84,15 +85,15 @@ void AddressList(QByteArrayView input) {
     std::unique_ptr<World> world = WorldWithoutLine();
     world->module.Versionen.resize(2);
     world->module.Versionen[1].AdrDatei = u"A.ADR"_s;
-    world->main.versions.Add(u"AB1-123.4"_s);
-    world->main.versions.Select(0);
+    world->module.VersionList.Add(u"AB1-123.4"_s);
+    world->module.VersionList.Select(0);
     return world;
   }();
   World& world = *made;
   NameParameters(world.module, input);
   world.files.files[u"ini//A.ADR"_s] = input.toByteArray();
   world.box.shown = 0;
-  ReadAddressList(world.core);
+  ReadSelectedAddresses(world.core);
 
   const Expected expected = PlainLoop(world.module, PlainItems(input));
   Require(world.box.shown == (expected.failed ? 1 : 0), "a box where the list cannot be read to its end");

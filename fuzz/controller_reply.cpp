@@ -310,8 +310,8 @@ void ControllerReply(QByteArrayView input) {
     auto site = std::make_unique<Site>();
     site->world.module.Versionen.resize(2);
     site->world.module.Versionen[1].Kennung = u"WR"_s;
-    site->world.main.versions.Add(u"AB1-123.4"_s);
-    site->world.main.versions.Select(0);
+    site->world.module.VersionList.Add(u"AB1-123.4"_s);
+    site->world.module.VersionList.Select(0);
     return site;
   }();
   if (input.isEmpty()) return;

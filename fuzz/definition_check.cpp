@@ -7,6 +7,7 @@
 #include "World.h"
 #include "commands/DefinitionCheck.h"
 #include "core/DefinitionFiles.h"
+#include "core/Refresh.h"
 #include "core/TreeTexts.h"
 
 using namespace Qt::StringLiterals;
@@ -40,8 +41,8 @@ void CheckReadable(World& world, bool hasList) {
   world.module.Versionen[1].DefDatei = u"A.TXT"_s;
   world.module.Versionen[1].AdrDatei = hasList ? u"A.ADR"_s : u"-"_s;
   world.box.shown = 0;
-  ReadDefinitions(world.core);
-  ReadAddressList(world.core);
+  ReadSelectedDefinitions(world.core);
+  ReadSelectedAddresses(world.core);
   Require(world.box.shown == 0, "an accepted address list can be read");
   BuildTree(world.core);
   for (int i = 1; i < world.module.ParCount; ++i)
@@ -53,10 +54,10 @@ void CheckReadable(World& world, bool hasList) {
 void DefinitionCheck(QByteArrayView input) {
   static const std::unique_ptr<World> made = [] {
     std::unique_ptr<World> world = WorldWithoutLine();
-    world->main.versions.Add(u"AB1-123.4"_s);
-    world->main.versions.Select(0);
-    world->main.plants.Add({});
-    world->main.plants.Select(0);
+    world->module.VersionList.Add(u"AB1-123.4"_s);
+    world->module.VersionList.Select(0);
+    world->module.PlantTypeList.Add({});
+    world->module.PlantTypeList.Select(0);
     return world;
   }();
   if (input.isEmpty()) return;

@@ -175,10 +175,10 @@ void DefinitionFile(QByteArrayView input) {
     std::unique_ptr<World> world = WorldWithoutLine();
     world->module.Versionen.resize(2);
     world->module.Versionen[1].DefDatei = u"A.TXT"_s;
-    world->main.versions.Add(u"AB1-123.4"_s);
-    world->main.versions.Select(0);
-    world->main.plants.Add({});
-    world->main.plants.Add(u"Luft"_s);
+    world->module.VersionList.Add(u"AB1-123.4"_s);
+    world->module.VersionList.Select(0);
+    world->module.PlantTypeList.Add({});
+    world->module.PlantTypeList.Add(u"Luft"_s);
     for (int i = 0; i <= kLastParameter; ++i) {
       world->module.ParNode[i] = kTrue;
       PutValue(world->module.Par[i], i);
@@ -190,19 +190,19 @@ void DefinitionFile(QByteArrayView input) {
   Module1& module = world.module;
   const bool hasAddressList = (input.front() & 1) != 0;
   module.Versionen[1].AdrDatei = hasAddressList ? u"A.ADR"_s : u"-"_s;
-  world.main.plants.Select((input.front() & 2) != 0 ? 1 : 0);
+  world.module.PlantTypeList.Select((input.front() & 2) != 0 ? 1 : 0);
   // As many slots as the file before can have filled.
   for (int i = 0; i <= module.ParCount && i <= kLastParameter; ++i)
     PutValue(module.Par[i], i);
   const QByteArrayView text = input.sliced(1);
   world.files.files[u"ini//A.TXT"_s] = text.toByteArray();
 
-  const std::optional<Kind> failed = KindOf([&] { ReadDefinitions(world.core); });
+  const std::optional<Kind> failed = KindOf([&] { ReadSelectedDefinitions(world.core); });
   CheckReading(world, PlainItems(text), failed, hasAddressList);
   SetStandard(module);
   // Each of them costs as much as reading.
   if (!InSample(input, 16)) return;
-  const QString plant = world.main.plants.SelectedText();
+  const QString plant = world.module.PlantTypeList.SelectedText();
   CheckTree(world, plant);
   CheckPrinting(module, plant);
   CheckEditors(module);

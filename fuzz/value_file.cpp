@@ -153,16 +153,16 @@ void CheckSaving(World& world) {
 void ValueFile(QByteArrayView input) {
   static const std::unique_ptr<World> made = [] {
     std::unique_ptr<World> world = WorldWithoutLine();
-    world->main.versions.Add(u"AB1-123.4"_s);
-    world->main.versions.Add(u"AB1-124.0"_s);
-    world->main.plants.Add(u"Luft"_s);
-    world->main.plants.Select(0);
+    world->module.VersionList.Add(u"AB1-123.4"_s);
+    world->module.VersionList.Add(u"AB1-124.0"_s);
+    world->module.PlantTypeList.Add(u"Luft"_s);
+    world->module.PlantTypeList.Select(0);
     return world;
   }();
   World& world = *made;
   if (input.isEmpty()) return;
   const QByteArray bytes = input.sliced(1).toByteArray();
-  world.main.versions.Select(0);
+  world.module.VersionList.Select(0);
   Reset(world, static_cast<quint8>(input.front()));
   world.module.Dateiname = u"loaded"_s;
   world.files.files[u"loaded"_s] = bytes;

@@ -30,7 +30,7 @@ void CheckPlants(World& world, int row) {
   Require(world.module.BusyDepth == 0 && world.main.enabled, "the program is ready again");
 
   const QString names = world.module.VersionRow(row).Anlagen;
-  const platform::ListBox& plants = world.main.plants;
+  const SelectionList& plants = world.module.PlantTypeList;
   QString joined;
   for (int i = 0; i < plants.Count(); ++i)
     joined += plants.Text(i) + u' ';
@@ -45,10 +45,10 @@ void VersionTable(QByteArrayView input) {
   static const std::unique_ptr<World> made = WorldWithoutLine();
   World& world = *made;
   world.files.files[u"ini/VF.INI"_s] = input.toByteArray();
-  world.main.versions.Clear();
+  world.module.VersionList.Clear();
   world.module.Versionen.assign(1, {});
   world.box.shown = 0;
-  Require(!ReadVersionTable(world.core), "the list's handler rebuilds the rest");
+  ReadVersions(world.core);
 
   const std::optional<QStringList> items = PlainItems(input);
   Require(world.box.shown == (items && !items->isEmpty() ? 0 : 1), "a box where there is no version");
@@ -57,11 +57,11 @@ void VersionTable(QByteArrayView input) {
     return;
   }
   Require(world.module.VersionCount == items->size() + 1, "each item is a version");
-  Require(world.main.versions.Count() == items->size(), "each version is in the list");
+  Require(world.module.VersionList.Count() == items->size(), "each version is in the list");
   for (int i = 0; i < items->size(); ++i) {
     const VersionRecord expected = PlainVersion(items->at(i));
     Require(world.module.VersionRow(i + 1) == expected, "the columns of a version");
-    Require(world.main.versions.Text(i) == expected.Version, "the text of a version");
+    Require(world.module.VersionList.Text(i) == expected.Version, "the text of a version");
   }
   // One row is enough for an input, and which one depends on it. It costs as much as reading the table.
   if (!items->isEmpty() && InSample(input, 4))

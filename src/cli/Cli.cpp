@@ -33,7 +33,7 @@ class Session {
         host_(module_, world.line, timers_),
         view_(arguments.json ? nullptr : &world.out),
         report_(module_, view_, events_, timers_),
-        controller_(module_, host_, main_, report_),
+        controller_(module_, module_, host_, [this](const QString& text) { report_.Add(text); }),
         core_{module_, main_, report_, choice_, editors_, box_, world.files, events_, controller_} {}
 
   int Run(const Command& command) {
@@ -139,20 +139,20 @@ class Session {
   void LoadDefinitions() {
     ConnectHandlers(core_);
     // What is said from here on is about the version that is selected now.
-    main_.ComboVN().OnChange = [this] {
+    module_.VersionList.OnChange = [this] {
       boxesBefore_ = box_.Count();
       ComboVN_Click(core_);
     };
     boxesBefore_ = box_.Count();
     RunHandler(box_, [this] {
       Refresh(core_, 5);
-      if (arguments_.controller) Select(main_.ComboVN(), FindController());
-      if (arguments_.plant) Select(main_.ComboArt(), FindPlant());
+      if (arguments_.controller) module_.VersionList.Select(FindController());
+      if (arguments_.plant) module_.PlantTypeList.Select(FindPlant());
     });
   }
 
   // The reader selects the first version when it has come to the end of the table.
-  [[nodiscard]] bool VersionsRead() { return main_.ComboVN().Position() >= 0; }
+  [[nodiscard]] bool VersionsRead() { return module_.VersionList.Position() >= 0; }
 
   // Faults of other versions than the selected one do not count.
   void RequireDefinitions() {
@@ -171,32 +171,23 @@ class Session {
     return WriteValueFile(core_) ? status : kBadInput;
   }
 
-  static void Select(platform::ListBox& list, int position) { list.Select(position); }
-
-  static int Find(const platform::ListBox& list, const QString& text) {
-    for (int i = 0; i < list.Count(); ++i) {
-      if (list.Text(i) == text) return i;
-    }
-    return -1;
-  }
-
   int FindController() {
-    if (main_.ComboVN().Count() == 0) throw BadInput{};
-    const int position = Find(main_.ComboVN(), *arguments_.controller);
+    if (module_.VersionList.Count() == 0) throw BadInput{};
+    const int position = module_.VersionList.Find(*arguments_.controller);
     if (position < 0) throw BadInput{u"Unbekannte Reglerversion: "_s + *arguments_.controller};
     return position;
   }
 
   int FindPlant() {
     const QString& plant = *arguments_.plant;
-    const platform::ListBox& list = main_.ComboArt();
+    const SelectionList& list = module_.PlantTypeList;
     int position = -1;
     if (plant.startsWith(u'#')) {
       bool isNumber = false;
       position = QStringView(plant).sliced(1).toInt(&isNumber);
       if (!isNumber || position >= list.Count()) position = -1;
     } else {
-      position = Find(list, plant);
+      position = list.Find(plant);
     }
     if (position < 0) throw BadInput{u"Unbekannte Anlageart: "_s + plant};
     return position;
@@ -212,8 +203,7 @@ class Session {
   }
 
   [[nodiscard]] print::PrintInput Printed() const {
-    return {main_.PlantSelectorVisible(), arguments_.statusPath.value_or(module_.Dateiname),
-            arguments_.date.value_or(QDate::currentDate()),
+    return {arguments_.statusPath.value_or(module_.Dateiname), arguments_.date.value_or(QDate::currentDate()),
             arguments_.landscape ? platform::kLandscape : platform::kPortrait};
   }
 

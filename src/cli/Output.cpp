@@ -80,8 +80,8 @@ QString VersionsText(const Module1& module) {
 
 QString PlantsText(Core& core) {
   QString text;
-  for (int i = 0; i < core.main.ComboArt().Count(); ++i) {
-    text += Line({QString::number(i), core.main.ComboArt().Text(i)});
+  for (int i = 0; i < core.module.PlantTypeList.Count(); ++i) {
+    text += Line({QString::number(i), core.module.PlantTypeList.Text(i)});
   }
   return text;
 }
@@ -133,8 +133,8 @@ QJsonDocument VersionsJson(const Module1& module) {
 
 QJsonDocument PlantsJson(Core& core) {
   QJsonArray entries;
-  for (int i = 0; i < core.main.ComboArt().Count(); ++i) {
-    entries.append(QJsonObject{{u"Position"_s, i}, {u"Text"_s, core.main.ComboArt().Text(i)}});
+  for (int i = 0; i < core.module.PlantTypeList.Count(); ++i) {
+    entries.append(QJsonObject{{u"Position"_s, i}, {u"Text"_s, core.module.PlantTypeList.Text(i)}});
   }
   return QJsonDocument(entries);
 }

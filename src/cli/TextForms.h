@@ -5,12 +5,11 @@
 #include <ostream>
 #include <vector>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
+#include "core/Forms.h"
 #include "core/Report.h"
 #include "platform/Events.h"
 #include "platform/MessageBox.h"
-#include "platform/plain/PlainListBox.h"
 #include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::cli {
@@ -21,20 +20,14 @@ namespace kalivor::cli {
 
 class TextMainForm final : public MainForm {
  public:
-  [[nodiscard]] platform::ListBox& ComboVN() override { return versions_; }
-  [[nodiscard]] platform::ListBox& ComboArt() override { return plants_; }
   [[nodiscard]] platform::TreeView& Tree() override { return tree_; }
-  void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible_ = visible; }
-  [[nodiscard]] bool PlantSelectorVisible() const { return plantSelectorVisible_; }
+  void SetPlantSelectorVisible(bool) override {}
   void SetEnabled(bool) override {}
   void ShowState(const QString&) override {}
   void ShowAgain() override {}
 
  private:
-  platform::PlainListBox versions_;
-  platform::PlainListBox plants_;
   platform::PlainTreeView tree_;
-  bool plantSelectorVisible_ = true;
 };
 
 class NoEditorForms final : public EditorForms {

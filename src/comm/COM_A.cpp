@@ -26,7 +26,7 @@ QString VersionText(const QString& payload) {
 }  // namespace
 
 QString COM_A::Configure(qint16 slot, QStringView settings) {
-  return host_.ConfigurePort(slot, kControllerProtocol, module_.Adresse, module_.Schnittstelle,
+  return host_.ConfigurePort(slot, kControllerProtocol, settings_.Adresse, settings_.Schnittstelle,
                              settings.toString());
 }
 
@@ -47,9 +47,9 @@ QString COM_A::Identify(qint16 slot) {
   return version;
 }
 
-// Letter 0 writes, letter 1 reads. Without a selected version row 0 is used, whose letters are blanks.
+// Letter 0 writes, letter 1 reads; blanks without a selected version.
 QStringView COM_A::CommandLetter(int index) const {
-  return QStringView(module_.VersionRow(main_.ComboVN().Position() + 1).Kennung.Padded()).mid(index, 1);
+  return QStringView(versions_.SelectedVersion().Kennung.Padded()).mid(index, 1);
 }
 
 void COM_A::StartBody(int letter, QStringView address) {
@@ -64,7 +64,7 @@ bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
   su::AppendHexPad(body_, value, kWordLength);
   const QString result = transport_.SendWithRetry(slot, body_, true, kTries);
   if (!IsError(result)) return true;
-  report_.Add(result);
+  onFailure_(result);
   return false;
 }
 
@@ -75,7 +75,7 @@ bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
     digits = transport_.SendWithRetry(slot, body_, true, kTries);
   }
   if (IsError(digits)) {
-    report_.Add(digits);
+    onFailure_(digits);
     return false;
   }
   return digits.size() == kWordLength;

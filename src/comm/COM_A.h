@@ -2,8 +2,9 @@
 #pragma once
 
 #include <QString>
+#include <functional>
+#include <utility>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
 #include "comm/COM_T.h"
 
@@ -13,8 +14,15 @@ namespace kalivor {
 /// letters come from the version table's row of the selected version.
 class COM_A {
  public:
-  COM_A(const Module1& module, COM_T_frm& host, MainForm& main, ReportForm& report)
-      : module_(module), host_(host), transport_(host), main_(main), report_(report) {}
+  /// Called with the text of a failure, before the operation returns.
+  using FailureHandler = std::function<void(const QString& text)>;
+
+  COM_A(const Settings& settings, const VersionTable& versions, COM_T_frm& host, FailureHandler onFailure)
+      : settings_(settings),
+        versions_(versions),
+        host_(host),
+        transport_(host),
+        onFailure_(std::move(onFailure)) {}
 
   /// The version text of the connected controller ("AB1-123.4"), or a failure ("ERROR: …"). Tries the
   /// current line rate, then 19200, then 9600 baud; the line keeps the rate that was tried last.
@@ -23,11 +31,11 @@ class COM_A {
   /// One version query without retries.
   [[nodiscard]] QString ReadVersion(qint16 slot);
 
-  /// Writes the low 16 bits of `value`. A failure is added to the report, and false returned.
+  /// Writes the low 16 bits of `value`. A failure is told to the handler, and false returned.
   [[nodiscard]] bool WriteWord(qint16 slot, qint32 value, const QString& address);
 
   /// Read a word, signed or as 0..65535. On success `result` is set and true returned. A failure of the line
-  /// is added to the report; a reply of the wrong length is not.
+  /// is told to the handler; a reply of the wrong length is not.
   /// Throws RuntimeError (Overflow) when a reply that is no hexadecimal number leaves the 16-bit range.
   [[nodiscard]] bool ReadInt(qint16 slot, qint16& result, const QString& address);
   [[nodiscard]] bool ReadLong(qint16 slot, qint32& result, const QString& address);
@@ -40,11 +48,11 @@ class COM_A {
   void StartBody(int letter, QStringView address);
   bool ReadWord(qint16 slot, QString& digits, const QString& address);
 
-  const Module1& module_;
+  const Settings& settings_;
+  const VersionTable& versions_;
   COM_T_frm& host_;
   COM_T transport_;
-  MainForm& main_;
-  ReportForm& report_;
+  FailureHandler onFailure_;
   QString body_;  // kept from telegram to telegram, so that reading a word needs no new memory
 };
 

@@ -10,8 +10,8 @@ bool IsError(QStringView text) {
   return text.startsWith(u"ERROR: ");
 }
 
-COM_T_frm::COM_T_frm(const Module1& module, platform::SerialControl& control, TH& timers)
-    : module_(module), control_(control), timers_(timers) {
+COM_T_frm::COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers)
+    : conversation_(conversation), control_(control), timers_(timers) {
   control_.OnComm = [this] { OnComm(); };
 }
 
@@ -21,7 +21,7 @@ COM_T_frm::~COM_T_frm() {
 
 QString COM_T_frm::ConfigurePort(qint16 slot, qint16 protocol, qint16 address, qint16 portNumber,
                                  const QString& settings) {
-  if (module_.Abbruch != kFalse) return {};
+  if (conversation_.Abbruch != kFalse) return {};
   QString result = SetupPort(slot, address, portNumber, settings);
   Ports[slot].Protokoll = protocol;
   return result;

@@ -35,7 +35,7 @@ struct PortRecord {
 
 class COM_T_frm {
  public:
-  COM_T_frm(const Module1& module, platform::SerialControl& control, TH& timers);
+  COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers);
   ~COM_T_frm();
   COM_T_frm(const COM_T_frm&) = delete;
   COM_T_frm& operator=(const COM_T_frm&) = delete;
@@ -71,7 +71,7 @@ class COM_T_frm {
   QString SetupPort(qint16 slot, qint16 address, qint16 portNumber, const QString& settings);
   void OnComm();
 
-  const Module1& module_;
+  const Conversation& conversation_;
   platform::SerialControl& control_;
   TH& timers_;
 };

@@ -41,8 +41,8 @@ void SaveSettings(const Module1& module, platform::SettingsStore& store) {
 }
 
 void ConnectHandlers(Core& core) {
-  core.main.ComboVN().OnChange = [&core] { ComboVN_Click(core); };
-  core.main.ComboArt().OnChange = [&core] { ComboArt_Click(core); };
+  core.module.VersionList.OnChange = [&core] { ComboVN_Click(core); };
+  core.module.PlantTypeList.OnChange = [&core] { ComboArt_Click(core); };
   platform::TreeView& tree = core.main.Tree();
   tree.OnCollapse = [&core](int node) { TreeView_Collapse(core, node); };
   tree.OnExpand = [&core](int node) { TreeView_Expand(core, node); };

@@ -12,16 +12,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-// The first position of `version` in the version list, -1 when it is unknown.
-int FindVersion(Core& core, const QString& version) {
-  const platform::ListBox& list = core.main.ComboVN();
-  // One position past the last is looked at too: it reads as an empty text.
-  for (int i = 0; i <= list.Count(); ++i) {
-    if (list.Text(i) == version) return i;
-  }
-  return -1;
-}
-
 void AddPlantNumberTooLarge(Core& core, qint16 number) {
   core.report.Add(u"Empfangene Anlagennummer ("_s + BlankNumber(number) + u") zu gross"_s);
 }
@@ -35,7 +25,7 @@ qint16 QueryPlantNumber(Core& core, TransferOutcome& outcome) {
 
 // Takes over the controller's plant type, as receiving and comparing do. False where it cannot be.
 bool FollowPlantType(Core& core, qint16 number) {
-  platform::ListBox& plants = core.main.ComboArt();
+  SelectionList& plants = core.module.PlantTypeList;
   // A single plant type needs no number.
   if (number <= -1) return plants.Count() < 2;
   if (plants.Position() == number) return true;
@@ -82,17 +72,17 @@ bool FollowVersion(Core& core, const FollowingTransfer& transfer) {
     core.report.Add(version);
     return false;
   }
-  const int position = FindVersion(core, version);
+  const int position = core.module.VersionList.Find(version);
   if (position < 0) {
     core.report.Add(version.left(5) == u"Error" ? version : u"Unbekannte ReglerVersion: "_s + version);
     return false;
   }
-  if (core.main.ComboVN().Position() == position) return true;
+  if (core.module.VersionList.Position() == position) return true;
   if (!transfer.switchesVersion) {
     core.report.Add(u"Andere ReglerVersion: "_s + version);
     return false;
   }
-  core.main.ComboVN().Select(position);
+  core.module.VersionList.Select(position);
   return true;
 }
 
@@ -180,10 +170,10 @@ void CommandStandard_Click(Core& core) {
 }
 
 bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
-  platform::ListBox& versions = core.main.ComboVN();
+  SelectionList& versions = core.module.VersionList;
   const QString version = core.module.ReglerVersion = core.controller.Identify(kSlot);
   if (version == versions.SelectedText()) return true;
-  const int position = FindVersion(core, version);
+  const int position = core.module.VersionList.Find(version);
   if (position < 0) {
     core.report.Add(u"Unbekannte ReglerVersion: "_s + version);
     return false;
@@ -204,7 +194,7 @@ bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
 }
 
 bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
-  platform::ListBox& plants = core.main.ComboArt();
+  SelectionList& plants = core.module.PlantTypeList;
   const qint16 number = QueryPlantNumber(core, outcome);
   if (number <= -1) return false;
   if (plants.Position() == number) return true;

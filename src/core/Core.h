@@ -1,9 +1,9 @@
 // What every operation of the core works with.
 #pragma once
 
-#include "base/Forms.h"
 #include "base/Module1.h"
 #include "comm/COM_A.h"
+#include "core/Forms.h"
 #include "platform/Events.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"

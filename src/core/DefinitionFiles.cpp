@@ -73,12 +73,8 @@ qint16 OffsetOf(QStringView expression, const FixedText<8>& type) {
 }
 
 // The parameters 1..ParCount, the free slot behind the last included, as far as the table reaches.
-int LastTouchedSlot(const Module1& module) {
-  return std::min<int>(module.ParCount, kLastParameter);
-}
-
-const VersionRecord& SelectedVersion(Core& core) {
-  return core.module.VersionRow(core.main.ComboVN().Position() + 1);
+int LastTouchedSlot(const ParameterTable& table) {
+  return std::min<int>(table.ParCount, kLastParameter);
 }
 
 bool IsAddress(QStringView text) {
@@ -99,37 +95,37 @@ TextItems ReadDefinitionItems(platform::FileSystem& files, const QString& path) 
 }
 
 // Puts a line of the definition file where it belongs in the table.
-void TakeDefinition(Module1& module, QStringView line, int lineNumber, bool hasAddressList) {
+void TakeDefinition(ParameterTable& table, QStringView line, int lineNumber, bool hasAddressList) {
   ParameterRecord record = ParseDefinition(line, hasAddressList);
   // Values survive a re-read of the same version: they are those of the slot, also for element 0.
-  if (module.ParCount <= kLastParameter) {
-    record.Wert = module.Par[module.ParCount].Wert;
-    record.WertText = module.Par[module.ParCount].WertText;
+  if (table.ParCount <= kLastParameter) {
+    record.Wert = table.Par[table.ParCount].Wert;
+    record.WertText = table.Par[table.ParCount].WertText;
   }
   const bool isPlantType = record.Rubrik == u"NoRubrik";
-  const int index = isPlantType ? 0 : module.ParCount;
-  module.Par[index] = std::move(record);
-  module.ParLine[index] = lineNumber;
-  if (!isPlantType) module.ParCount = ToInt16(module.ParCount + 1);
+  const int index = isPlantType ? 0 : table.ParCount;
+  table.Par[index] = std::move(record);
+  table.ParLine[index] = lineNumber;
+  if (!isPlantType) table.ParCount = ToInt16(table.ParCount + 1);
 }
 
 // Which slots bear which variable name, in table order, so that a long list needs no search per line.
 class AddressBook {
  public:
-  explicit AddressBook(Module1& module) : module_(module) {
+  explicit AddressBook(ParameterTable& table) : table_(table) {
     // Built from the end, as a QMultiHash returns the values of a key last in, first out.
-    for (int i = LastTouchedSlot(module); i >= 1; --i)
-      slots_.insert(module.Par[i].Variable, i);
+    for (int i = LastTouchedSlot(table); i >= 1; --i)
+      slots_.insert(table.Par[i].Variable, i);
   }
 
   void SetAddress(QStringView value, QStringView name) {
     const auto [first, last] = slots_.equal_range(name);
     for (auto slot = first; slot != last; ++slot)
-      GiveAddress(module_.Par[*slot], value.toString());
+      GiveAddress(table_.Par[*slot], value.toString());
   }
 
  private:
-  Module1& module_;
+  ParameterTable& table_;
   QMultiHash<QStringView, int> slots_;  // the names are those in the table, which stay as they are
 };
 
@@ -214,71 +210,58 @@ VersionRecord ParseVersion(QStringView line) {
   return record;
 }
 
-QString VersionTablePath(const Module1& module) {
-  return WithSeparator(module.Inipath) + module.Inifile;
+QString VersionTablePath(const Settings& settings) {
+  return WithSeparator(settings.Inipath) + settings.Inifile;
 }
 
-QString DefinitionPath(const Module1& module, const QString& fileName) {
-  return module.Inipath + SeparatorFor(module.Inipath) + fileName;
+QString DefinitionPath(const Settings& settings, const QString& fileName) {
+  return settings.Inipath + SeparatorFor(settings.Inipath) + fileName;
 }
 
-bool ReadVersionTable(Core& core) {
-  Module1& module = core.module;
-  module.VersionCount = 1;
-  module.Inipath = WithSeparator(module.Inipath);
-  const QString path = VersionTablePath(module);
-  try {
-    const TextItems items = ReadItems(core.files, path);
-    module.Versionen.assign(items.items.size() + 2, VersionRecord());
-    for (const TextItem& item : items) {
-      VersionRecord& row = module.Versionen[static_cast<std::size_t>(module.VersionCount)];
-      row = ParseVersion(item.text);
-      core.main.ComboVN().Add(row.Version);
-      module.VersionCount = ToInt16(module.VersionCount + 1);
-    }
-    core.main.ComboVN().Select(0);
-  } catch (const RuntimeError& error) {
-    core.box.Show(u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() +
-                  u"\r\nUeberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s);
+bool HasAddressList(const VersionRecord& version) {
+  return version.AdrDatei != kNoList;
+}
+
+QString ReadFailure(const QString& path, const RuntimeError& error) {
+  return u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() + u"\r\n"_s;
+}
+
+QString VersionTableFailure(const QString& path, const RuntimeError& error) {
+  return ReadFailure(path, error) + u"Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s;
+}
+
+void ReadVersionTable(VersionTable& table, platform::FileSystem& files, const QString& path) {
+  table.VersionCount = 1;
+  const TextItems items = ReadItems(files, path);
+  table.Versionen.assign(items.items.size() + 2, VersionRecord());
+  for (const TextItem& item : items) {
+    VersionRecord& row = table.Versionen[static_cast<std::size_t>(table.VersionCount)];
+    row = ParseVersion(item.text);
+    table.VersionList.Add(row.Version);
+    table.VersionCount = ToInt16(table.VersionCount + 1);
   }
-  return false;
 }
 
-void ReadDefinitions(Core& core) {
-  Module1& module = core.module;
-  module.ParCount = 1;
-  module.Par[0].Variable.clear();
-  module.Par[0].VarAdresse.clear();
-  module.ParLine[0] = 0;
-  const VersionRecord version = SelectedVersion(core);
-  const bool hasAddressList = version.AdrDatei != kNoList;
-  module.ParFile = DefinitionPath(module, version.DefDatei);
-  for (const TextItem& item : ReadDefinitionItems(core.files, module.ParFile)) {
+void ReadDefinitions(ParameterTable& table, platform::FileSystem& files, const QString& path,
+                     bool hasAddressList) {
+  table.ParCount = 1;
+  table.Par[0].Variable.clear();
+  table.Par[0].VarAdresse.clear();
+  table.ParLine[0] = 0;
+  table.ParFile = path;
+  for (const TextItem& item : ReadDefinitionItems(files, path)) {
     try {
-      TakeDefinition(module, item.text, item.line, hasAddressList);
+      TakeDefinition(table, item.text, item.line, hasAddressList);
     } catch (const RuntimeError& error) {
-      throw DefinitionError(error, module.ParFile, item.line);
+      throw DefinitionError(error, path, item.line);
     }
   }
 }
 
-void ReadAddressList(Core& core) {
-  const VersionRecord version = SelectedVersion(core);
-  if (version.AdrDatei == kNoList) return;
-  const QString path = DefinitionPath(core.module, version.AdrDatei);
-  try {
-    const TextItems items = ReadItems(core.files, path);
-    AddressBook book(core.module);
-    ReadAddressLines(items.items, book);
-  } catch (const RuntimeError& error) {
-    core.box.Show(u"Fehler beim Lesen von\r\n"_s + path + u"\r\n"_s + error.Description() + u"\r\n"_s);
-  }
-}
-
-void SetAddress(Module1& module, const QString& value, const QString& name) {
-  for (int i = 1; i <= LastTouchedSlot(module); ++i) {
-    if (module.Par[i].Variable == name) GiveAddress(module.Par[i], value);
-  }
+void ReadAddressList(ParameterTable& table, platform::FileSystem& files, const QString& path) {
+  const TextItems items = ReadItems(files, path);
+  AddressBook book(table);
+  ReadAddressLines(items.items, book);
 }
 
 }  // namespace kalivor

@@ -3,7 +3,8 @@
 
 #include <QString>
 
-#include "core/Core.h"
+#include "base/Module1.h"
+#include "platform/FileSystem.h"
 
 namespace kalivor {
 
@@ -29,24 +30,28 @@ namespace kalivor {
 [[nodiscard]] VersionRecord ParseVersion(QStringView line);
 
 /// Full paths of the files. The definition paths hold a doubled separator, which every system accepts.
-[[nodiscard]] QString VersionTablePath(const Module1& module);
-[[nodiscard]] QString DefinitionPath(const Module1& module, const QString& fileName);
+[[nodiscard]] QString VersionTablePath(const Settings& settings);
+[[nodiscard]] QString DefinitionPath(const Settings& settings, const QString& fileName);
 
-/// Reads the version table into Versionen and the version list and selects the first version, which rebuilds
-/// everything below. Any error on the way is shown in a box. Appends the missing separator to Inipath.
-/// The result is always false: the rebuild has then happened through the list's change handler.
-bool ReadVersionTable(Core& core);
+/// True when the version has an address list.
+[[nodiscard]] bool HasAddressList(const VersionRecord& version);
 
-/// Reads the definition file of the selected version into Par, ParFile and ParLine. Values of the slots are
-/// kept. Throws RuntimeError, with the file and the line in its description: FileError when it cannot be
-/// read, Bounds at the 2001st parameter, Overflow.
-void ReadDefinitions(Core& core);
+/// What a box says when the version table, or another file, at `path` cannot be read.
+[[nodiscard]] QString VersionTableFailure(const QString& path, const RuntimeError& error);
+[[nodiscard]] QString ReadFailure(const QString& path, const RuntimeError& error);
 
-/// Reads the address list of the selected version, if it has one, into the parameters. An error is shown in a
-/// box.
-void ReadAddressList(Core& core);
+/// Reads the version table at `path` into `table`; selects nothing. Throws RuntimeError: FileError when it
+/// cannot be read, Overflow; the rows before it stay.
+void ReadVersionTable(VersionTable& table, platform::FileSystem& files, const QString& path);
 
-/// Gives parameters 1..ParCount named `name` the address `value`, their own offset added.
-void SetAddress(Module1& module, const QString& value, const QString& name);
+/// Reads a definition file into Par, ParFile and ParLine; `hasAddressList` decides what column 9 means.
+/// Values of the slots are kept. Throws RuntimeError, with the file and the line in its description:
+/// FileError when it cannot be read, Bounds at the 2001st parameter, Overflow.
+void ReadDefinitions(ParameterTable& table, platform::FileSystem& files, const QString& path,
+                     bool hasAddressList);
+
+/// Reads an address list into the parameters 1..ParCount that bear its names, their own offsets added.
+/// Throws RuntimeError (FileError) when it cannot be read; the addresses before the fault are taken over.
+void ReadAddressList(ParameterTable& table, platform::FileSystem& files, const QString& path);
 
 }  // namespace kalivor

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/Paths.h"
 #include "core/Busy.h"
 #include "core/DefinitionFiles.h"
 #include "core/TreeTexts.h"
@@ -11,7 +12,7 @@ namespace {
 
 // Fills the plant-type list. Every blank of `names` closes an entry, so the blank in front gives an empty
 // first one, and what stands behind the last blank is not taken over.
-void FillPlantTypes(platform::ListBox& list, const QString& names) {
+void FillPlantTypes(SelectionList& list, const QString& names) {
   list.Clear();
   for (qsizetype start = 0, blank = names.indexOf(u' '); blank >= 0; blank = names.indexOf(u' ', start)) {
     list.Add(names.sliced(start, blank - start));
@@ -19,12 +20,21 @@ void FillPlantTypes(platform::ListBox& list, const QString& names) {
   }
 }
 
+void SelectFirstPlantType(Core& core) {
+  Module1& module = core.module;
+  FillPlantTypes(module.PlantTypeList, module.VersionRow(module.VersionIndex).Anlagen);
+  // This rebuilds levels 3 and 2 through the change handler; they follow once more in Refresh().
+  module.PlantTypeList.Select(0);
+  module.PlantTypeOffered = module.PlantTypeList.Count() != 1;
+  core.main.SetPlantSelectorVisible(module.PlantTypeOffered);
+}
+
 void ReadParameters(Core& core) {
   Module1& module = core.module;
-  ReadDefinitions(core);
-  ReadAddressList(core);
+  ReadSelectedDefinitions(core);
+  ReadSelectedAddresses(core);
   SetStandard(module);
-  TakePlantType(core);
+  TakePlantType(module);
   // The last element keeps its mark on purpose: parameter 2000 starts unchecked.
   for (int i = 0; i < kLastParameter; ++i) {
     module.NodeState[i] = kFalse;
@@ -34,41 +44,65 @@ void ReadParameters(Core& core) {
 
 }  // namespace
 
-bool Refresh(Core& core, int level) {
+void Refresh(Core& core, int level) {
   const BusyGuard busy(core);
   // The editors' parameter would no longer be the one that they show.
   if (level >= 3) core.editors.HideEditors();
   if (level >= 5) {
-    core.main.ComboVN().Clear();
-    if (!ReadVersionTable(core)) return false;
-    core.module.VersionIndex = 1;
+    // The version list's change handler has rebuilt the rest by then.
+    ReadVersions(core);
+    return;
   }
-  if (level >= 4 && core.module.VersionIndex != 0) {
-    FillPlantTypes(core.main.ComboArt(), core.module.VersionRow(core.module.VersionIndex).Anlagen);
-    // This rebuilds levels 3 and 2 through the change handler; they follow once more below.
-    core.main.ComboArt().Select(0);
-    core.main.SetPlantSelectorVisible(core.main.ComboArt().Count() != 1);
-  }
+  if (level >= 4 && core.module.VersionIndex != 0) SelectFirstPlantType(core);
   if (level >= 3) ReadParameters(core);
   if (level >= 2) BuildTree(core);
-  return true;
 }
 
-void SetStandard(Module1& module) {
-  const int last = std::min<int>(module.ParCount, kLastParameter);
-  for (int i = 1; i <= last; ++i) {
-    module.Par[i].Wert = module.Par[i].Standard;
-    module.Par[i].WertText = module.Par[i].StandardText;
+void ReadVersions(Core& core) {
+  Module1& module = core.module;
+  module.VersionList.Clear();
+  module.Inipath = WithSeparator(module.Inipath);
+  const QString path = VersionTablePath(module);
+  try {
+    ReadVersionTable(module, core.files, path);
+    module.VersionList.Select(0);
+  } catch (const RuntimeError& error) {
+    core.box.Show(VersionTableFailure(path, error));
   }
 }
 
-void TakePlantType(Core& core) {
-  ParameterRecord& plantType = core.module.Par[0];
-  if (!plantType.VarAdresse.isEmpty()) plantType.Wert = core.main.ComboArt().Position();
+void ReadSelectedDefinitions(Core& core) {
+  const VersionRecord& version = core.module.SelectedVersion();
+  ReadDefinitions(core.module, core.files, DefinitionPath(core.module, version.DefDatei),
+                  HasAddressList(version));
+}
+
+void ReadSelectedAddresses(Core& core) {
+  const VersionRecord& version = core.module.SelectedVersion();
+  if (!HasAddressList(version)) return;
+  const QString path = DefinitionPath(core.module, version.AdrDatei);
+  try {
+    ReadAddressList(core.module, core.files, path);
+  } catch (const RuntimeError& error) {
+    core.box.Show(ReadFailure(path, error));
+  }
+}
+
+void SetStandard(ParameterTable& table) {
+  const int last = std::min<int>(table.ParCount, kLastParameter);
+  for (int i = 1; i <= last; ++i) {
+    table.Par[i].Wert = table.Par[i].Standard;
+    table.Par[i].WertText = table.Par[i].StandardText;
+  }
+}
+
+void TakePlantType(Module1& module) {
+  ParameterRecord& plantType = module.Par[0];
+  if (!plantType.VarAdresse.isEmpty()) plantType.Wert = module.PlantTypeList.Position();
 }
 
 void ComboVN_Click(Core& core) {
-  core.module.VersionIndex = static_cast<qint16>(core.main.ComboVN().Position() + 1);
+  core.module.VersionIndex = static_cast<qint16>(core.module.VersionList.Position() + 1);
   Refresh(core, 4);
 }
 

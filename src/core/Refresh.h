@@ -6,15 +6,22 @@
 namespace kalivor {
 
 /// Rebuilds from `level` down: 5 version table, 4 plant types, 3 definitions, values and marks, 2 tree.
-/// False where it stopped at level 5: the version list's change handler has rebuilt the rest by then.
-/// Errors pass as RuntimeError; the busy state is left all the same.
-bool Refresh(Core& core, int level);
+/// Errors pass as RuntimeError; the busy state is left all the same. Those of level 5, and of everything that
+/// is rebuilt from there, are shown in a box instead; so is an address list that cannot be read.
+void Refresh(Core& core, int level);
+
+/// The readers of the levels. ReadVersions() selects the first version, which rebuilds everything below; any
+/// error on the way is shown in a box, and so is one of the address list. Appends the missing separator to
+/// Inipath.
+void ReadVersions(Core& core);
+void ReadSelectedDefinitions(Core& core);
+void ReadSelectedAddresses(Core& core);
 
 /// Sets parameters 1..ParCount to their standard values, checked or not.
-void SetStandard(Module1& module);
+void SetStandard(ParameterTable& table);
 
 /// The plant-type record takes the position of the plant-type list as its value, if it has an address.
-void TakePlantType(Core& core);
+void TakePlantType(Module1& module);
 
 /// Handlers of the two lists' changes.
 void ComboVN_Click(Core& core);

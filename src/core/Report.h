@@ -3,9 +3,9 @@
 
 #include <QString>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
 #include "comm/TH.h"
+#include "core/Forms.h"
 #include "platform/Events.h"
 
 namespace kalivor {

@@ -47,7 +47,7 @@ bool ShowParam(QStringView selectedPlantType, QStringView plantTypes) {
 }
 
 bool ShowParam(Core& core, const ParameterRecord& record) {
-  return ShowParam(core.main.ComboArt().SelectedText(), record.Zusatz);
+  return ShowParam(core.module.PlantTypeList.SelectedText(), record.Zusatz);
 }
 
 bool IsStringForTree(const ParameterRecord& record) {
@@ -99,7 +99,7 @@ void BuildTree(Core& core) {
   Module1& module = core.module;
   platform::TreeView& tree = core.main.Tree();
   const TreeChange change(core);
-  const QString plantType = core.main.ComboArt().SelectedText();
+  const QString plantType = core.module.PlantTypeList.SelectedText();
 
   tree.Clear();
   const int root = tree.Add(0, RootKey(), kRootText.toString());

@@ -21,7 +21,7 @@ void ShowFailure(Core& core, const QString& what, const QString& description) {
 
 QByteArray ComposeImage(Core& core) {
   const Module1& module = core.module;
-  QByteArray image = ComposeRecord(module.ParCount, {}, core.main.ComboVN().SelectedText(), {});
+  QByteArray image = ComposeRecord(module.ParCount, {}, core.module.VersionList.SelectedText(), {});
   for (int i = 1; i < module.ParCount; ++i) {
     const ParameterRecord& record = module.Par[i];
     image += ComposeRecord(record.Wert, record.WertText, record.Variable, record.Typ.Padded());
@@ -64,17 +64,10 @@ void TakeValues(Module1& module, const ValueFileContent& content) {
   }
 }
 
-int FindVersion(const platform::ListBox& versions, const QString& version) {
-  for (int i = 0; i < versions.Count(); ++i) {
-    if (versions.Text(i) == version) return i;
-  }
-  return -1;
-}
-
 // Selects a version and reads its definitions. An error leaves the tree of what could be read.
 void SwitchTo(Core& core, int position) {
   try {
-    core.main.ComboVN().Select(position);
+    core.module.VersionList.Select(position);
     Refresh(core, 4);
   } catch (const RuntimeError&) {
     // The tree must not show parameters that are in the table no more. Where it cannot be built, that is what
@@ -86,9 +79,9 @@ void SwitchTo(Core& core, int position) {
 
 // Makes the selected version the one that the file's values are for. False where there is no way.
 bool MatchVersion(Core& core, const QString& version) {
-  platform::ListBox& versions = core.main.ComboVN();
+  SelectionList& versions = core.module.VersionList;
   if (version == versions.SelectedText()) return true;
-  const int position = FindVersion(versions, version);
+  const int position = versions.Find(version);
   if (position < 0) {
     core.box.Show(u"Unbekannte ReglerVersion: "_s + version.leftJustified(kVersionWidth, u' '));
     return false;

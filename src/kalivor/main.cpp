@@ -127,8 +127,8 @@ struct Printing {
     if (!frame) {
       printer.emplace();
       frame = std::make_unique<print::MDIFormPrint>(
-          print::PrintWorld{desktop.core, *printer, [this] { return desktop.main.PlantSelectorVisible(); },
-                            [this] { return desktop.module.Dateiname; }, [] { return QDate::currentDate(); }},
+          print::PrintWorld{desktop.core, *printer, [this] { return desktop.module.Dateiname; },
+                            [] { return QDate::currentDate(); }},
           desktop.guard);
       desktop.main.AddCompanion(*frame, true);
     }

@@ -6,27 +6,22 @@
 #include <functional>
 #include <vector>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
+#include "core/Forms.h"
 #include "core/Report.h"
 #include "platform/Events.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
-#include "platform/plain/PlainListBox.h"
 #include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::campaign {
 
 class PlainMainForm final : public MainForm {
  public:
-  platform::PlainListBox versions;
-  platform::PlainListBox plants;
   platform::PlainTreeView tree;
   bool enabled = true;
   QString state;
 
-  [[nodiscard]] platform::ListBox& ComboVN() override { return versions; }
-  [[nodiscard]] platform::ListBox& ComboArt() override { return plants; }
   [[nodiscard]] platform::TreeView& Tree() override { return tree; }
   void SetPlantSelectorVisible(bool) override {}
   void SetEnabled(bool on) override { enabled = on; }

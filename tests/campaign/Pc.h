@@ -25,7 +25,7 @@ struct Pc {
       : timers(clock),
         host(module, line, timers),
         report(module, view, events, timers),
-        controller(module, host, main, report),
+        controller(module, module, host, [this](const QString& text) { report.Add(text); }),
         core{module, main, report, choice, editors, box, files, events, controller} {}
 
   /// Reads the definitions that `module` names and configures the channel.

@@ -298,7 +298,8 @@ class Installation {
   QString CompareState(const QString& what) {
     Module1& module = pc_.module;
     if (!pc_.Rests() || line_.IsOpen()) return what + u": not at rest"_s;
-    if (pc_.main.versions.Position() != plant_.version || pc_.main.plants.Position() != plant_.plant) {
+    if (pc_.module.VersionList.Position() != plant_.version ||
+        pc_.module.PlantTypeList.Position() != plant_.plant) {
       return what + u": selections"_s;
     }
     const PlantVersion& version = plant_.Selected();

@@ -5,11 +5,10 @@
 #include <QStringList>
 #include <functional>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
+#include "core/Forms.h"
 #include "platform/Events.h"
 #include "platform/MessageBox.h"
-#include "platform/plain/PlainListBox.h"
 #include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::test {
@@ -37,16 +36,12 @@ class FakeTree final : public platform::PlainTreeView {
 
 class FakeMainForm final : public MainForm {
  public:
-  platform::PlainListBox versions;
-  platform::PlainListBox plants;
   FakeTree tree;
   bool plantSelectorVisible = true;
   bool enabled = true;
   QString state;
   int shownAgain = 0;
 
-  [[nodiscard]] platform::ListBox& ComboVN() override { return versions; }
-  [[nodiscard]] platform::ListBox& ComboArt() override { return plants; }
   [[nodiscard]] platform::TreeView& Tree() override { return tree; }
   void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible = visible; }
   void SetEnabled(bool on) override { enabled = on; }

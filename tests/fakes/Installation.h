@@ -73,7 +73,7 @@ class Installation : public FarEnd {
   FakeEvents events;
   TH timers{clock};
   COM_T_frm host{module, line, timers};
-  COM_A controller{module, host, main, report};
+  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
   Core core{module, main, report, choice, editors, box, files, events, controller};
 
   explicit Installation(const QString& version = u"AB1-123.4"_s, const sim::LineOptions& options = {})
@@ -117,8 +117,8 @@ class Installation : public FarEnd {
   void StartEmpty() {
     module.Versionen.resize(2);
     module.Versionen[1].Kennung = u"WR"_s;
-    main.versions.Add(u"AB1-123.4"_s);
-    main.versions.Select(0);
+    module.VersionList.Add(u"AB1-123.4"_s);
+    module.VersionList.Select(0);
     controller.Configure(kSlot, kSettings9600);
     report.Add(u"Start"_s);
   }

@@ -4,7 +4,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
-#include "contract/ListBoxContract.h"
+#include "contract/SelectionListContract.h"
 #include "contract/TreeViewContract.h"
 #include "platform/qt/FixedFont.h"
 #include "platform/qt/QtListBox.h"
@@ -20,7 +20,7 @@ const platform::EventGuard kRun = [](const std::function<void()>& handler) { han
 
 struct QtListBoxHarness {
   QtListBoxHarness() { widget.show(); }
-  platform::ListBox& List() { return list; }
+  SelectionList& List() { return list; }
 
   // With the keyboard from the first entry downwards would pass the others, so by the entry itself.
   void UserSelects(int position) {
@@ -31,10 +31,11 @@ struct QtListBoxHarness {
   }
 
   platform::DropDownList widget;
-  platform::QtListBox list{widget, kRun};
+  SelectionList list;
+  platform::QtListBox box{widget, list, kRun};
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Qt, ListBoxContract, QtListBoxHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, SelectionListContract, QtListBoxHarness);
 
 struct QtTreeViewHarness {
   QtTreeViewHarness() {
@@ -98,10 +99,11 @@ class QtListBoxTest : public testing::Test {
 
   platform::DropDownList widget;
   int guarded = 0;
-  platform::QtListBox list{widget, [this](const std::function<void()>& handler) {
-                             ++guarded;
-                             handler();
-                           }};
+  SelectionList list;
+  platform::QtListBox box{widget, list, [this](const std::function<void()>& handler) {
+                            ++guarded;
+                            handler();
+                          }};
   int changes = 0;
 };
 

@@ -512,12 +512,12 @@ TEST_F(EditorsTest, AnotherVersionOrPlantTypeClosesTheEditors) {
   Start();
   Open(u"sK 1"_s);
   Open(u"sK 3"_s);
-  desktop->main.ComboVN().Select(1);
+  desktop->module.VersionList.Select(1);
   EXPECT_FALSE(Number().isVisible());
   EXPECT_FALSE(Text().isVisible());
   EXPECT_EQ(desktop->module.TreeUpdating, kFalse);
   Open(u"sK 1"_s);
-  desktop->main.ComboArt().Select(1);
+  desktop->module.PlantTypeList.Select(1);
   EXPECT_FALSE(Number().isVisible());
 }
 

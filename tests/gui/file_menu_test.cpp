@@ -122,7 +122,7 @@ TEST_F(FileMenuTest, AFileOfAnotherVersionIsAskedForWithTheWindowDisabled) {
   };
   Choose(u"mnuFileOpen"_s);
   EXPECT_TRUE(disabled);
-  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"AB1-012.0"_s);
+  EXPECT_EQ(desktop->module.VersionList.SelectedText(), u"AB1-012.0"_s);
   EXPECT_TRUE(Tree().Text(Node(u"sK 8"_s)).contains(u"99"_s));
   ExpectReady();
 }
@@ -142,7 +142,7 @@ TEST_F(FileMenuTest, TheFocusComesBackWhateverTheAnswerIs) {
     EXPECT_EQ(desktop->main.focusWidget(), &TreeWidget()) << answer.toStdString();
     ExpectReady();
   }
-  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"AB1-012.0"_s);
+  EXPECT_EQ(desktop->module.VersionList.SelectedText(), u"AB1-012.0"_s);
 }
 
 TEST_F(FileMenuTest, AFileOnTheCommandLineIsOpenedAsByTheMenu) {

@@ -418,15 +418,6 @@ TEST_F(MainWindowTest, IsNotClosedWhileBusy) {
   EXPECT_TRUE(desktop->main.close());
 }
 
-TEST_F(MainWindowTest, IsNotClosedWhileSomethingElseForbidsIt) {
-  Start();
-  bool may = false;
-  desktop->main.MayClose = [&may] { return may; };
-  EXPECT_FALSE(desktop->main.close());
-  may = true;
-  EXPECT_TRUE(desktop->main.close());
-}
-
 TEST_F(MainWindowTest, TheEndOfTheSessionAsksToStopAndClosesAfterwards) {
   Start();
   ToBusy(desktop->core);
@@ -483,11 +474,11 @@ TEST_F(MainWindowTest, ALongFileNameDoesNotWidenTheWindow) {
 
 TEST_F(MainWindowTest, AVersionWithoutPlantTypesHidesTheirList) {
   Start();
-  desktop->main.ComboVN().Select(2);
-  EXPECT_EQ(desktop->main.ComboArt().Count(), 1);
+  desktop->module.VersionList.Select(2);
+  EXPECT_EQ(desktop->module.PlantTypeList.Count(), 1);
   EXPECT_FALSE(Main<QWidget>(u"Frame2"_s).isVisible());
-  EXPECT_FALSE(desktop->main.PlantSelectorVisible());
-  desktop->main.ComboVN().Select(0);
+  EXPECT_FALSE(desktop->module.PlantTypeOffered);
+  desktop->module.VersionList.Select(0);
   EXPECT_TRUE(Main<QWidget>(u"ComboArt"_s).isVisible());
 }
 

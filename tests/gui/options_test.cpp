@@ -200,7 +200,7 @@ TEST_F(OptionsTest, ABrowsedFileIsReadOnce) {
   EXPECT_EQ(dialogs.shown[0].filter, u"Alle Dateien (*.*)|*.*"_s);
   EXPECT_EQ(Path().text(), u"/neu/T.INI"_s);
   Click(desktop->options, u"cmdApply"_s);
-  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"XY1-100.0"_s);
+  EXPECT_EQ(desktop->module.VersionList.SelectedText(), u"XY1-100.0"_s);
   files.reads.clear();
   Click(desktop->options, u"cmdApply"_s);
   EXPECT_TRUE(files.reads.isEmpty());
@@ -255,7 +255,7 @@ TEST_F(OptionsTest, AMissingTableIsSaidAndEmptiesTheListOfVersions) {
   ASSERT_EQ(boxes.size(), 1U);
   EXPECT_TRUE(boxes[0].text.startsWith(u"Fehler beim Lesen von\r\n/fehlt/T.INI\r\n"_s))
       << boxes[0].text.toStdString();
-  EXPECT_EQ(desktop->main.ComboVN().Count(), 0);
+  EXPECT_EQ(desktop->module.VersionList.Count(), 0);
   EXPECT_EQ(desktop->module.Inipath, u"/fehlt/"_s);
   EXPECT_FALSE(desktop->options.isVisible());
   ExpectReady();

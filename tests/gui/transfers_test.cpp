@@ -92,7 +92,7 @@ TEST_F(TransfersTest, ReceiveFollowsAKnownVersion) {
   SetWord(0x1F60, 42);
   Toggle(u"sK 4"_s);
   Press(u"CommandEmpfangen"_s);
-  EXPECT_EQ(desktop->main.ComboVN().SelectedText(), u"AB1-012.0"_s);
+  EXPECT_EQ(desktop->module.VersionList.SelectedText(), u"AB1-012.0"_s);
   EXPECT_EQ(ReportLines().last(), u"Empfangen beendet"_s);
   EXPECT_EQ(desktop->module.Par[8].Wert, 42);
   EXPECT_TRUE(Tree().Checked(Node(u"sK 4"_s))) << "all are checked again";
@@ -103,7 +103,7 @@ TEST_F(TransfersTest, ReceiveFollowsThePlantType) {
   Start();
   SetWord(0x1E00, 1);
   Press(u"CommandEmpfangen"_s);
-  EXPECT_EQ(desktop->main.ComboArt().SelectedText(), u"A"_s);
+  EXPECT_EQ(desktop->module.PlantTypeList.SelectedText(), u"A"_s);
   EXPECT_EQ(desktop->module.Par[0].Wert, 1);
   EXPECT_EQ(ReportLines().last(), u"Empfangen beendet"_s);
 }
@@ -133,13 +133,13 @@ TEST_F(TransfersTest, AbortWorksAfterASwitchOfVersionAndPlantType) {
   SetWord(0x1E00, 2);
   far->faults.Add({{.kind = sim::FaultKind::Late, .delay_ms = 300, .code = {}}, 1, std::nullopt});
   events.onPending = [this] {
-    if (desktop->main.ComboArt().Position() == 2 && ReportText().count(u'.') > 4) {
+    if (desktop->module.PlantTypeList.Position() == 2 && ReportText().count(u'.') > 4) {
       EXPECT_TRUE(In<QPushButton>(desktop->reportDialog, u"Command_Abbruch"_s).isEnabled());
       Click(desktop->reportDialog, u"Command_Abbruch"_s);
     }
   };
   Press(u"CommandEmpfangen"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 1);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 1);
   EXPECT_EQ(ReportLines().last(), u"Empfangen abgebrochen"_s);
   ExpectReady();
 }
@@ -200,7 +200,7 @@ TEST_F(TransfersTest, CompareRefusesAnotherVersion) {
   Press(u"CommandVergleichen"_s);
   EXPECT_EQ(ReportLines().join(u'|'),
             u"Vergleichen..|Andere ReglerVersion: AB1-012.0|Vergleich abgebrochen"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 0);
 }
 
 TEST_F(TransfersTest, SendWritesTheCheckedValues) {
@@ -236,7 +236,7 @@ TEST_F(TransfersTest, SendWithAnotherVersionCanBeGivenUp) {
   EXPECT_EQ(first, u"PC     (Senden Abbrechen)  : AB1-123.4"_s);
   EXPECT_EQ(second, u"Regler (Werte neu Einlesen): AB1-012.0"_s);
   EXPECT_EQ(ReportLines().last(), u"Senden abgebrochen"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 0);
   EXPECT_EQ(WritesSent(), 0);
   ExpectReady();
 }
@@ -247,7 +247,7 @@ TEST_F(TransfersTest, SendWithAnotherVersionCanTakeOverTheControllers) {
   SetWord(0x1F60, 42);
   Answer(u"Button2"_s);
   Press(u"CommandSenden"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 1);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 1);
   EXPECT_EQ(files.reads.count(kFolder + u"/ZWEI.TXT"_s), 4);
   EXPECT_EQ(desktop->module.Par[8].Wert, 42);
   EXPECT_EQ(ReportLines().last(), u"Senden abgebrochen"_s);
@@ -258,7 +258,7 @@ TEST_F(TransfersTest, SendWithAnotherVersionCanTakeOverTheControllers) {
 TEST_F(TransfersTest, SendWithAnotherPlantTypeCanKeepThePcs) {
   Start();
   SetWord(0x1E00, 2);
-  desktop->main.ComboArt().Select(1);
+  desktop->module.PlantTypeList.Select(1);
   Answer(u"Button1"_s);
   Press(u"CommandSenden"_s);
   EXPECT_EQ(
@@ -275,10 +275,10 @@ TEST_F(TransfersTest, SendWithAnotherPlantTypeCanTakeOverTheControllers) {
   Start();
   SetWord(0x1E00, 2);
   SetWord(0x1F00, 2000);
-  desktop->main.ComboArt().Select(1);
+  desktop->module.PlantTypeList.Select(1);
   Answer(u"Button2"_s);
   Press(u"CommandSenden"_s);
-  EXPECT_EQ(desktop->main.ComboArt().Position(), 2);
+  EXPECT_EQ(desktop->module.PlantTypeList.Position(), 2);
   EXPECT_EQ(desktop->module.Par[1].Wert, 2000);
   EXPECT_EQ(ReportLines().last(), u"Senden abgebrochen"_s);
   EXPECT_EQ(WritesSent(), 0);
@@ -330,7 +330,7 @@ TEST_F(SessionEndTest, TheQuestionForTheVersionIsGivenUp) {
   EndSessionInQuestion();
   Press(u"CommandSenden"_s);
   EXPECT_EQ(ReportLines().join(u'|'), u"Senden..|Senden abgebrochen"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 0);
   ExpectEnded();
 }
 
@@ -338,11 +338,11 @@ TEST_F(SessionEndTest, TheQuestionForThePlantTypeIsGivenUp) {
   Start();
   SetWord(0x1E00, 2);
   SetWord(0x1F00, 2000);
-  desktop->main.ComboArt().Select(1);
+  desktop->module.PlantTypeList.Select(1);
   EndSessionInQuestion();
   Press(u"CommandSenden"_s);
   EXPECT_EQ(ReportLines().join(u'|'), u"Senden..|Senden abgebrochen"_s);
-  EXPECT_EQ(desktop->main.ComboArt().Position(), 1);
+  EXPECT_EQ(desktop->module.PlantTypeList.Position(), 1);
   EXPECT_EQ(desktop->module.Par[1].Wert, 1500) << "nothing is received";
   ExpectEnded();
 }
@@ -363,7 +363,7 @@ TEST_F(SessionEndTest, TheQuestionForTheFilesVersionIsGivenUp) {
       ComposeRecord(2, {}, u"AB1-012.0"_s, {}) + ComposeRecord(99, {}, u"n"_s, u"int"_s);
   EndSessionInQuestion();
   desktop->OpenFile(u"/werte/x.qpf"_s);
-  EXPECT_EQ(desktop->main.ComboVN().Position(), 0);
+  EXPECT_EQ(desktop->module.VersionList.Position(), 0);
   EXPECT_EQ(desktop->module.Par[1].Wert, 1500) << "nothing is read";
   ExpectEnded();
 }

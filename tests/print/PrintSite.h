@@ -13,17 +13,16 @@ using print::kPortrait;
 
 struct PrintSite : Installation {
   FakePrinter printer;
-  bool plantSelector = true;
   QString path = u"C:\\Daten\\test.qpf"_s;
   QDate today{2026, 11, 21};
   QLocale language{QLocale::German};
 
   PrintSite() {
-    main.versions.Add(u"AB1-123.4"_s);
-    main.versions.Select(0);
-    main.plants.Add(QString());
-    main.plants.Add(u"Luft"_s);
-    main.plants.Select(0);
+    module.VersionList.Add(u"AB1-123.4"_s);
+    module.VersionList.Select(0);
+    module.PlantTypeList.Add(QString());
+    module.PlantTypeList.Add(u"Luft"_s);
+    module.PlantTypeList.Select(0);
   }
 
   /// Appends `count` checked parameters of a group.
@@ -42,13 +41,11 @@ struct PrintSite : Installation {
   }
 
   [[nodiscard]] print::PrintWorld World() {
-    return {
-        core,    printer, [this] { return plantSelector; }, [this] { return path; }, [this] { return today; },
-        language};
+    return {core, printer, [this] { return path; }, [this] { return today; }, language};
   }
 
   [[nodiscard]] print::PrintInput Input(int orientation = kPortrait) const {
-    return {plantSelector, path, today, orientation, language};
+    return {path, today, orientation, language};
   }
 };
 

@@ -54,9 +54,7 @@ struct RealPrinterSite : PrintSite {
   platform::QtPrinter printer;
 
   [[nodiscard]] print::PrintWorld World() {
-    return {
-        core,    printer, [this] { return plantSelector; }, [this] { return path; }, [this] { return today; },
-        language};
+    return {core, printer, [this] { return path; }, [this] { return today; }, language};
   }
 };
 

@@ -25,7 +25,7 @@ TEST(PagesText, WritesHeaderLinesAndFooterOfEachPage) {
 TEST(PagesText, LandscapeHasTheColumns) {
   PrintSite site;
   site.Add(u"Antrieb"_s);
-  site.plantSelector = false;
+  site.module.PlantTypeOffered = false;
   const QStringList lines = PagesText(site.core, site.Input(kLandscape)).split(u'\n');
   EXPECT_EQ(lines[1], u"AB1-123.4"_s);
   EXPECT_EQ(lines[2].size(), 104);

@@ -66,10 +66,10 @@ TEST(Preview, StartingAgainTakesThePresentParameters) {
 
 TEST(Preview, HeaderNamesVersionAndPlantType) {
   PreviewSite site;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   site.pages.Initialize_fPP();
   EXPECT_EQ(site.pages.Header(), u"AB1-123.4 Anlagenart: Luft"_s);
-  site.plantSelector = false;
+  site.module.PlantTypeOffered = false;
   site.pages.DoLayout();
   EXPECT_EQ(site.pages.Header(), u"AB1-123.4"_s);
 }
@@ -77,7 +77,7 @@ TEST(Preview, HeaderNamesVersionAndPlantType) {
 TEST(Preview, ListsThePlantTypeOnly) {
   PreviewSite site(4);
   site.module.Par[2].Zusatz = u"Luft"_s;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   site.pages.Initialize_fPP();
   EXPECT_EQ(site.pages.Keys(), (QStringList{u"R"_s, u"sK 2"_s}));
 }

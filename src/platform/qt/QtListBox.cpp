@@ -4,8 +4,6 @@
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
-#include "platform/RuntimeError.h"
-
 namespace kalivor::platform {
 
 void DropDownList::wheelEvent(QWheelEvent* event) {
@@ -16,53 +14,33 @@ void DropDownList::wheelEvent(QWheelEvent* event) {
   }
 }
 
-QtListBox::QtListBox(QComboBox& widget, EventGuard guard) : widget_(widget), guard_(std::move(guard)) {
+QtListBox::QtListBox(QComboBox& widget, SelectionList& list, EventGuard guard)
+    : widget_(widget), list_(list), guard_(std::move(guard)) {
   QObject::connect(&widget_, &QComboBox::currentIndexChanged, &widget_,
                    [this](int position) { UserSelected(position); });
+  list_.OnShow = [this] { Show(); };
+  Show();
 }
 
-void QtListBox::Clear() {
+QtListBox::~QtListBox() {
+  list_.OnShow = nullptr;
+}
+
+// A list is only ever cleared or appended to. The widget selects the first entry that it gets by itself.
+void QtListBox::Show() {
   const QSignalBlocker silent(widget_);
-  widget_.clear();
-  position_ = -1;
-}
-
-void QtListBox::Add(const QString& text) {
-  const QSignalBlocker silent(widget_);
-  widget_.addItem(text);
-  // The widget selects the first entry that it gets by itself.
-  ShowPosition();
-}
-
-int QtListBox::Count() const {
-  return widget_.count();
-}
-
-QString QtListBox::Text(int position) const {
-  return widget_.itemText(position);
-}
-
-void QtListBox::Select(int position) {
-  if (position < 0 || position >= Count()) throw RuntimeError(RuntimeError::Kind::InvalidSelection);
-  if (position == position_) return;
-  position_ = position;
-  ShowPosition();
-  if (OnChange) OnChange();
+  if (list_.Count() < widget_.count()) widget_.clear();
+  while (widget_.count() < list_.Count())
+    widget_.addItem(list_.Text(widget_.count()));
+  widget_.setCurrentIndex(list_.Position());
 }
 
 void QtListBox::UserSelected(int position) {
-  if (position == position_) return;
-  if (!widget_.isEnabled() || position < 0) {
-    ShowPosition();
-    return;
+  if (widget_.isEnabled() && position >= 0) {
+    guard_([this, position] { list_.Select(position); });
+  } else {
+    Show();
   }
-  position_ = position;
-  if (OnChange) guard_([this] { OnChange(); });
-}
-
-void QtListBox::ShowPosition() {
-  const QSignalBlocker silent(widget_);
-  widget_.setCurrentIndex(position_);
 }
 
 }  // namespace kalivor::platform

@@ -3,7 +3,7 @@
 
 #include <QComboBox>
 
-#include "platform/ListBox.h"
+#include "base/SelectionList.h"
 #include "platform/qt/EventGuard.h"
 
 namespace kalivor::platform {
@@ -18,26 +18,23 @@ class DropDownList final : public QComboBox {
   void wheelEvent(QWheelEvent* event) override;
 };
 
-class QtListBox final : public ListBox {
+/// Shows a list in the widget, and selects in it what the user selects there.
+class QtListBox {
  public:
-  /// `widget` must outlive the adapter and be changed by nobody else. `guard` runs OnChange after a change by
-  /// the user.
-  QtListBox(QComboBox& widget, EventGuard guard);
-
-  void Clear() override;
-  void Add(const QString& text) override;
-  [[nodiscard]] int Count() const override;
-  [[nodiscard]] QString Text(int position) const override;
-  [[nodiscard]] int Position() const override { return position_; }
-  void Select(int position) override;
+  /// `widget` and `list` must outlive the adapter, and nobody else may change the widget. `guard` runs the
+  /// list's handler after a change by the user.
+  QtListBox(QComboBox& widget, SelectionList& list, EventGuard guard);
+  ~QtListBox();
+  QtListBox(const QtListBox&) = delete;
+  QtListBox& operator=(const QtListBox&) = delete;
 
  private:
+  void Show();
   void UserSelected(int position);
-  void ShowPosition();
 
   QComboBox& widget_;
+  SelectionList& list_;
   EventGuard guard_;
-  int position_ = -1;  // the widget's own is its display only
 };
 
 }  // namespace kalivor::platform

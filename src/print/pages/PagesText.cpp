@@ -33,11 +33,7 @@ class TextPages final : public PreviewPages {
 }  // namespace
 
 PrintWorld WorldOf(Core& core, platform::Printer& printer, const PrintInput& input) {
-  return {core,
-          printer,
-          [visible = input.plantSelectorVisible] { return visible; },
-          [path = input.statusPath] { return path; },
-          [date = input.date] { return date; },
+  return {core, printer, [path = input.statusPath] { return path; }, [date = input.date] { return date; },
           input.language};
 }
 

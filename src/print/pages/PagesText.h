@@ -12,8 +12,7 @@ namespace kalivor::print {
 
 /// What is printed where there is no window to take it from.
 struct PrintInput {
-  bool plantSelectorVisible = true;  ///< whether the definitions have switched the plant-type selector on
-  QString statusPath;                ///< the path in the footer: the current value file
+  QString statusPath;  ///< the path in the footer: the current value file
   QDate date;
   int orientation = kPortrait;
   QLocale language = SystemLanguage();  ///< of the date

@@ -28,7 +28,8 @@ void PreviewPages::MakeTree() {
   const Updating updating(world_.core.module);
   const auto show = qScopeGuard([this] { Changed(); });
   firstLine_ = 1;
-  list_.Make(world_.core.module, world_.core.main.ComboArt().SelectedText(), world_.printer.Orientation());
+  list_.Make(world_.core.module, world_.core.module.PlantTypeList.SelectedText(),
+             world_.printer.Orientation());
   MaxPage = list_.MaxPage;
 }
 
@@ -66,9 +67,9 @@ void PreviewPages::DoLayout() {
   footer_ = FittedFooter(DateText(world_.today(), world_.language), panelText_, world_.statusPath(),
                          layout_.FooterRoom(),
                          [size_pt](const QString& text) { return TextWidth_cm(text.size(), size_pt); });
-  MainForm& main = world_.core.main;
-  header_ = HeaderText(main.ComboVN().SelectedText(), world_.plantSelectorVisible(),
-                       main.ComboArt().SelectedText());
+  const Module1& module = world_.core.module;
+  header_ = HeaderText(module.VersionList.SelectedText(), module.PlantTypeOffered,
+                       module.PlantTypeList.SelectedText());
   ShowPageText();
 }
 

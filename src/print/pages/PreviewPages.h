@@ -18,8 +18,7 @@ namespace kalivor::print {
 struct PrintWorld {
   Core& core;
   platform::Printer& printer;
-  std::function<bool()> plantSelectorVisible;  ///< whether the main window's selector is switched on
-  std::function<QString()> statusPath;         ///< panel 2 of the main window's status bar
+  std::function<QString()> statusPath;  ///< panel 2 of the main window's status bar
   std::function<QDate()> today;
   QLocale language = SystemLanguage();  ///< of the date
 };

@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <functional>
 
-#include "base/Forms.h"
+#include "core/Forms.h"
 
 namespace kalivor::ui {
 

@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <functional>
 
-#include "base/Forms.h"
+#include "core/Forms.h"
 
 namespace kalivor::ui {
 

@@ -5,8 +5,8 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "base/Forms.h"
 #include "base/Module1.h"
+#include "core/Forms.h"
 
 namespace kalivor::ui {
 

@@ -13,14 +13,14 @@ namespace kalivor::ui {
 Desktop::Desktop(const World& theWorld, const RunSettings& run)
     : world(theWorld),
       guard([this](const std::function<void()>& handler) { RunHandler(world.box, handler); }),
-      main(guard),
+      main(module, guard),
       editors(module),
       auswahl(module),
       achtung(module),
       timers(world.clock),
       host(module, world.line, timers),
       report(module, reportDialog, world.events, timers),
-      controller(module, host, main, report),
+      controller(module, module, host, [this](const QString& text) { report.Add(text); }),
       core{module, main, report, auswahl, editors, world.box, world.files, world.events, controller},
       files{core, world.dialogs, [this](const QString& path) { main.ShowFile(path); }} {
   main.AddCompanion(editors.number, true);

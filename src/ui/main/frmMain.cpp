@@ -71,15 +71,16 @@ double Dpi(const QWidget& widget) {
 
 }  // namespace
 
-frmMain::frmMain(const platform::EventGuard& guard)
+frmMain::frmMain(Module1& module, const platform::EventGuard& guard)
     : imlToolbarIcons(CommandIcons()),
+      module_(module),
       guard_(guard),
       body_(Named(new QWidget(this), u"body"_s)),
       comboVN_(NewList(u"ComboVN"_s, u"Versionsnummer"_s, u"Versionsnummer"_s)),
       comboArt_(NewList(u"ComboArt"_s, u"Anlageart"_s, u"Art"_s)),
       tree_(Named(new platform::NodeTree(body_), u"TreeView"_s)),
-      versions_(*comboVN_, guard),
-      plants_(*comboArt_, guard),
+      versions_(*comboVN_, module.VersionList, guard),
+      plants_(*comboArt_, module.PlantTypeList, guard),
       nodes_(*tree_, guard) {
   setObjectName(u"frmMain"_s);
   setWindowTitle(u"KALIVOR"_s);
@@ -155,7 +156,6 @@ std::vector<QPushButton*> frmMain::Buttons() const {
 }
 
 void frmMain::Connect(Core& core) {
-  module_ = &core.module;
   ConnectHandlers(core);
   const auto connectButton = [this, &core](QPushButton* button, auto command) {
     connect(button, &QPushButton::clicked, this,
@@ -279,7 +279,6 @@ void frmMain::ShowFile(const QString& path) {
 }
 
 void frmMain::SetPlantSelectorVisible(bool visible) {
-  plantSelectorVisible_ = visible;
   frame2_->setVisible(visible);
 }
 
@@ -307,21 +306,20 @@ void frmMain::ShowAgain() {
 
 void frmMain::EndSession() {
   closeWhenReady_ = true;
-  if (module_ != nullptr) module_->SessionEnds = true;
+  module_.SessionEnds = true;
   // Message boxes and file dialogs wait for a user as well.
   while (QWidget* box = QApplication::activeModalWidget()) {
     if (!box->close()) break;
   }
   if (isEnabled()) {
     close();
-  } else if (module_ != nullptr) {
-    module_->Abbruch = kTrue;
+  } else {
+    module_.Abbruch = kTrue;
   }
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-  const bool busy = !isEnabled() || (module_ != nullptr && module_->BusyDepth > 0);
-  if (busy || (MayClose && !MayClose())) {
+  if (!isEnabled() || module_.BusyDepth > 0) {
     event->ignore();
     return;
   }

@@ -20,8 +20,8 @@ namespace kalivor::ui {
 
 class frmMain final : public QMainWindow, public MainForm {
  public:
-  /// `guard` runs what the user sets off; it must outlive the window.
-  explicit frmMain(const platform::EventGuard& guard);
+  /// Shows the lists of `module`. `guard` runs what the user sets off. Both must outlive the window.
+  frmMain(Module1& module, const platform::EventGuard& guard);
   ~frmMain() override;
   frmMain(const frmMain&) = delete;
   frmMain& operator=(const frmMain&) = delete;
@@ -45,9 +45,6 @@ class frmMain final : public QMainWindow, public MainForm {
   /// Panel 2 of the status bar: the current value file.
   void ShowFile(const QString& path);
 
-  /// Lets the window be closed. It refuses as long as this returns false, and while it is disabled.
-  std::function<bool()> MayClose;
-
   /// Runs once when the window closes, after its companions have.
   std::function<void()> OnUnload;
 
@@ -59,11 +56,8 @@ class frmMain final : public QMainWindow, public MainForm {
   const std::array<QIcon, 3> imlToolbarIcons;
 
   // MainForm
-  [[nodiscard]] platform::ListBox& ComboVN() override { return versions_; }
-  [[nodiscard]] platform::ListBox& ComboArt() override { return plants_; }
   [[nodiscard]] platform::TreeView& Tree() override { return nodes_; }
   void SetPlantSelectorVisible(bool visible) override;
-  [[nodiscard]] bool PlantSelectorVisible() const { return plantSelectorVisible_; }
   void SetEnabled(bool enabled) override;
   void ShowState(const QString& text) override;
   void ShowAgain() override;
@@ -101,9 +95,9 @@ class frmMain final : public QMainWindow, public MainForm {
   void ArrangeButtons(int top, int height);
   [[nodiscard]] std::vector<QPushButton*> Buttons() const;
 
+  Module1& module_;
   const platform::EventGuard& guard_;
   MenuActions menuActions_;
-  Module1* module_ = nullptr;
 
   QWidget* body_;
   QGroupBox* frame1_ = nullptr;
@@ -124,7 +118,6 @@ class frmMain final : public QMainWindow, public MainForm {
 
   std::vector<Companion> companions_;
   QPointer<QWidget> focusBeforeBusy_;
-  bool plantSelectorVisible_ = true;
   bool closeWhenReady_ = false;
   bool arranging_ = false;
 };

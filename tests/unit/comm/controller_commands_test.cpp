@@ -26,9 +26,9 @@ class ControllerCommands : public testing::Test {
     channel.module.Versionen.resize(4);
     channel.module.Versionen[1].Kennung = u"WR"_s;
     channel.module.Versionen[2].Kennung = u"sl"_s;
-    main.versions.Add(u"AB1-123.4"_s);
-    main.versions.Add(u"AB1-200.0"_s);
-    main.versions.Select(0);
+    channel.module.VersionList.Add(u"AB1-123.4"_s);
+    channel.module.VersionList.Add(u"AB1-200.0"_s);
+    channel.module.VersionList.Select(0);
   }
 
   [[nodiscard]] QStringList SettingsOfRequests() const {
@@ -42,7 +42,8 @@ class ControllerCommands : public testing::Test {
   test::FakeSerialControl& line = channel.line;
   test::FakeMainForm main;
   test::FakeReportForm report;
-  COM_A commands{channel.module, channel.host, main, report};
+  COM_A commands{channel.module, channel.module, channel.host,
+                 [this](const QString& text) { report.Add(text); }};
 };
 
 // The version.
@@ -363,7 +364,7 @@ TEST_F(ControllerCommands, AShorterAddressIsSentAsItIs) {
 }
 
 TEST_F(ControllerCommands, TheLettersBelongToTheSelectedVersion) {
-  main.versions.Select(1);
+  channel.module.VersionList.Select(1);
   qint16 word = 0;
   qint32 number = 0;
   line.Expect(Request("l1F00")).Reply(Answer("0001"));
@@ -376,7 +377,7 @@ TEST_F(ControllerCommands, TheLettersBelongToTheSelectedVersion) {
 
 // Row 0 of the table is an empty record, whose letters are blanks.
 TEST_F(ControllerCommands, WithoutASelectedVersionTheLettersAreBlanks) {
-  main.versions.Clear();
+  channel.module.VersionList.Clear();
   qint16 word = 0;
   line.Expect(Request(" 1F00")).Reply(Answer("0001"));
   EXPECT_TRUE(commands.ReadInt(1, word, u"1F00"_s));

@@ -47,7 +47,7 @@ TEST(CompareCommand, RefusesAnotherKnownVersion) {
   Site site(u"AB1-124.0"_s);
   EXPECT_FALSE(CommandVergleichen_Click(site.core).transferred);
   EXPECT_EQ(site.Report(), u"Vergleichen.. | Andere ReglerVersion: AB1-124.0 | "_s + kAborted);
-  EXPECT_EQ(site.main.versions.Position(), 0);
+  EXPECT_EQ(site.module.VersionList.Position(), 0);
   EXPECT_EQ(site.Requests(), QStringList{u"v00"_s});
   EXPECT_TRUE(site.Rests());
 }
@@ -72,7 +72,7 @@ TEST(CompareCommand, AnotherPlantTypeIsTakenOverAndComparedWithTheStandards) {
   site.module.Par[1].Wert = 7;
   site.module.ParNode[1] = kFalse;
   EXPECT_EQ(CommandVergleichen_Click(site.core).walk.deviations, 0);
-  EXPECT_EQ(site.main.plants.Position(), 1);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 1);
   EXPECT_EQ(site.module.Par[1].Wert, 1500) << "the change of the plant type discards edited values";
   EXPECT_EQ(site.module.ParNode[1], kTrue);
   EXPECT_EQ(site.Report(), u"Vergleichen...... | "_s + kDone);

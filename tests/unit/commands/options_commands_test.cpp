@@ -75,7 +75,7 @@ TEST_F(Options, AChangedPathReadsEverythingAnew) {
   ApplyOptions(pc.core, {0, 1, u"neu/T.INI"_s, true});
   EXPECT_EQ(pc.module.Inipath, u"neu/"_s);
   EXPECT_EQ(pc.module.Inifile, u"T.INI"_s);
-  EXPECT_EQ(pc.main.versions.SelectedText(), u"XY1-100.0"_s);
+  EXPECT_EQ(pc.module.VersionList.SelectedText(), u"XY1-100.0"_s);
 }
 
 TEST_F(Options, BothSeparatorsEndTheFolder) {
@@ -113,8 +113,8 @@ TEST_F(Options, AnEmptyTableLeavesTreeAndPlantListInPlace) {
   pc.files.AddText(u"neu/T.INI"_s, u"Kopf\n"_s);
   const int nodes = pc.main.tree.Count();
   ApplyOptions(pc.core, {0, 1, u"neu/T.INI"_s, true});
-  EXPECT_EQ(pc.main.versions.Count(), 0);
-  EXPECT_EQ(pc.main.plants.Count(), 2);
+  EXPECT_EQ(pc.module.VersionList.Count(), 0);
+  EXPECT_EQ(pc.module.PlantTypeList.Count(), 2);
   EXPECT_EQ(pc.main.tree.Count(), nodes);
   EXPECT_EQ(pc.module.VersionIndex, 1);
   EXPECT_EQ(pc.box.Take().size(), 1U);

@@ -106,7 +106,7 @@ TEST(ReceiveCommand, SwitchesToTheControllersVersion) {
   for (int i = 0; i <= 4; ++i)
     site.module.ParNode[i] = kFalse;
   EXPECT_TRUE(CommandEmpfangen_Click(site.core).transferred);
-  EXPECT_EQ(site.main.versions.Position(), 1);
+  EXPECT_EQ(site.module.VersionList.Position(), 1);
   EXPECT_EQ(site.module.VersionIndex, 2);
   EXPECT_EQ(site.Readings(u"B.TXT"_s), 2);
   EXPECT_EQ(site.module.Par[1].Wert, 0x1122) << "every parameter of it is checked";
@@ -144,9 +144,9 @@ TEST(ReceiveCommand, TakesTheFirstOfTwoEqualVersions) {
   site.AddFiles();
   site.SetVersions({u"AB1-123.4  -  A.TXT  -  WR"_s, u"AB1-123.4  B.ADR  B.TXT  -  WR"_s});
   site.Start();
-  site.main.versions.Select(1);
+  site.module.VersionList.Select(1);
   CommandEmpfangen_Click(site.core);
-  EXPECT_EQ(site.main.versions.Position(), 0);
+  EXPECT_EQ(site.module.VersionList.Position(), 0);
 }
 
 TEST(ReceiveCommand, ASilentControllerEndsIt) {
@@ -179,7 +179,7 @@ TEST(ReceiveCommand, SwitchesToTheControllersPlantType) {
   Site site;
   site.Store(0x2000, {1});
   EXPECT_TRUE(CommandEmpfangen_Click(site.core).transferred);
-  EXPECT_EQ(site.main.plants.Position(), 1);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 1);
   EXPECT_EQ(site.module.Par[0].Wert, 1);
   EXPECT_EQ(site.Readings(u"A.TXT"_s), 2) << "by the list's handler, and once more";
   EXPECT_EQ(site.module.Par[1].Wert, 1234);
@@ -193,7 +193,7 @@ TEST(ReceiveCommand, APlantNumberThatIsTooLargeReceivesNothing) {
   EXPECT_FALSE(CommandEmpfangen_Click(site.core).transferred);
   EXPECT_EQ(site.Report(), u"Empfangen.. | Empfangene Anlagennummer ( 3) zu gross | "_s + kDone);
   EXPECT_EQ(site.module.Par[1].Wert, 1500);
-  EXPECT_EQ(site.main.plants.Position(), 0);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 0);
 }
 
 TEST(ReceiveCommand, APlantNumberEqualToTheCountFailsAtTheSelection) {
@@ -202,7 +202,7 @@ TEST(ReceiveCommand, APlantNumberEqualToTheCountFailsAtTheSelection) {
   EXPECT_EQ(ThrownKind([&] { CommandEmpfangen_Click(site.core); }), RuntimeError::Kind::InvalidSelection);
   EXPECT_EQ(site.Report(), u"Empfangen.. | "_s + kAborted);
   EXPECT_EQ(site.module.Par[0].Wert, 2);
-  EXPECT_EQ(site.main.plants.Position(), 0);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 0);
   EXPECT_TRUE(site.Rests());
 }
 
@@ -234,10 +234,10 @@ TEST(ReceiveCommand, ASinglePlantTypeNeedsNoNumber) {
 TEST(ReceiveCommand, WithoutAnAddressThePlantTypeIsTheFirst) {
   Site site;
   site.module.Par[0].VarAdresse.clear();
-  site.main.plants.OnChange = nullptr;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.OnChange = nullptr;
+  site.module.PlantTypeList.Select(1);
   CommandEmpfangen_Click(site.core);
-  EXPECT_EQ(site.main.plants.Position(), 0);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 0);
 }
 
 // --- abort and errors ---

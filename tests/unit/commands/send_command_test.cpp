@@ -107,7 +107,7 @@ TEST(SendCommand, KeepingThePcsVersionChangesNothing) {
   EXPECT_FALSE(CommandSenden_Click(site.core).transferred);
   EXPECT_EQ(site.Requests(), QStringList{u"v00"_s});
   EXPECT_EQ(site.module.Par, before);
-  EXPECT_EQ(site.main.versions.Position(), 0);
+  EXPECT_EQ(site.module.VersionList.Position(), 0);
   EXPECT_EQ(site.files.reads, QStringList());
   EXPECT_EQ(site.Report(), u"Senden.. | "_s + kAborted);
   EXPECT_TRUE(site.Rests());
@@ -117,7 +117,7 @@ TEST(SendCommand, TakingTheControllersVersionReceivesInsteadOfSending) {
   Site site(u"AB1-124.0"_s);
   site.choice.answers = {2};
   EXPECT_FALSE(CommandSenden_Click(site.core).transferred);
-  EXPECT_EQ(site.main.versions.Position(), 1);
+  EXPECT_EQ(site.module.VersionList.Position(), 1);
   EXPECT_EQ(site.module.VersionIndex, 2);
   EXPECT_EQ(site.Readings(u"B.TXT"_s), 4) << "twice by the list's handler, twice by the rebuild after it";
   EXPECT_EQ(site.Requests(), (QStringList{u"v00"_s, u"R1F06"_s})) << "the plant type is not asked for";
@@ -153,7 +153,7 @@ TEST(SendCommand, AsksWhereThePlantTypesDiffer) {
 
 TEST(SendCommand, ThePcsPlantTypeIsWrittenBeforeTheValues) {
   Site site;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   site.choice.answers = {1};
   EXPECT_TRUE(CommandSenden_Click(site.core).transferred);
   EXPECT_EQ(site.Writes(), QStringList{u"W20000001"_s} + kAllWrites);
@@ -176,7 +176,7 @@ TEST(SendCommand, APlantTypeThatCannotBeWrittenDoesNotStopIt) {
 
 TEST(SendCommand, WithoutAnAddressThePlantTypeIsAskedForButNotWritten) {
   Site site;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   site.module.Par[0].VarAdresse.clear();
   site.choice.answers = {1};
   EXPECT_TRUE(CommandSenden_Click(site.core).transferred);
@@ -188,7 +188,7 @@ TEST(SendCommand, TakingTheControllersPlantTypeReceivesInsteadOfSending) {
   site.Store(0x2000, {1});
   site.choice.answers = {2};
   EXPECT_FALSE(CommandSenden_Click(site.core).transferred);
-  EXPECT_EQ(site.main.plants.Position(), 1);
+  EXPECT_EQ(site.module.PlantTypeList.Position(), 1);
   EXPECT_EQ(site.Readings(u"A.TXT"_s), 2);
   EXPECT_EQ(site.Writes(), QStringList());
   EXPECT_EQ(site.module.Par[1].Wert, 1234);

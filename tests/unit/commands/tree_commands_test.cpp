@@ -115,9 +115,9 @@ TEST(TreeCheck, WithoutChildrenOnlyTheNodeItselfChanges) {
 
 TEST(TreeCheck, WhatThePlantTypeHidesKeepsItsMark) {
   TwoGroups site;
-  site.main.plants.Add(u"Luft"_s);
-  site.main.plants.OnChange = nullptr;
-  site.main.plants.Select(0);
+  site.module.PlantTypeList.Add(u"Luft"_s);
+  site.module.PlantTypeList.OnChange = nullptr;
+  site.module.PlantTypeList.Select(0);
   site.module.Par[3].Zusatz = u"Luft"_s;
   BuildTree(site.core);
   site.tree.UserChecks(site.tree.Find(u"R"_s), false);
@@ -129,7 +129,7 @@ TEST(TreeCheck, AnotherPlantTypeChecksAndCollapsesEverythingAgain) {
   site.StartWithFiles();
   site.main.tree.UserChecks(site.main.tree.Find(u"R"_s), false);
   site.main.tree.UserExpands(site.main.tree.Find(u"K 1"_s));
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   for (int node = 1; node <= site.main.tree.Count(); ++node) {
     EXPECT_TRUE(site.main.tree.Checked(node)) << node;
     EXPECT_EQ(site.main.tree.Expanded(node), node == 1) << node;

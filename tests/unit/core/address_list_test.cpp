@@ -2,6 +2,7 @@
 #include <random>
 
 #include "core/DefinitionFiles.h"
+#include "core/Refresh.h"
 #include "fakes/Installation.h"
 
 namespace kalivor::test {
@@ -15,8 +16,8 @@ struct Listed : Installation {
     module.Inipath = u"ini/"_s;
     module.Versionen.resize(2);
     module.Versionen[1].AdrDatei = u"B.ADR"_s;
-    main.versions.Add(u"V"_s);
-    main.versions.Select(0);
+    module.VersionList.Add(u"V"_s);
+    module.VersionList.Select(0);
   }
 
   ParameterRecord& AddVariable(const QString& name, qint16 offset = 0) {
@@ -27,7 +28,7 @@ struct Listed : Installation {
 
   void Read(const QStringList& lines) {
     SetDefinitions(u"B.ADR"_s, lines);
-    ReadAddressList(core);
+    ReadSelectedAddresses(core);
   }
 
   QStringList Addresses() const {
@@ -38,7 +39,7 @@ struct Listed : Installation {
   }
 };
 
-TEST(SetAddress, AddsTheOffsetOfTheParameter) {
+TEST(ListedAddress, AddsTheOffsetOfTheParameter) {
   struct {
     QString listed;
     qint16 offset;
@@ -51,43 +52,41 @@ TEST(SetAddress, AddsTheOffsetOfTheParameter) {
   for (const auto& example : cases) {
     Listed site;
     site.AddVariable(u"_abc"_s, example.offset);
-    SetAddress(site.module, example.listed, u"_abc"_s);
+    site.Read({u"_abc  "_s + example.listed});
     EXPECT_EQ(site.module.Par[1].VarAdresse, example.address);
   }
 }
 
-TEST(SetAddress, ReachesEveryParameterOfTheNameAndNoOther) {
+TEST(ListedAddress, ReachesEveryParameterOfTheNameAndNoOther) {
   Listed site;
   for (const QString& name : {u"_abc"_s, u"_abd"_s, u"_ABC"_s, u"_abc"_s})
     site.AddVariable(name);
-  SetAddress(site.module, u"1F00"_s, u"_abc"_s);
+  site.Read({u"_abc  1F00"_s});
   EXPECT_EQ(site.Addresses(), (QStringList{u"1F00"_s, u""_s, u""_s, u"1F00"_s}));
 }
 
-TEST(SetAddress, NeverReachesThePlantType) {
+TEST(ListedAddress, NeverReachesThePlantType) {
   Listed site;
   site.module.Par[0].Variable = u"ANL"_s;
-  SetAddress(site.module, u"1F00"_s, u"ANL"_s);
+  site.Read({u"ANL  1F00"_s});
   EXPECT_EQ(site.module.Par[0].VarAdresse, QString());
 }
 
-TEST(SetAddress, ReachesTheFreeSlotBehindTheLastParameter) {
+TEST(ListedAddress, ReachesTheFreeSlotBehindTheLastParameter) {
   Listed site;
   site.AddVariable(u"_abc"_s);
   site.module.Par[2].Variable = site.module.Par[3].Variable = u"_abc"_s;  // of a longer table before
-  SetAddress(site.module, u"1F00"_s, u"_abc"_s);
+  site.Read({u"_abc  1F00"_s});
   EXPECT_EQ(site.module.Par[2].VarAdresse, u"1F00"_s);
   EXPECT_EQ(site.module.Par[3].VarAdresse, QString());
 }
 
-TEST(SetAddress, AFullTableHasNoFreeSlot) {
+TEST(ListedAddress, AFullTableHasNoFreeSlot) {
   Listed site;
   site.module.ParCount = kLastParameter + 1;
   site.module.Par[kLastParameter].Variable = u"_abc"_s;
-  SetAddress(site.module, u"1F00"_s, u"_abc"_s);
+  site.Read({u"_abc  1F00"_s});
   EXPECT_EQ(site.module.Par[kLastParameter].VarAdresse, u"1F00"_s);
-  site.Read({u"_abc  2F00"_s});
-  EXPECT_EQ(site.module.Par[kLastParameter].VarAdresse, u"2F00"_s);
 }
 
 TEST(ReadAddressList, TakesAddressesOfFourOrEightCharacters) {
@@ -122,7 +121,7 @@ TEST(ReadAddressList, IgnoresFurtherColumns) {
 TEST(ReadAddressList, AVersionWithoutAListReadsNothing) {
   Listed site;
   site.module.Versionen[1].AdrDatei = u"-"_s;
-  ReadAddressList(site.core);
+  ReadSelectedAddresses(site.core);
   EXPECT_EQ(site.files.reads, QStringList());
 }
 
@@ -194,11 +193,20 @@ TEST(ReadAddressList, AListThatEndsInAWrappedNameIsReported) {
 TEST(ReadAddressList, AnUnreadableListIsReportedWithoutAdvice) {
   Listed site;
   site.files.AddFailure(u"ini//B.ADR"_s, u"Zugriff verweigert."_s);
-  ReadAddressList(site.core);
+  ReadSelectedAddresses(site.core);
   const auto boxes = site.box.Take();
   ASSERT_EQ(boxes.size(), 1U);
   EXPECT_EQ(boxes[0].text, u"Fehler beim Lesen von\r\nini//B.ADR\r\nZugriff verweigert.\r\n"_s);
   EXPECT_EQ(boxes[0].title, QString());
+}
+
+// The whole table is looked through for one name.
+void SetAddress(Module1& module, const QString& value, const QString& name) {
+  for (int i = 1; i <= std::min<int>(module.ParCount, kLastParameter); ++i) {
+    ParameterRecord& record = module.Par[i];
+    if (record.Variable == name)
+      record.VarAdresse = record.Offset == 0 ? value : AddOffset(value, record.Offset);
+  }
 }
 
 // The same as the reader in its plainest form: every entry looks through the whole table.

@@ -1,5 +1,6 @@
 // Reading the version table and definition files: what they fill, and what the user hears of errors.
 #include "core/DefinitionFiles.h"
+#include "core/Refresh.h"
 
 #include "fakes/Installation.h"
 
@@ -23,12 +24,12 @@ struct Selected : Installation {
     module.Inipath = u"ini/"_s;
     module.Versionen.resize(3);
     module.Versionen[1] = {u"AB1-123.4"_s, addressFile, u"A.TXT"_s, u" "_s, u"WR"_s};
-    main.versions.Add(u"AB1-123.4"_s);
-    main.versions.Select(0);
+    module.VersionList.Add(u"AB1-123.4"_s);
+    module.VersionList.Select(0);
   }
 };
 
-QStringList Entries(const platform::ListBox& list) {
+QStringList Entries(const SelectionList& list) {
   QStringList entries;
   for (int i = 0; i < list.Count(); ++i)
     entries.append(list.Text(i));
@@ -50,7 +51,7 @@ TEST(Paths, TheDefinitionPathHoldsADoubledSeparator) {
     Installation site;
     site.module.Inipath = example.folder;
     EXPECT_EQ(VersionTablePath(site.module), example.table);
-    ReadVersionTable(site.core);
+    ReadVersions(site.core);
     EXPECT_EQ(site.module.Inipath, example.stored) << "the setting itself gets the separator";
     EXPECT_EQ(site.files.reads, QStringList{example.table});
     EXPECT_EQ(DefinitionPath(site.module, u"A.TXT"_s), example.definitions);
@@ -63,7 +64,7 @@ TEST(Paths, TheDefinitionPathHoldsADoubledSeparator) {
 TEST(ReadVersionTable, FillsTheTableAndTheListAndSelectsTheFirst) {
   Installation site;
   site.SetVersions({u"V1  -  A.TXT  Luft  WR"_s, u"V2  B.ADR  B.TXT  Luft Wasser  S"_s});
-  EXPECT_FALSE(ReadVersionTable(site.core)) << "its result is never success";
+  ReadVersions(site.core);
   ASSERT_EQ(site.module.Versionen.size(), 4U);
   EXPECT_EQ(site.module.Versionen[0], VersionRecord());
   EXPECT_EQ(site.module.Versionen[1], (VersionRecord{u"V1"_s, u"-"_s, u"A.TXT"_s, u" Luft"_s, u"WR"_s}));
@@ -71,57 +72,57 @@ TEST(ReadVersionTable, FillsTheTableAndTheListAndSelectsTheFirst) {
             (VersionRecord{u"V2"_s, u"B.ADR"_s, u"B.TXT"_s, u" Luft Wasser"_s, u"S "_s}));
   EXPECT_EQ(site.module.Versionen[3], VersionRecord());
   EXPECT_EQ(site.module.VersionCount, 3);
-  EXPECT_EQ(Entries(site.main.versions), (QStringList{u"V1"_s, u"V2"_s}));
-  EXPECT_EQ(site.main.versions.Position(), 0);
+  EXPECT_EQ(Entries(site.module.VersionList), (QStringList{u"V1"_s, u"V2"_s}));
+  EXPECT_EQ(site.module.VersionList.Position(), 0);
 }
 
 TEST(ReadVersionTable, TheHandlerOfTheSelectionFindsTheWholeTable) {
   Installation site;
   site.SetVersions({u"V1  -  A  L  WR"_s, u"V2  -  B  L  WR"_s});
   int runs = 0;
-  site.main.versions.OnChange = [&] {
+  site.module.VersionList.OnChange = [&] {
     ++runs;
-    EXPECT_EQ(site.main.versions.Count(), 2);
+    EXPECT_EQ(site.module.VersionList.Count(), 2);
     EXPECT_EQ(site.module.VersionCount, 3);
   };
-  (void)ReadVersionTable(site.core);
+  ReadVersions(site.core);
   EXPECT_EQ(runs, 1);
 }
 
 TEST(ReadVersionTable, BlankLinesMakeNoVersions) {
   Installation site;
   site.SetVersions({u""_s, u"V1  -  A  L  WR"_s, u"   "_s, u""_s});
-  (void)ReadVersionTable(site.core);
-  EXPECT_EQ(Entries(site.main.versions), QStringList{u"V1"_s});
+  ReadVersions(site.core);
+  EXPECT_EQ(Entries(site.module.VersionList), QStringList{u"V1"_s});
   EXPECT_EQ(site.module.Versionen.size(), 3U);
 }
 
 TEST(ReadVersionTable, AnUnreadableTableIsReportedAndLeavesTheListEmpty) {
   Installation site;
   site.files.AddFailure(u"ini/VF.INI"_s, u"Zugriff verweigert."_s);
-  EXPECT_FALSE(ReadVersionTable(site.core));
+  ReadVersions(site.core);
   const auto boxes = site.box.Take();
   ASSERT_EQ(boxes.size(), 1U);
   EXPECT_EQ(boxes[0].text, u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert."_s + kTableAdvice);
   EXPECT_EQ(boxes[0].title, QString());
-  EXPECT_EQ(site.main.versions.Count(), 0);
+  EXPECT_EQ(site.module.VersionList.Count(), 0);
   EXPECT_EQ(site.module.VersionCount, 1);
 }
 
 TEST(ReadVersionTable, ATableWithoutVersionsIsReported) {
   Installation site;
   site.SetVersions({});
-  (void)ReadVersionTable(site.core);
+  ReadVersions(site.core);
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Auswahl liegt außerhalb der Liste."_s +
                         kTableAdvice});
-  EXPECT_EQ(site.main.versions.Count(), 0);
+  EXPECT_EQ(site.module.VersionList.Count(), 0);
 }
 
 TEST(ReadVersionTable, AnEmptyTableIsReported) {
   Installation site;
   site.files.AddText(u"ini/VF.INI"_s, QString());
-  (void)ReadVersionTable(site.core);
+  ReadVersions(site.core);
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Datei ist leer."_s + kTableAdvice});
 }
@@ -129,7 +130,7 @@ TEST(ReadVersionTable, AnEmptyTableIsReported) {
 TEST(ReadVersionTable, ATableThatTheCounterCannotHoldIsReported) {
   Installation site;
   site.SetVersions(QStringList(32767, u"V  -  A  L  WR"_s));
-  (void)ReadVersionTable(site.core);
+  ReadVersions(site.core);
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nZahl außerhalb des zulässigen Bereichs."_s +
                         kTableAdvice});
@@ -138,12 +139,12 @@ TEST(ReadVersionTable, ATableThatTheCounterCannotHoldIsReported) {
 TEST(ReadVersionTable, AnErrorOfTheRebuildKeepsTheEntriesAndShowsTheTablesPath) {
   Installation site;
   site.SetVersions({u"V1  -  FEHLT.TXT  L  WR"_s});
-  site.main.versions.OnChange = [&] { ReadDefinitions(site.core); };
-  (void)ReadVersionTable(site.core);
+  site.module.VersionList.OnChange = [&] { ReadSelectedDefinitions(site.core); };
+  ReadVersions(site.core);
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.: ini//FEHLT.TXT"_s +
                         kTableAdvice});
-  EXPECT_EQ(Entries(site.main.versions), QStringList{u"V1"_s});
+  EXPECT_EQ(Entries(site.module.VersionList), QStringList{u"V1"_s});
 }
 
 // --- definition files ---
@@ -151,7 +152,7 @@ TEST(ReadVersionTable, AnErrorOfTheRebuildKeepsTheEntriesAndShowsTheTablesPath) 
 TEST(ReadDefinitions, FillsTheTableInFileOrder) {
   Selected site;
   site.SetDefinitions(u"A.TXT"_s, {Line(u"int"_s, u"1000"_s, u"V1"_s), Line(u"long"_s, u"2000"_s, u"V2"_s)});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.ParCount, 3);
   EXPECT_EQ(site.module.Par[1], ParseDefinition(Line(u"int"_s, u"1000"_s, u"V1"_s), false));
   EXPECT_EQ(site.module.Par[2], ParseDefinition(Line(u"long"_s, u"2000"_s, u"V2"_s), false));
@@ -161,10 +162,10 @@ TEST(ReadDefinitions, FillsTheTableInFileOrder) {
 TEST(ReadDefinitions, UsesTheRowOfTheSelectedVersion) {
   Selected site;
   site.module.Versionen[2] = {u"V2"_s, u"B.ADR"_s, u"B.TXT"_s, u" "_s, u"WR"_s};
-  site.main.versions.Add(u"V2"_s);
-  site.main.versions.Select(1);
+  site.module.VersionList.Add(u"V2"_s);
+  site.module.VersionList.Select(1);
   site.SetDefinitions(u"B.TXT"_s, {Line(u"int"_s, u"abc[3]"_s)});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.Par[1].Offset, 6) << "it has an address list";
   EXPECT_EQ(site.module.Par[1].VarAdresse, QString());
 }
@@ -173,7 +174,7 @@ TEST(ReadDefinitions, ThePlantTypeGoesToElement0) {
   Selected site;
   site.SetDefinitions(u"A.TXT"_s, {Line(), Line(u"int"_s, u"2000"_s, u"ANL1"_s, u"NoRubrik"_s),
                                    Line(u"int"_s, u"2002"_s, u"ANL2"_s, u"NoRubrik"_s), Line()});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.ParCount, 3);
   EXPECT_EQ(site.module.Par[0].Variable, u"ANL2"_s) << "the second one overwrites the first";
   EXPECT_EQ(site.module.Par[0].VarAdresse, u"2002"_s);
@@ -184,7 +185,7 @@ TEST(ReadDefinitions, WithoutAPlantTypeElement0LosesItsAddress) {
   site.module.Par[0].Variable = u"ANL"_s;
   site.module.Par[0].VarAdresse = u"2000"_s;
   site.SetDefinitions(u"A.TXT"_s, {Line()});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.Par[0].Variable, QString());
   EXPECT_EQ(site.module.Par[0].VarAdresse, QString());
 }
@@ -196,7 +197,7 @@ TEST(ReadDefinitions, ValuesStayWithTheirSlot) {
     site.module.Par[i].WertText = QString::number(i);
   }
   site.SetDefinitions(u"A.TXT"_s, {Line(), Line(u"int"_s, u"2000"_s, u"ANL"_s, u"NoRubrik"_s)});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.Par[1].Wert, 101);
   EXPECT_EQ(site.module.Par[1].WertText, u"1"_s);
   // The plant type takes those of the slot that was next.
@@ -210,21 +211,21 @@ TEST(ReadDefinitions, HoldsExactly2000Parameters) {
   lines.append(Line(u"int"_s, u"2000"_s, u"ANL"_s, u"NoRubrik"_s));
   site.module.Par[0].Wert = 7;
   site.SetDefinitions(u"A.TXT"_s, lines);
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.ParCount, 2001);
   EXPECT_EQ(site.module.Par[0].Variable, u"ANL"_s);
   EXPECT_EQ(site.module.Par[0].Wert, 0) << "there is no slot behind the last to take a value from";
 
   lines.append(Line());
   site.SetDefinitions(u"A.TXT"_s, lines);
-  EXPECT_EQ(ThrownKind([&] { ReadDefinitions(site.core); }), Kind::Bounds);
+  EXPECT_EQ(ThrownKind([&] { ReadSelectedDefinitions(site.core); }), Kind::Bounds);
 }
 
 TEST(ReadDefinitions, AnUnreadableFilePassesWithItsPath) {
   Selected site;
   site.files.AddFailure(u"ini//A.TXT"_s, u"Zugriff verweigert."_s);
   try {
-    ReadDefinitions(site.core);
+    ReadSelectedDefinitions(site.core);
     FAIL() << "no error";
   } catch (const RuntimeError& error) {
     EXPECT_EQ(error.GetKind(), Kind::FileError);
@@ -235,7 +236,7 @@ TEST(ReadDefinitions, AnUnreadableFilePassesWithItsPath) {
 TEST(ReadDefinitions, AFaultyLineKeepsWhatWasReadBefore) {
   Selected site;
   site.SetDefinitions(u"A.TXT"_s, {Line(), u"G  N  4294967295  9  5"_s, Line()});
-  EXPECT_EQ(ThrownKind([&] { ReadDefinitions(site.core); }), Kind::Overflow);
+  EXPECT_EQ(ThrownKind([&] { ReadSelectedDefinitions(site.core); }), Kind::Overflow);
   EXPECT_EQ(site.module.ParCount, 2);
 }
 
@@ -255,14 +256,14 @@ TEST(ReadDefinitions, AFaultNamesItsFileAndLine) {
   for (const auto& example : cases) {
     Selected site;
     site.SetDefinitions(u"A.TXT"_s, example.lines);
-    EXPECT_EQ(ThrownText([&] { ReadDefinitions(site.core); }), example.description);
+    EXPECT_EQ(ThrownText([&] { ReadSelectedDefinitions(site.core); }), example.description);
   }
 }
 
 TEST(ReadDefinitions, ACommaMakesTwoRecords) {
   Selected site;
   site.SetDefinitions(u"A.TXT"_s, {u"G  Eins,G  Zwei"_s});
-  ReadDefinitions(site.core);
+  ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.ParCount, 3);
   EXPECT_EQ(site.module.Par[1].Name, u"Eins"_s);
   EXPECT_EQ(site.module.Par[2].Name, u"Zwei"_s);

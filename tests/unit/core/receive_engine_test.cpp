@@ -263,8 +263,8 @@ TEST(Walk, WarnsOfAParameterWithoutAddressAndMarksNoProgress) {
 
 TEST(Walk, TransfersWhatThePlantTypeHides) {
   Receiving site;
-  site.main.plants.Add(u"Luft"_s);
-  site.main.plants.Select(0);
+  site.module.PlantTypeList.Add(u"Luft"_s);
+  site.module.PlantTypeList.Select(0);
   site.AddParameter(u"int"_s, u"1000"_s).Zusatz = u"Wasser"_s;
   Receive(site.core);
   EXPECT_EQ(site.Requests(), QStringList{u"R1000"_s});

@@ -8,7 +8,7 @@ namespace {
 
 using Kind = RuntimeError::Kind;
 
-QStringList Entries(const platform::ListBox& list) {
+QStringList Entries(const SelectionList& list) {
   QStringList entries;
   for (int i = 0; i < list.Count(); ++i)
     entries.append(list.Text(i));
@@ -36,7 +36,7 @@ TEST(Refresh, AtStartReadsTheTableOnceAndTheRestTwice) {
   Installation site;
   site.AddFiles();
   ConnectHandlers(site.core);
-  EXPECT_FALSE(Refresh(site.core, 5)) << "everything was rebuilt by the change handler";
+  Refresh(site.core, 5);
   EXPECT_EQ(site.files.reads, (QStringList{u"ini/VF.INI"_s, u"ini//A.TXT"_s, u"ini//A.TXT"_s}));
   EXPECT_EQ(site.main.tree.rebuilt, 2);
   EXPECT_EQ(site.module.VersionIndex, 1);
@@ -46,7 +46,7 @@ TEST(Refresh, AtStartReadsTheTableOnceAndTheRestTwice) {
 TEST(Refresh, WithoutAHandlerLevel5StopsAfterTheTable) {
   Installation site;
   site.AddFiles();
-  EXPECT_FALSE(Refresh(site.core, 5));
+  Refresh(site.core, 5);
   EXPECT_EQ(site.module.VersionIndex, 0);
   EXPECT_EQ(site.files.reads, QStringList{u"ini/VF.INI"_s});
   EXPECT_EQ(site.main.tree.rebuilt, 0);
@@ -56,7 +56,7 @@ TEST(Refresh, LevelFiveReplacesTheVersionsOfBefore) {
   Started site;
   site.SetVersions({u"V9  -  A.TXT  -  WR"_s});
   Refresh(site.core, 5);
-  EXPECT_EQ(Entries(site.main.versions), QStringList{u"V9"_s});
+  EXPECT_EQ(Entries(site.module.VersionList), QStringList{u"V9"_s});
 }
 
 TEST(Refresh, AMissingTableIsReportedAndLeavesAReadyWindow) {
@@ -65,7 +65,7 @@ TEST(Refresh, AMissingTableIsReportedAndLeavesAReadyWindow) {
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.\r\n"
                         "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
-  EXPECT_EQ(site.main.versions.Count(), 0);
+  EXPECT_EQ(site.module.VersionList.Count(), 0);
   EXPECT_EQ(site.module.ParCount, 1);
   EXPECT_TRUE(site.Rests());
 }
@@ -74,11 +74,11 @@ TEST(Refresh, ATableThatVanishesLeavesTheOldTreeInPlace) {
   Started site;
   site.files.files.remove(u"ini/VF.INI"_s);
   const int before = site.main.tree.rebuilt;
-  EXPECT_FALSE(Refresh(site.core, 5));
+  Refresh(site.core, 5);
   EXPECT_EQ(TakeBoxes(site.box).size(), 1);
   EXPECT_EQ(site.main.tree.rebuilt, before);
   EXPECT_EQ(site.module.VersionIndex, 1);
-  EXPECT_EQ(site.main.plants.Count(), 2);
+  EXPECT_EQ(site.module.PlantTypeList.Count(), 2);
 }
 
 TEST(Refresh, AnUnreadableDefinitionFileAtStartIsReportedWithBothPaths) {
@@ -89,7 +89,7 @@ TEST(Refresh, AnUnreadableDefinitionFileAtStartIsReportedWithBothPaths) {
   EXPECT_EQ(TakeBoxes(site.box),
             QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert.: ini//A.TXT\r\n"
                         "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
-  EXPECT_EQ(site.main.versions.Count(), 2);
+  EXPECT_EQ(site.module.VersionList.Count(), 2);
   EXPECT_EQ(site.main.tree.rebuilt, 0);
   EXPECT_TRUE(site.Rests());
 }
@@ -124,14 +124,16 @@ TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenTheVersionChanges) {
   Started site;
   site.files.AddText(u"ini//B.ADR"_s, u"Heading\r\n_abc  1F00\r\n"_s);
   site.SetDefinitions(u"B.TXT"_s, GetParam().lines);
-  EXPECT_EQ(ThrownText([&] { site.main.versions.Select(1); }), GetParam().description.arg(u"ini//B.TXT"_s));
+  EXPECT_EQ(ThrownText([&] { site.module.VersionList.Select(1); }),
+            GetParam().description.arg(u"ini//B.TXT"_s));
   EXPECT_TRUE(site.Rests());
 }
 
 TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenThePlantTypeChanges) {
   Started site;
   site.SetDefinitions(u"A.TXT"_s, GetParam().lines);
-  EXPECT_EQ(ThrownText([&] { site.main.plants.Select(1); }), GetParam().description.arg(u"ini//A.TXT"_s));
+  EXPECT_EQ(ThrownText([&] { site.module.PlantTypeList.Select(1); }),
+            GetParam().description.arg(u"ini//A.TXT"_s));
   EXPECT_TRUE(site.Rests());
 }
 
@@ -150,7 +152,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Refresh, AFaultOfTheTreeNamesTheFileThatTheParametersCameFrom) {
   WithPlants site(u"A B"_s);
   site.SetDefinitions(u"A.TXT"_s, {u"G  N  0  9  5  -  5  5  int  1F00  V  B  -"_s});
-  site.main.plants.Select(1);  // does not show it
+  site.module.PlantTypeList.Select(1);  // does not show it
   // Neither a folder chosen since, nor a table read since, is where the tree came from.
   site.module.Inipath = u"other/"_s;
   site.module.Versionen.clear();
@@ -165,7 +167,7 @@ TEST(Refresh, AnotherVersionReadsItsFilesTwice) {
   Started site;
   site.files.reads.clear();
   site.main.tree.rebuilt = 0;
-  site.main.versions.Select(1);
+  site.module.VersionList.Select(1);
   EXPECT_EQ(site.module.VersionIndex, 2);
   EXPECT_EQ(site.files.reads,
             (QStringList{u"ini//B.TXT"_s, u"ini//B.ADR"_s, u"ini//B.TXT"_s, u"ini//B.ADR"_s}));
@@ -177,7 +179,7 @@ TEST(Refresh, AnotherVersionReadsItsFilesTwice) {
 TEST(Refresh, TheSameVersionAgainReadsNothing) {
   Started site;
   site.files.reads.clear();
-  site.main.versions.Select(0);
+  site.module.VersionList.Select(0);
   EXPECT_EQ(site.files.reads, QStringList());
 }
 
@@ -185,7 +187,7 @@ TEST(Refresh, AnUnreadableDefinitionFilePassesAndLeavesAReadyWindow) {
   Started site;
   site.files.AddFailure(u"ini//B.TXT"_s, u"Zugriff verweigert."_s);
   site.main.tree.rebuilt = 0;
-  EXPECT_EQ(ThrownKind([&] { site.main.versions.Select(1); }), Kind::FileError);
+  EXPECT_EQ(ThrownKind([&] { site.module.VersionList.Select(1); }), Kind::FileError);
   EXPECT_EQ(site.module.ParCount, 1);
   EXPECT_EQ(site.main.tree.rebuilt, 0);
   EXPECT_TRUE(site.Rests());
@@ -205,8 +207,8 @@ TEST(Refresh, EveryBlankClosesAPlantType) {
   };
   for (const auto& example : cases) {
     WithPlants site(example.column);
-    EXPECT_EQ(Entries(site.main.plants), example.entries);
-    EXPECT_EQ(site.main.plants.Position(), 0);
+    EXPECT_EQ(Entries(site.module.PlantTypeList), example.entries);
+    EXPECT_EQ(site.module.PlantTypeList.Position(), 0);
     EXPECT_EQ(site.main.plantSelectorVisible, example.visible);
   }
 }
@@ -214,17 +216,17 @@ TEST(Refresh, EveryBlankClosesAPlantType) {
 TEST(Refresh, AVersionWithSeveralPlantTypesShowsTheSelectorAgain) {
   Started site;
   EXPECT_TRUE(site.main.plantSelectorVisible);
-  site.main.versions.Select(1);
+  site.module.VersionList.Select(1);
   EXPECT_FALSE(site.main.plantSelectorVisible);
-  site.main.versions.Select(0);
+  site.module.VersionList.Select(0);
   EXPECT_TRUE(site.main.plantSelectorVisible);
 }
 
 TEST(Refresh, WithoutAVersionThePlantTypesStay) {
   Started site;
   site.module.VersionIndex = 0;
-  EXPECT_TRUE(Refresh(site.core, 4));
-  EXPECT_EQ(site.main.plants.Count(), 2);
+  Refresh(site.core, 4);
+  EXPECT_EQ(site.module.PlantTypeList.Count(), 2);
 }
 
 TEST(Refresh, AnotherPlantTypeReadsTheDefinitionsOnceAndShowsItsParameters) {
@@ -232,7 +234,7 @@ TEST(Refresh, AnotherPlantTypeReadsTheDefinitionsOnceAndShowsItsParameters) {
   site.files.reads.clear();
   site.main.tree.rebuilt = 0;
   EXPECT_NE(site.main.tree.Find(u"sK 3"_s), 0);
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   EXPECT_EQ(site.files.reads, QStringList{u"ini//A.TXT"_s});
   EXPECT_EQ(site.main.tree.rebuilt, 1);
   EXPECT_EQ(site.main.tree.Find(u"sK 3"_s), 0);
@@ -241,19 +243,19 @@ TEST(Refresh, AnotherPlantTypeReadsTheDefinitionsOnceAndShowsItsParameters) {
 
 TEST(Refresh, ThePlantTypeRecordTakesThePositionOfTheListIfItHasAnAddress) {
   Started site;
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Select(1);
   EXPECT_EQ(site.module.Par[0].Wert, 1);
 
   WithPlants without(u"A B"_s);
   without.module.Par[0].Wert = 77;
-  without.main.plants.Select(1);
+  without.module.PlantTypeList.Select(1);
   EXPECT_EQ(without.module.Par[0].Wert, 77);
 }
 
 TEST(TakePlantType, WithoutASelectionItIsMinusOne) {
   Installation site;
   site.module.Par[0].VarAdresse = u"2000"_s;
-  TakePlantType(site.core);
+  TakePlantType(site.module);
   EXPECT_EQ(site.module.Par[0].Wert, -1);
 }
 
@@ -275,7 +277,7 @@ TEST(Refresh, LevelTwoKeepsValuesAndMarksAndShowsThem) {
   site.module.Par[1].Wert = 7;
   site.module.ParNode[1] = kFalse;
   site.module.NodeState[1] = kTrue;
-  EXPECT_TRUE(Refresh(site.core, 2));
+  Refresh(site.core, 2);
   EXPECT_EQ(site.module.Par[1].Wert, 7);
   EXPECT_EQ(site.module.ParNode[1], kFalse);
   EXPECT_EQ(site.module.NodeState[1], kTrue);
@@ -290,7 +292,7 @@ TEST(Refresh, LevelThreeChecksAndCollapsesAllButTheLastElement) {
     site.module.ParNode[i] = 5;
     site.module.NodeState[i] = 5;
   }
-  EXPECT_TRUE(Refresh(site.core, 3));
+  Refresh(site.core, 3);
   for (int i = 0; i < kLastParameter; ++i) {
     EXPECT_EQ(static_cast<quint16>(site.module.ParNode[i]), 65535) << i;
     EXPECT_EQ(site.module.NodeState[i], 0) << i;
@@ -342,7 +344,7 @@ TEST(Refresh, ATreeThatCannotBeBuiltLeavesAReadyWindow) {
 
 TEST(Refresh, WithoutParametersTheTreeIsTheRootAlone) {
   Installation site;
-  EXPECT_TRUE(Refresh(site.core, 2));
+  Refresh(site.core, 2);
   EXPECT_EQ(site.main.tree.Count(), 1);
 }
 

@@ -150,12 +150,12 @@ TEST(BuildTree, ShowsTheParametersOfThePlantTypeOnly) {
   site.module.Par[1].Zusatz = u"Wasser"_s;
   site.module.Par[2].Zusatz = u"Luft Wasser"_s;
   site.module.Par[3].Zusatz = u"Luft"_s;
-  site.main.plants.Add(QString());
-  site.main.plants.Add(u"Luft"_s);
-  site.main.plants.Select(1);
+  site.module.PlantTypeList.Add(QString());
+  site.module.PlantTypeList.Add(u"Luft"_s);
+  site.module.PlantTypeList.Select(1);
   BuildTree(site.core);
   EXPECT_EQ(site.Keys(), (QStringList{u"R"_s, u"K 1"_s, u"sK 2"_s, u"sK 3"_s}));
-  site.main.plants.Select(0);
+  site.module.PlantTypeList.Select(0);
   BuildTree(site.core);
   EXPECT_EQ(site.Keys(), (QStringList{u"R"_s, u"K 1"_s, u"sK 1"_s, u"K 2"_s, u"sK 2"_s, u"sK 3"_s}));
 }

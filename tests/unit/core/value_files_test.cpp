@@ -438,7 +438,7 @@ TEST_F(ValueFiles, KeepingTheVersionOfThePcConvertsByName) {
   module.ParNode[3] = kFalse;
   EXPECT_TRUE(Load(Current(4, {}, u"AB1-124.0"_s, {}) + Current(11, {}, u"N1"_s, u"int"_s) +
                    Current(12, {}, u"N9"_s, u"int"_s) + Current(13, {}, u"_abc"_s, u"int"_s)));
-  EXPECT_EQ(main.versions.SelectedText(), kVersion);
+  EXPECT_EQ(module.VersionList.SelectedText(), kVersion);
   EXPECT_EQ(Values(), (Numbers{11, 13, 0}));
   EXPECT_EQ(module.Par[2].Typ, u"int"_s) << "the file's type is taken over";
   EXPECT_EQ(module.ParNode[3], kFalse) << "the marks stay";
@@ -451,7 +451,7 @@ TEST_F(ValueFiles, ChoosingTheVersionOfTheFileLoadsItsDefinitionsFirst) {
     module.ParNode[i] = kFalse;
   EXPECT_TRUE(Load(Current(4, {}, u"AB1-124.0"_s, {}) + Current(11, {}, u"N1"_s, u"int"_s) +
                    Current(12, {}, u"N9"_s, u"int"_s) + Current(13, {}, u"_abc"_s, u"int"_s)));
-  EXPECT_EQ(main.versions.SelectedText(), u"AB1-124.0"_s);
+  EXPECT_EQ(module.VersionList.SelectedText(), u"AB1-124.0"_s);
   EXPECT_EQ(module.VersionIndex, 2);
   // Twice by the list's change and twice by the command itself, each with the plant types' change.
   EXPECT_EQ(Readings(u"B.TXT"_s), 4);
@@ -463,10 +463,10 @@ TEST_F(ValueFiles, ChoosingTheVersionOfTheFileLoadsItsDefinitionsFirst) {
 }
 
 TEST_F(ValueFiles, TheFileMayBelongToTheFirstVersionOfTheTable) {
-  main.versions.Select(1);
+  module.VersionList.Select(1);
   choice.answers = {2};
   EXPECT_TRUE(Load(Current(1, {}, kVersion, {})));
-  EXPECT_EQ(main.versions.Position(), 0);
+  EXPECT_EQ(module.VersionList.Position(), 0);
 }
 
 TEST_F(ValueFiles, OfEqualEntriesInTheVersionListTheFirstIsMeant) {
@@ -474,10 +474,10 @@ TEST_F(ValueFiles, OfEqualEntriesInTheVersionListTheFirstIsMeant) {
   Refresh(core, 5);
   choice.answers = {2};
   EXPECT_TRUE(Load(Current(1, {}, u"V2"_s, {})));
-  EXPECT_EQ(main.versions.Position(), 1);
-  main.versions.Select(2);
+  EXPECT_EQ(module.VersionList.Position(), 1);
+  module.VersionList.Select(2);
   EXPECT_TRUE(Load(Current(1, {}, u"V2"_s, {}))) << "the selected one needs no question";
-  EXPECT_EQ(main.versions.Position(), 2);
+  EXPECT_EQ(module.VersionList.Position(), 2);
   EXPECT_EQ(choice.asked.size(), 1U);
 }
 
@@ -497,7 +497,7 @@ TEST_F(ValueFiles, AVersionThatCannotBeReadLeavesTheTreeOfWhatTheTableHolds) {
   EXPECT_EQ(module.ParCount, 1);
   EXPECT_EQ(main.tree.Count(), 1) << "no node of a parameter that is there no more";
 
-  main.versions.Select(0);
+  module.VersionList.Select(0);
   SetDefinitions(u"B.TXT"_s,
                  {u"G  Lesbar  0  9  5  -  0  0  int  1F00  N1  -  -"_s, u"G  Zu groß  0  4294967295  5"_s});
   EXPECT_EQ(ThrownText([&] { (void)Load(image); }),

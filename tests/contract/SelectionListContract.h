@@ -1,22 +1,22 @@
-// What every implementation of ListBox has to do. Each one is run through the same tests.
+// What a list has to do, by itself and with a list box that shows it: the same tests for both.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include "base/SelectionList.h"
 #include "fakes/QtPrinters.h"
 #include "fakes/ThrownKind.h"
-#include "platform/ListBox.h"
 
 namespace kalivor::test {
 
 /// `Harness` is default-constructible and offers
-///   platform::ListBox& List();
+///   SelectionList& List();
 ///   void UserSelects(int position);  // what the user does with mouse or keyboard
-/// Instantiate with INSTANTIATE_TYPED_TEST_SUITE_P(Name, ListBoxContract, Harness).
+/// Instantiate with INSTANTIATE_TYPED_TEST_SUITE_P(Name, SelectionListContract, Harness).
 template <typename Harness>
-class ListBoxContract : public testing::Test {
+class SelectionListContract : public testing::Test {
  protected:
-  ListBoxContract() {
+  SelectionListContract() {
     list.OnChange = [this] {
       ++changes;
       positionInHandler = list.Position();
@@ -29,27 +29,27 @@ class ListBoxContract : public testing::Test {
   }
 
   Harness harness;
-  platform::ListBox& list = harness.List();
+  SelectionList& list = harness.List();
   int changes = 0;
   int positionInHandler = -2;
 };
 
-TYPED_TEST_SUITE_P(ListBoxContract);
+TYPED_TEST_SUITE_P(SelectionListContract);
 
-TYPED_TEST_P(ListBoxContract, StartsEmpty) {
+TYPED_TEST_P(SelectionListContract, StartsEmpty) {
   EXPECT_EQ(this->list.Count(), 0);
   EXPECT_EQ(this->list.Position(), -1);
   EXPECT_EQ(this->list.SelectedText(), QString());
 }
 
-TYPED_TEST_P(ListBoxContract, FillingNeitherSelectsNorRunsTheHandler) {
+TYPED_TEST_P(SelectionListContract, FillingNeitherSelectsNorRunsTheHandler) {
   this->AddThree();
   EXPECT_EQ(this->list.Count(), 3);
   EXPECT_EQ(this->list.Position(), -1);
   EXPECT_EQ(this->changes, 0);
 }
 
-TYPED_TEST_P(ListBoxContract, KeepsTheOrderAndTheTexts) {
+TYPED_TEST_P(SelectionListContract, KeepsTheOrderAndTheTexts) {
   this->AddThree();
   this->list.Add(QString());
   this->list.Add(QStringLiteral("eins"));
@@ -60,13 +60,13 @@ TYPED_TEST_P(ListBoxContract, KeepsTheOrderAndTheTexts) {
   EXPECT_EQ(this->list.Text(4), QStringLiteral("eins")) << "entries may repeat";
 }
 
-TYPED_TEST_P(ListBoxContract, OutsideTheListThereIsNoText) {
+TYPED_TEST_P(SelectionListContract, OutsideTheListThereIsNoText) {
   this->AddThree();
   EXPECT_EQ(this->list.Text(-1), QString());
   EXPECT_EQ(this->list.Text(3), QString());
 }
 
-TYPED_TEST_P(ListBoxContract, SelectingRunsTheHandlerOnceAtTheNewPosition) {
+TYPED_TEST_P(SelectionListContract, SelectingRunsTheHandlerOnceAtTheNewPosition) {
   this->AddThree();
   this->list.Select(1);
   EXPECT_EQ(this->list.Position(), 1);
@@ -78,7 +78,7 @@ TYPED_TEST_P(ListBoxContract, SelectingRunsTheHandlerOnceAtTheNewPosition) {
   EXPECT_EQ(this->positionInHandler, 0);
 }
 
-TYPED_TEST_P(ListBoxContract, TheUsersSelectionRunsTheHandlerOnce) {
+TYPED_TEST_P(SelectionListContract, TheUsersSelectionRunsTheHandlerOnce) {
   this->AddThree();
   this->harness.UserSelects(2);
   EXPECT_EQ(this->list.Position(), 2);
@@ -86,7 +86,7 @@ TYPED_TEST_P(ListBoxContract, TheUsersSelectionRunsTheHandlerOnce) {
   EXPECT_EQ(this->positionInHandler, 2);
 }
 
-TYPED_TEST_P(ListBoxContract, SelectingTheSamePositionAgainRunsNothing) {
+TYPED_TEST_P(SelectionListContract, SelectingTheSamePositionAgainRunsNothing) {
   this->AddThree();
   this->list.Select(1);
   this->list.Select(1);
@@ -94,7 +94,7 @@ TYPED_TEST_P(ListBoxContract, SelectingTheSamePositionAgainRunsNothing) {
   EXPECT_EQ(this->changes, 1);
 }
 
-TYPED_TEST_P(ListBoxContract, APositionWithTheSameTextIsAnotherPosition) {
+TYPED_TEST_P(SelectionListContract, APositionWithTheSameTextIsAnotherPosition) {
   this->list.Add(QStringLiteral("gleich"));
   this->list.Add(QStringLiteral("gleich"));
   this->list.Select(0);
@@ -103,7 +103,7 @@ TYPED_TEST_P(ListBoxContract, APositionWithTheSameTextIsAnotherPosition) {
   EXPECT_EQ(this->changes, 2);
 }
 
-TYPED_TEST_P(ListBoxContract, SelectingOutsideIsRefusedAndChangesNothing) {
+TYPED_TEST_P(SelectionListContract, SelectingOutsideIsRefusedAndChangesNothing) {
   const auto kindOf = [this](int position) { return ThrownKind([&] { this->list.Select(position); }); };
   EXPECT_EQ(kindOf(0), RuntimeError::Kind::InvalidSelection) << "the list is empty";
   this->AddThree();
@@ -114,7 +114,7 @@ TYPED_TEST_P(ListBoxContract, SelectingOutsideIsRefusedAndChangesNothing) {
   EXPECT_EQ(this->changes, 1);
 }
 
-TYPED_TEST_P(ListBoxContract, AddingLaterKeepsTheSelection) {
+TYPED_TEST_P(SelectionListContract, AddingLaterKeepsTheSelection) {
   this->AddThree();
   this->list.Select(1);
   this->list.Add(QStringLiteral("vier"));
@@ -122,7 +122,7 @@ TYPED_TEST_P(ListBoxContract, AddingLaterKeepsTheSelection) {
   EXPECT_EQ(this->changes, 1);
 }
 
-TYPED_TEST_P(ListBoxContract, ClearingRemovesAllWithoutRunningTheHandler) {
+TYPED_TEST_P(SelectionListContract, ClearingRemovesAllWithoutRunningTheHandler) {
   this->AddThree();
   this->list.Select(1);
   this->list.Clear();
@@ -132,7 +132,7 @@ TYPED_TEST_P(ListBoxContract, ClearingRemovesAllWithoutRunningTheHandler) {
   EXPECT_EQ(this->changes, 1);
 }
 
-TYPED_TEST_P(ListBoxContract, TheSamePositionAfterClearingIsAChange) {
+TYPED_TEST_P(SelectionListContract, TheSamePositionAfterClearingIsAChange) {
   this->AddThree();
   this->list.Select(0);
   this->list.Clear();
@@ -141,7 +141,7 @@ TYPED_TEST_P(ListBoxContract, TheSamePositionAfterClearingIsAChange) {
   EXPECT_EQ(this->changes, 2);
 }
 
-TYPED_TEST_P(ListBoxContract, TheHandlerMayRefillTheList) {
+TYPED_TEST_P(SelectionListContract, TheHandlerMayRefillTheList) {
   this->AddThree();
   int runs = 0;
   this->list.OnChange = [this, &runs] {
@@ -156,14 +156,14 @@ TYPED_TEST_P(ListBoxContract, TheHandlerMayRefillTheList) {
   EXPECT_EQ(this->list.SelectedText(), QStringLiteral("neu"));
 }
 
-TYPED_TEST_P(ListBoxContract, WorksWithoutAHandler) {
+TYPED_TEST_P(SelectionListContract, WorksWithoutAHandler) {
   this->list.OnChange = nullptr;
   this->AddThree();
   this->list.Select(2);
   EXPECT_EQ(this->list.Position(), 2);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ListBoxContract, StartsEmpty, FillingNeitherSelectsNorRunsTheHandler,
+REGISTER_TYPED_TEST_SUITE_P(SelectionListContract, StartsEmpty, FillingNeitherSelectsNorRunsTheHandler,
                             KeepsTheOrderAndTheTexts, OutsideTheListThereIsNoText,
                             SelectingRunsTheHandlerOnceAtTheNewPosition, TheUsersSelectionRunsTheHandlerOnce,
                             SelectingTheSamePositionAgainRunsNothing,

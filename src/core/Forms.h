@@ -3,7 +3,6 @@
 
 #include <QString>
 
-#include "platform/ListBox.h"
 #include "platform/TreeView.h"
 
 namespace kalivor {
@@ -13,11 +12,9 @@ class MainForm {
  public:
   virtual ~MainForm() = default;
 
-  [[nodiscard]] virtual platform::ListBox& ComboVN() = 0;   ///< controller versions
-  [[nodiscard]] virtual platform::ListBox& ComboArt() = 0;  ///< plant types
   [[nodiscard]] virtual platform::TreeView& Tree() = 0;
 
-  /// Switches the plant-type selector on or off.
+  /// Switches the plant-type selector on or off, as VersionTable::PlantTypeOffered says.
   virtual void SetPlantSelectorVisible(bool visible) = 0;
 
   /// Lets the main window, the options, the editors and the print frame take input, or not.

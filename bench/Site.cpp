@@ -55,7 +55,7 @@ QString MemoryFiles::Overwrite(const QString& /*path*/, const QByteArray& beginn
 }
 
 Site::Site(platform::SerialControl& line, platform::Clock& clock)
-    : timers(clock), host(module, line, timers) {
+    : timers(clock), wiring(module, timers, line, {main, report, choice, editors, box, files, events}) {
   module.Inipath = u"bench"_s;
   module.Dateiname = u"values.qpf"_s;
 }

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "cli/TextForms.h"
-#include "core/Core.h"
+#include "core/Wiring.h"
 #include "platform/Clock.h"
 
 namespace kalivor::bench {
@@ -78,11 +78,11 @@ struct Site {
   cli::TextChoiceForm choice{module, messages, {}};
   cli::InterruptEvents events{module, [] { return false; }};
   TH timers;
-  COM_T_frm host;
   cli::TextReportView view{nullptr};
   Report report{module, view, events, timers};
-  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
-  Core core{module, main, report, choice, editors, box, files, events, controller};
+  Wiring wiring;
+  COM_A& controller = wiring.controller;
+  Core& core = wiring.core;
 };
 
 }  // namespace kalivor::bench

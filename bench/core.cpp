@@ -30,8 +30,8 @@ struct FileSite : NoWorld, Site {
     Write(u"DEF.TXT"_s, DefinitionFile(parameters));
     if (addressLines > 0) Write(u"LIST.ADR"_s, AddressList(addressLines));
     module.Inipath = folder.path();
-    Refresh(onDisk, 5);
-    Refresh(onDisk, 4);
+    Refresh(onDisk.core, 5);
+    Refresh(onDisk.core, 4);
   }
 
   void Write(const QString& name, const QByteArray& content) const {
@@ -41,13 +41,13 @@ struct FileSite : NoWorld, Site {
 
   QTemporaryDir folder;
   platform::PosixFileSystem disk;
-  Core onDisk{module, main, report, choice, editors, box, disk, events, controller};
+  Wiring onDisk{module, timers, noLine, {main, report, choice, editors, box, disk, events}};
 };
 
 void DefinitionFiles(benchmark::State& state) {
   FileSite site(static_cast<int>(state.range(0)), 0);
   for (auto _ : state)
-    ReadSelectedDefinitions(site.onDisk);
+    ReadSelectedDefinitions(site.onDisk.core);
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(DefinitionFiles)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
@@ -55,7 +55,7 @@ BENCHMARK(DefinitionFiles)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity
 void AddressLists(benchmark::State& state) {
   FileSite site(kLastParameter, static_cast<int>(state.range(0)));
   for (auto _ : state)
-    ReadSelectedAddresses(site.onDisk);
+    ReadSelectedAddresses(site.onDisk.core);
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(AddressLists)->Arg(1000)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Complexity(benchmark::oN);

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <memory>
 
-#include "core/Core.h"
+#include "core/Wiring.h"
 #include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::fuzz {
@@ -123,7 +123,7 @@ class NoLine final : public platform::SerialControl {
 /// A PC without a window, on the line that it is given.
 struct World {
   explicit World(platform::SerialControl& line, platform::Clock& clock)
-      : timers(clock), host(module, line, timers) {
+      : timers(clock), wiring(module, timers, line, {main, report, choice, editors, box, files, events}) {
     module.Inipath = QStringLiteral("ini/");
   }
 
@@ -136,9 +136,10 @@ struct World {
   CountedBoxes box;
   NoEvents events;
   TH timers;
-  COM_T_frm host;
-  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
-  Core core{module, main, report, choice, editors, box, files, events, controller};
+  Wiring wiring;
+  COM_T_frm& host = wiring.host;
+  COM_A& controller = wiring.controller;
+  Core& core = wiring.core;
 };
 
 /// The one without a line, made once: the tables are large. Each target has its own program, or its turn.

@@ -14,6 +14,7 @@
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
 #include "core/ValueFiles.h"
+#include "core/Wiring.h"
 #include "print/PdfPrint.h"
 
 using namespace Qt::StringLiterals;
@@ -30,11 +31,10 @@ class Session {
         choice_(module_, world.err, arguments.answers),
         events_(module_, world.interrupted),
         timers_(world.clock),
-        host_(module_, world.line, timers_),
         view_(arguments.json ? nullptr : &world.out),
         report_(module_, view_, events_, timers_),
-        controller_(module_, module_, host_, [this](const QString& text) { report_.Add(text); }),
-        core_{module_, main_, report_, choice_, editors_, box_, world.files, events_, controller_} {}
+        wiring_(module_, timers_, world.line,
+                {main_, report_, choice_, editors_, box_, world.files, events_}) {}
 
   int Run(const Command& command) {
     LoadSettings(module_, world_.settings, box_, world_.programFolder);
@@ -80,8 +80,8 @@ class Session {
   }
 
   int Identify() {
-    (void)controller_.Configure(kSlot, kSettings9600);
-    const QString version = controller_.Identify(kSlot);
+    (void)core_.controller.Configure(kSlot, kSettings9600);
+    const QString version = core_.controller.Identify(kSlot);
     const bool failed = IsError(version);
     (failed ? world_.err : world_.out) << version.toStdString() << '\n';
     return failed ? kNoTransfer : kDone;
@@ -128,7 +128,7 @@ class Session {
     const int number = arguments_.port->toInt(&isNumber);
     if (!isNumber) {
       world_.useDevice(module_.Schnittstelle, *arguments_.port);
-    } else if (number >= 1 && number <= 8) {
+    } else if (number >= 1 && number <= platform::kLargestPortNumber) {
       module_.Schnittstelle = static_cast<qint16>(number);
     } else {
       throw BadInput{u"Keine Schnittstelle von 1 bis 8: "_s + *arguments_.port};
@@ -219,7 +219,7 @@ class Session {
 
   int RunTransfer(TransferOutcome (*command)(Core&)) {
     // A port that cannot be opened shows in the first query.
-    (void)controller_.Configure(kSlot, kSettings9600);
+    (void)core_.controller.Configure(kSlot, kSettings9600);
     const TransferOutcome outcome = ReportedTransfer(command);
     if (arguments_.json) {
       world_.out << CompareJson(report_.Text(), view_.Begun(), outcome.walk.failures, outcome.transferred)
@@ -239,11 +239,10 @@ class Session {
   TextChoiceForm choice_;
   InterruptEvents events_;
   TH timers_;
-  COM_T_frm host_;
   TextReportView view_;
   Report report_;
-  COM_A controller_;
-  Core core_;
+  Wiring wiring_;
+  Core& core_ = wiring_.core;
   int boxesBefore_ = 0;  // that were shown before the selected version was read
 };
 

@@ -14,6 +14,18 @@ namespace {
 constexpr QChar kLineFeed = u'\n';
 constexpr QChar kCarriageReturn = u'\r';
 
+// How long a reply, the next character of raw reception, and a reply that nobody wants are waited for.
+constexpr int kReplyTime_ms = 400;
+constexpr int kRawQuiet_ms = 1000;
+constexpr int kNoReplyTime_ms = 100;
+
+// Slot 2 waits longer. kept: nothing here uses it; it is the slot for a station that is slower.
+constexpr qint16 kPatientSlot = 2;
+constexpr int kPatientTime_ms = 1200;
+
+// An exchange takes so many of these times at most, however often an echo comes.
+constexpr int kMostTimeOuts = 3;
+
 // Header, mark, checksum and line end.
 constexpr qsizetype kShortestReply = 9;
 
@@ -154,9 +166,10 @@ void COM_T::Send(const QString& frame) {
 QString COM_T::Receive(qint16 slot, qsizetype frameLength, bool wantReply) {
   TH& timers = host_.Timers();
   const qint16 protocol = host_.Ports[slot].Protokoll;
-  const int timeout_ms = (!wantReply ? 1 : slot == 2 ? 12 : 4) * 100;
-  // However often an echo sends us back to waiting, the exchange takes no longer than this.
-  const SoftTimer bound(timers.GetClock(), 3 * timeout_ms);
+  const int timeout_ms = !wantReply             ? kNoReplyTime_ms
+                         : slot == kPatientSlot ? kPatientTime_ms
+                                                : kReplyTime_ms;
+  const SoftTimer bound(timers.GetClock(), kMostTimeOuts * timeout_ms);
   while (bound.Remaining() > 0) {
     timers.StartTimer(kReplyTimer, timeout_ms);
     if (!WaitForFirstCharacter(bound)) break;
@@ -230,7 +243,7 @@ QString COM_T::ReceiveRaw() {
   do {
     if (line.InBufferCount() != 0) {
       reply += TextFromBytes(line.Input());
-      timers.StartTimer(kRawQuietTimer, 1000);
+      timers.StartTimer(kRawQuietTimer, kRawQuiet_ms);
     }
     if (line.WaitForInput(timers.Remaining(kRawQuietTimer)) == platform::InputWait::LineGone) break;
   } while (line.InBufferCount() != 0 || !timers.TimerExpired(kRawQuietTimer));

@@ -5,6 +5,12 @@
 using namespace Qt::StringLiterals;
 
 namespace kalivor {
+namespace {
+
+constexpr int kPause_ms = 20;  // that the line rests after a telegram
+constexpr int kCloseTime_ms = 10;
+
+}  // namespace
 
 bool IsError(QStringView text) {
   return text.startsWith(u"ERROR: ");
@@ -65,8 +71,8 @@ void COM_T_frm::ClosePort() {
     for (int slot = 0; slot <= 2; ++slot)
       Ports[slot].Offen = kFalse;
   }
-  timers_.StartTimer(kPauseTimer, 20);
-  timers_.StartTimer(kCloseTimer, 10);
+  timers_.StartTimer(kPauseTimer, kPause_ms);
+  timers_.StartTimer(kCloseTimer, kCloseTime_ms);
 }
 
 void COM_T_frm::OnComm() {

@@ -6,7 +6,6 @@
 namespace kalivor {
 namespace {
 
-constexpr int kPorts = 8;
 constexpr int kAddresses = 256;
 
 int PositionIn(int count, int position) {
@@ -16,7 +15,7 @@ int PositionIn(int count, int position) {
 }  // namespace
 
 OptionsContent OptionsOf(const Module1& module) {
-  return {PositionIn(kPorts, module.Schnittstelle - 1), PositionIn(kAddresses, module.Adresse),
+  return {PositionIn(platform::kLargestPortNumber, module.Schnittstelle - 1), PositionIn(kAddresses, module.Adresse),
           module.Inipath + module.Inifile, false};
 }
 

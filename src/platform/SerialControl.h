@@ -7,6 +7,9 @@
 
 namespace kalivor::platform {
 
+/// Ports are numbered from 1 to this.
+inline constexpr int kLargestPortNumber = 8;
+
 /// Numbers that CommEvent() can report.
 enum CommEventCode : int {
   kCommEventNone = 0,

@@ -3,6 +3,7 @@
 
 #include "campaign/Forms.h"
 #include "commands/StartUp.h"
+#include "core/Wiring.h"
 
 namespace kalivor::campaign {
 
@@ -16,17 +17,15 @@ struct Pc {
   PlainMessageBox box;
   HookedEvents events;
   TH timers;
-  COM_T_frm host;
   Report report;
-  COM_A controller;
-  Core core;
+  Wiring wiring;
+  COM_T_frm& host = wiring.host;
+  Core& core = wiring.core;
 
   Pc(platform::SerialControl& line, platform::Clock& clock, platform::FileSystem& files)
       : timers(clock),
-        host(module, line, timers),
         report(module, view, events, timers),
-        controller(module, module, host, [this](const QString& text) { report.Add(text); }),
-        core{module, main, report, choice, editors, box, files, events, controller} {}
+        wiring(module, timers, line, {main, report, choice, editors, box, files, events}) {}
 
   /// Reads the definitions that `module` names and configures the channel.
   void Start() {

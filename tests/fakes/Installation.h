@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands/StartUp.h"
+#include "core/Wiring.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/FakeForms.h"
@@ -72,9 +73,10 @@ class Installation : public FarEnd {
   FakeMessageBox box;
   FakeEvents events;
   TH timers{clock};
-  COM_T_frm host{module, line, timers};
-  COM_A controller{module, module, host, [this](const QString& text) { report.Add(text); }};
-  Core core{module, main, report, choice, editors, box, files, events, controller};
+  Wiring wiring{module, timers, line, {main, report, choice, editors, box, files, events}};
+  COM_T_frm& host = wiring.host;
+  COM_A& controller = wiring.controller;
+  Core& core = wiring.core;
 
   explicit Installation(const QString& version = u"AB1-123.4"_s, const sim::LineOptions& options = {})
       : FarEnd(version, options) {

@@ -122,7 +122,7 @@ TEST_F(MainWindowTest, StartConfiguresThePort) {
   settings.values[u"Schnittstelle"_s] = u"3"_s;
   settings.values[u"Adresse"_s] = u"17"_s;
   Start();
-  const PortRecord& port = desktop->host.Ports[kSlot];
+  const PortRecord& port = desktop->wiring.host.Ports[kSlot];
   EXPECT_EQ(port.PortNr, 3);
   EXPECT_EQ(port.Adr, 17);
   EXPECT_EQ(port.Settings, u"9600,o,7,1"_s);

@@ -6,11 +6,10 @@
 #include <QStringList>
 #include <ctime>
 
+#include "platform/SerialControl.h"
 #include "platform/SettingsStore.h"
 
 namespace kalivor::platform {
-
-inline constexpr int kLargestPortNumber = 8;
 
 /// The devices that the user has set for port numbers: section "Ports", keys "COM1" to "COM8".
 [[nodiscard]] QMap<int, QString> StoredDevices(const SettingsStore& settings);

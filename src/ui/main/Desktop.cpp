@@ -18,10 +18,9 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
       auswahl(module),
       achtung(module),
       timers(world.clock),
-      host(module, world.line, timers),
       report(module, reportDialog, world.events, timers),
-      controller(module, module, host, [this](const QString& text) { report.Add(text); }),
-      core{module, main, report, auswahl, editors, world.box, world.files, world.events, controller},
+      wiring(module, timers, world.line,
+             {main, report, auswahl, editors, world.box, world.files, world.events}),
       files{core, world.dialogs, [this](const QString& path) { main.ShowFile(path); }} {
   main.AddCompanion(editors.number, true);
   main.AddCompanion(editors.text, true);

@@ -8,6 +8,7 @@
 #include "commands/EventBoundary.h"
 #include "commands/FileCommands.h"
 #include "core/Report.h"
+#include "core/Wiring.h"
 #include "platform/Clock.h"
 #include "platform/Help.h"
 #include "platform/SettingsStore.h"
@@ -69,11 +70,10 @@ struct Desktop {
   DlgAuswahl auswahl;
   DlgAchtung achtung;
   TH timers;
-  COM_T_frm host;
   DialogReport reportDialog;
   Report report;
-  COM_A controller;
-  Core core;
+  Wiring wiring;
+  Core& core = wiring.core;
   FileCommandContext files;
   frmOptions options;
   HelpKey helpKey{world.help, guard};

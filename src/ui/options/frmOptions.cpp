@@ -16,7 +16,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-constexpr int kPorts = 8;
 constexpr int kLargestAddress = 255;
 constexpr int kWidth_characters = 60;
 constexpr int kShownPath_characters = 45;
@@ -84,7 +83,7 @@ frmOptions::frmOptions() {
 QWidget* frmOptions::NewPortPage() {
   QWidget* page = NewPage(u"GroupSchnittstelle"_s);
   comboSchnittstelle_ = NewList(page, u"ComboSchnittstelle"_s, u"Schnittstelle"_s);
-  for (int number = 1; number <= kPorts; ++number)
+  for (int number = 1; number <= platform::kLargestPortNumber; ++number)
     comboSchnittstelle_->addItem(u"COM%1"_s.arg(number));
   comboSchnittstelle_->installEventFilter(this);
   auto* layout = new QFormLayout(page);
@@ -171,7 +170,7 @@ bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmOptions::NameDevices() {
-  for (int number = 1; number <= kPorts; ++number) {
+  for (int number = 1; number <= platform::kLargestPortNumber; ++number) {
     const QString device = DeviceOfPort ? DeviceOfPort(number) : QString();
     const QString shown = device.isEmpty() ? u"nicht vorhanden"_s : device;
     comboSchnittstelle_->setItemData(number - 1, shown, Qt::ToolTipRole);

@@ -47,10 +47,10 @@ TEST(AskChoice, WaitsInTheEventLoopUntilTheUserHasAnswered) {
     Installation site;
     AnsweringEvents events(site.module, answer, 3);
     PendingChoiceForm form(site.module);
-    Core core{site.module, site.main,  site.report, form,           site.editors,
-              site.box,    site.files, events,      site.controller};
+    Wiring wiring(site.module, site.timers, site.line,
+                  {site.main, site.report, form, site.editors, site.box, site.files, events});
     site.module.Antwort = 2;  // of an earlier question
-    EXPECT_EQ(AskChoice(core, u"Frage"_s, u"eins"_s, u"zwei"_s), answer);
+    EXPECT_EQ(AskChoice(wiring.core, u"Frage"_s, u"eins"_s, u"zwei"_s), answer);
     EXPECT_EQ(events.waits, 3);
     EXPECT_EQ(form.shown, (QStringList{u"Frage"_s, u"eins"_s, u"zwei"_s}));
     EXPECT_EQ(form.answerWhenShown, -1) << "an earlier answer must not count";

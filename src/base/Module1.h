@@ -6,6 +6,7 @@
 
 #include "base/BoundedArray.h"
 #include "base/FixedText.h"
+#include "base/ParameterTable.h"
 #include "base/SelectionList.h"
 
 namespace kalivor {
@@ -13,32 +14,6 @@ namespace kalivor {
 /// 16-bit flags: all bits set is true.
 inline constexpr qint16 kTrue = -1;
 inline constexpr qint16 kFalse = 0;
-
-/// The last index of the parameter tables.
-inline constexpr int kLastParameter = 2000;
-
-/// One parameter: a line of a definition file and its current value. Records are copied whole.
-struct ParameterRecord {
-  QString Rubrik;        ///< group (branch of the tree); "NoRubrik" marks the plant-type record
-  QString Name;          ///< text shown to the user
-  qint32 Wert = 0;       ///< current value of a numeric parameter, times 10^(Zahl1 + Zahl2)
-  qint32 Min = 0;        ///< lower limit, scaled as Wert
-  qint32 Max = 0;        ///< upper limit, scaled as Wert
-  qint32 Standard = 0;   ///< default value, scaled as Wert
-  QString WertText;      ///< current value of a string parameter
-  QString StandardText;  ///< default of a string parameter
-  FixedText<4> Einheit;  ///< unit shown beside the value
-  qint16 Zahl1 = 0;      ///< decimal places shown
-  qint16 Zahl2 = 0;      ///< further low-order digits of Wert that are not shown
-  QString VarAdresse;    ///< controller address as hexadecimal text; empty: unknown
-  qint16 Offset = 0;     ///< byte offset added to a listed address (index of an array element)
-  QString Variable;      ///< name of the controller variable; key of the address list
-  FixedText<8> Typ;      ///< "long", "int", "char", or "string" and its length
-  QString Zusatz;        ///< plant types that the parameter belongs to
-  QString Hilfetext;     ///< help text shown in the editors; "\" separates lines
-
-  bool operator==(const ParameterRecord&) const = default;
-};
 
 /// One row of the version table.
 struct VersionRecord {
@@ -49,16 +24,6 @@ struct VersionRecord {
   FixedText<2> Kennung;  ///< write and read command letter of the controller
 
   bool operator==(const VersionRecord&) const = default;
-};
-
-/// The parameters. Written by the definition reader, the engines, the editors and value files.
-struct ParameterTable {
-  BoundedArray<ParameterRecord, kLastParameter> Par;  ///< 1..ParCount-1; element 0: the plant-type record
-  qint16 ParCount = 1;                                ///< next free index of Par
-
-  // Where Par comes from, to name it when something is wrong with it. Written by the definition reader.
-  QString ParFile;                            ///< path of the definition file; empty before the first one
-  BoundedArray<int, kLastParameter> ParLine;  ///< line of parameter i; 0: element 0 was not in the file
 };
 
 /// The versions of controllers, and what the user has selected among them. Written by the table's reader, the

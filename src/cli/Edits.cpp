@@ -30,13 +30,13 @@ void SetParameter(Module1& module, const QString& edit) {
   if (found.empty()) throw BadInput{u"Unbekannte Variable: "_s + name};
   if (found.size() > 1) throw BadInput{u"Mehrere Parameter haben die Variable "_s + name};
   const int index = found.front();
-  ParameterRecord& record = module.Par[index];
+  const ParameterRecord& record = module.Par[index];
   if (IsStringForTree(record)) {
     const int longest = TextEditOf(module, index).MaxLength;
     if (longest > 0 && text.size() > longest) {
       throw BadInput{u"Text für %1 ist länger als %2 Zeichen: %3"_s.arg(name).arg(longest).arg(text)};
     }
-    record.WertText = text;
+    module.SetText(index, text, ValueSource::Edited);
   } else {
     const NumberEdit limits = NumberEditOf(module, index, 0);
     const std::optional<qint32> value = EditedValue(record, limits.TextVon, text, limits.TextBis);
@@ -44,7 +44,7 @@ void SetParameter(Module1& module, const QString& edit) {
       throw BadInput{u"Wert für %1 liegt nicht zwischen %2 und %3: %4"_s.arg(name, limits.TextVon,
                                                                              limits.TextBis, text)};
     }
-    record.Wert = *value;
+    module.SetNumber(index, *value, ValueSource::Edited);
     module.ParNode[index] = kTrue;
   }
 }

@@ -69,22 +69,21 @@ std::optional<qint32> EditedValue(const ParameterRecord& record, const QString& 
 bool DialogEdit_OK(Core& core, const NumberEdit& content) {
   Module1& module = core.module;
   const qint32 index = StrictInt32(content.Nr);
-  ParameterRecord& record = module.Par[index];
-  const std::optional<qint32> value = EditedValue(record, content.TextVon, content.TextWert, content.TextBis);
+  ParameterRecord edited = module.Par[index];
+  const std::optional<qint32> value = EditedValue(edited, content.TextVon, content.TextWert, content.TextBis);
   if (!value) return false;
 
   const qint32 node = StrictInt32(content.Treedex);
-  ParameterRecord edited = record;
   edited.Wert = *value;
   core.main.Tree().SetText(node, ParamText(edited));
   core.main.Tree().SetChecked(node, true);
-  record = edited;
+  module.SetNumber(index, *value, ValueSource::Edited);
   module.ParNode[index] = kTrue;
   return true;
 }
 
 void DialogEditString_OK(Core& core, const TextEdit& content) {
-  core.module.Par[StrictInt32(content.Nr)].WertText = content.TextWert;
+  core.module.SetText(StrictInt32(content.Nr), content.TextWert, ValueSource::Edited);
   Refresh(core, 2);
 }
 

@@ -34,7 +34,7 @@ bool FollowPlantType(Core& core, qint16 number) {
     AddPlantNumberTooLarge(core, number);
     return false;
   }
-  core.module.Par[0].Wert = number;
+  core.module.SetNumber(0, number, ValueSource::PlantType);
   plants.Select(number);
   Refresh(core, 3);
   return true;

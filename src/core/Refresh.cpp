@@ -91,14 +91,13 @@ void ReadSelectedAddresses(Core& core) {
 void SetStandard(ParameterTable& table) {
   const int last = std::min<int>(table.ParCount, kLastParameter);
   for (int i = 1; i <= last; ++i) {
-    table.Par[i].Wert = table.Par[i].Standard;
-    table.Par[i].WertText = table.Par[i].StandardText;
+    table.SetValue(i, {table.Par[i].Standard, table.Par[i].StandardText}, ValueSource::Standard);
   }
 }
 
 void TakePlantType(Module1& module) {
-  ParameterRecord& plantType = module.Par[0];
-  if (!plantType.VarAdresse.isEmpty()) plantType.Wert = module.PlantTypeList.Position();
+  if (module.Par[0].VarAdresse.isEmpty()) return;
+  module.SetNumber(0, module.PlantTypeList.Position(), ValueSource::PlantType);
 }
 
 void ComboVN_Click(Core& core) {

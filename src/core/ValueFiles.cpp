@@ -57,10 +57,8 @@ void TakeValues(Module1& module, const ValueFileContent& content) {
   for (const ValueRecord& stored : content.records) {
     const int index = parameters.Find(stored.Variable);
     if (index == 0 || module.ParNode[index] == kFalse) continue;
-    ParameterRecord& record = module.Par[index];
-    record.Wert = stored.Wert;
-    record.Typ = stored.Typ;
-    record.WertText = stored.WertText;
+    module.Par[index].Typ = stored.Typ;
+    module.SetValue(index, {stored.Wert, stored.WertText}, ValueSource::Loaded);
   }
 }
 

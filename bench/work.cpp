@@ -39,7 +39,7 @@ bool ReceiveAll() {
   site.Start();
   (void)site.controller.Configure(kSlot, kSettings9600);
   const TransferOutcome outcome = CommandEmpfangen_Click(site.core);
-  return outcome.transferred && outcome.walk.failures == 0;
+  return outcome.transferred && outcome.walk.Failures() == 0;
 }
 
 bool RebuildTree(int argc, char** argv) {

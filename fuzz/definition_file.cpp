@@ -7,7 +7,7 @@
 #include "Targets.h"
 #include "World.h"
 #include "commands/EditorCommands.h"
-#include "core/ControllerValue.h"
+#include "core/ParameterTypes.h"
 #include "core/DefinitionFiles.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"

@@ -1,7 +1,6 @@
 #include "cli/Cli.h"
 
 #include <QScopeGuard>
-#include <optional>
 
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
@@ -70,9 +69,9 @@ class Session {
 
   int Tree() { return Print(TreeText(core_), {}); }
   int Pages() { return Print(print::PagesText(core_, Printed()), {}); }
-  int Receive() { return RunTransfer(CommandEmpfangen_Click); }
-  int Send() { return RunTransfer(CommandSenden_Click); }
-  int Compare() { return RunTransfer(CommandVergleichen_Click); }
+  int Receive() { return RunTransfer(RunReceive); }
+  int Send() { return RunTransfer(RunSend); }
+  int Compare() { return RunTransfer(RunCompare); }
 
   int Standard() {
     CommandStandard_Click(core_);
@@ -208,26 +207,22 @@ class Session {
   }
 
   // Runs the command; the last line of its report is ended before anything else is written.
-  TransferOutcome ReportedTransfer(TransferOutcome (*command)(Core&)) {
+  TransferOutcome ReportedTransfer(void (*command)(Core&, TransferOutcome&)) {
     const auto finish = qScopeGuard([this] { view_.Finish(); });
-    // Not the outcome itself: from -O1 on gcc 12 drops the initial values of a plain struct where the call
-    // that is assigned to it in a lambda throws. valgrind shows it in the tests of errors inside a transfer.
-    std::optional<TransferOutcome> outcome;
-    RunHandler(box_, [&] { outcome = command(core_); });
-    return outcome.value_or(TransferOutcome());
+    TransferOutcome outcome;
+    RunHandler(box_, [&] { command(core_, outcome); });
+    return outcome;
   }
 
-  int RunTransfer(TransferOutcome (*command)(Core&)) {
+  int RunTransfer(void (*command)(Core&, TransferOutcome&)) {
     // A port that cannot be opened shows in the first query.
     (void)core_.controller.Configure(kSlot, kSettings9600);
     const TransferOutcome outcome = ReportedTransfer(command);
     if (arguments_.json) {
-      world_.out << CompareJson(report_.Text(), view_.Begun(), outcome.walk.failures, outcome.transferred)
-                        .toJson()
-                        .toStdString();
+      world_.out << CompareJson(module_, outcome, report_.Text()).toJson().toStdString();
     }
     if (!outcome.transferred) return kNoTransfer;
-    return outcome.walk.failures > 0 || outcome.walk.deviations > 0 ? kFindings : kDone;
+    return outcome.walk.Failures() > 0 || outcome.walk.Deviations() > 0 ? kFindings : kDone;
   }
 
   const Arguments& arguments_;

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "commands/EditorCommands.h"
-#include "core/TreeTexts.h"
+#include "core/ParameterTypes.h"
 
 using namespace Qt::StringLiterals;
 

@@ -166,23 +166,18 @@ QJsonDocument ValueFileJson(const ValueFileContent& content) {
                                    {u"records"_s, records}});
 }
 
-QJsonDocument CompareJson(const QString& report, const QStringList& begun, int failures, bool transferred) {
-  const QString change = u"Änderung bei: "_s;
-  const QString pc = u"   PC    : "_s;
-  const QString controller = u"   Regler: "_s;
+QJsonDocument CompareJson(const Module1& module, const TransferOutcome& outcome, const QString& report) {
   QJsonArray deviations;
-  QJsonObject deviation;
-  for (const QString& line : begun) {
-    if (line.startsWith(change)) deviation = {{u"Name"_s, line.sliced(change.size())}};
-    if (line.startsWith(pc)) deviation.insert(u"PC"_s, line.sliced(pc.size()));
-    if (line.startsWith(controller)) {
-      deviation.insert(u"Regler"_s, line.sliced(controller.size()));
-      deviations.append(deviation);
-    }
+  for (const ParameterResult& result : outcome.walk.results) {
+    if (result.outcome != ParameterResult::Outcome::Differs) continue;
+    const ParameterRecord& record = module.Par[result.index];
+    deviations.append(QJsonObject{{u"Name"_s, record.Name},
+                                  {u"PC"_s, ShownValue(record, result.pc)},
+                                  {u"Regler"_s, ShownValue(record, result.controller)}});
   }
   return QJsonDocument(
-      QJsonObject{{u"transferred"_s, transferred},
-                  {u"failures"_s, failures},
+      QJsonObject{{u"transferred"_s, outcome.transferred},
+                  {u"failures"_s, outcome.walk.Failures()},
                   {u"deviations"_s, deviations},
                   {u"lines"_s, QJsonArray::fromStringList(report.split(u"\r\n"_s, Qt::SkipEmptyParts))}});
 }

@@ -4,7 +4,7 @@
 #include <QJsonDocument>
 #include <QString>
 
-#include "core/Core.h"
+#include "commands/TransferCommands.h"
 #include "core/ValueFileFormat.h"
 
 namespace kalivor::cli {
@@ -23,9 +23,8 @@ namespace kalivor::cli {
 [[nodiscard]] QJsonDocument ParametersJson(const Module1& module);
 [[nodiscard]] QJsonDocument ValueFileJson(const ValueFileContent& content);
 
-/// A comparison: its report, with lines separated by CR LF, and the lines as they were `begun`, before
-/// progress put its dots behind them.
-[[nodiscard]] QJsonDocument CompareJson(const QString& report, const QStringList& begun, int failures,
-                                        bool transferred);
+/// A comparison; `report` are its lines, separated by CR LF.
+[[nodiscard]] QJsonDocument CompareJson(const Module1& module, const TransferOutcome& outcome,
+                                        const QString& report);
 
 }  // namespace kalivor::cli

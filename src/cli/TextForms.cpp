@@ -18,7 +18,6 @@ QString OnOneLine(const QString& text) {
 }
 
 void TextReportView::AppendLine(const QString& text) {
-  begun_.append(text);
   if (out_ == nullptr) return;
   if (lineOpen_) *out_ << '\n';
   *out_ << text.toStdString() << std::flush;

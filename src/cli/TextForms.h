@@ -53,13 +53,9 @@ class TextReportView final : public ReportView {
   /// Ends the last line.
   void Finish();
 
-  /// The lines as they were begun, without the dots that progress puts behind them.
-  [[nodiscard]] const QStringList& Begun() const { return begun_; }
-
  private:
   std::ostream* out_;
   bool lineOpen_ = false;
-  QStringList begun_;
 };
 
 /// Writes each box on a line of its own.

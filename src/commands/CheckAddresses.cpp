@@ -44,7 +44,7 @@ class MemoryCheck {
     }
     if (parameter.size == 0) return;
     const int start = address.right(kSentDigits).toInt(nullptr, 16);
-    if (parameter.isChar) {
+    if (parameter.sharesWord) {
       CheckChar(parameter, start);
     } else if (start % 2 != 0) {
       findings_.Error(file_, parameter.line,

@@ -11,6 +11,7 @@
 #include "base/Module1.h"
 #include "base/Numbers.h"
 #include "core/DefinitionFiles.h"
+#include "core/ParameterTypes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -41,17 +42,6 @@ constexpr int kLongestName = 50;
 constexpr int kLongestUnit = 4;
 constexpr int kMostDigits = 9;
 
-struct Range {
-  double lowest = 0;
-  double highest = 0;
-};
-
-template <typename Int>
-constexpr Range RangeOf() {
-  return {static_cast<double>(std::numeric_limits<Int>::min()),
-          static_cast<double>(std::numeric_limits<Int>::max())};
-}
-
 // Possessive throughout, so that no text takes long.
 const QRegularExpression& NumberForm() {
   static const QRegularExpression form(
@@ -76,7 +66,7 @@ class LineCheck {
     CheckTexts();
     CheckType();
     CheckDigits();
-    if (isString_) {
+    if (IsText()) {
       CheckStandardText();
     } else {
       CheckValues();
@@ -92,12 +82,13 @@ class LineCheck {
  private:
   void Error(const QString& text) { findings_.Error(file_, line_, text); }
   void Warning(const QString& text) { findings_.Warning(file_, line_, text); }
+  [[nodiscard]] bool IsText() const { return type_.kind == ValueKind::Text; }
 
   // A number that the program would read as something else than what stands there is reported; then, or when
   // it does not fit, there is no result.
-  std::optional<qint32> Number(Column column, const QString& label, Range range) {
+  std::optional<qint32> Number(Column column, const QString& label, NumberRange range) {
     const QString& text = columns_[column];
-    if (isString_ && text == u"-") return 0;
+    if (IsText() && text == u"-") return 0;
     double number = 0;
     try {
       number = LeadingNumber(text);
@@ -141,13 +132,13 @@ class LineCheck {
 
   void CheckType() {
     const QString& type = columns_[kTyp];
-    isString_ = type.startsWith(u"str");
-    result_.isChar = type == u"char";
-    if (isString_) {
+    type_ = TypeOf(type);
+    if (!IsText()) type_ = NumberTypeNamed(type);
+    result_.size = type_.bytes;
+    result_.sharesWord = type_.SharesWord();
+    if (IsText()) {
       CheckStringType();
-    } else if (type == u"long" || type == u"int" || type == u"char") {
-      result_.size = type == u"long" ? 4 : type == u"int" ? 2 : 1;
-    } else {
+    } else if (type_.kind == ValueKind::Unknown) {
       Error(u"Typ %1 ist unbekannt; möglich sind long, int, char und string mit einer Länge."_s.arg(
           Quoted(type)));
     }
@@ -178,8 +169,8 @@ class LineCheck {
   }
 
   void CheckDigits() {
-    const std::optional<qint32> decimals = Number(kZahl1, u"Zahl1"_s, RangeOf<qint16>());
-    const std::optional<qint32> dropped = Number(kZahl2, u"Zahl2"_s, RangeOf<qint16>());
+    const std::optional<qint32> decimals = Number(kZahl1, u"Zahl1"_s, kRangeOf<qint16>);
+    const std::optional<qint32> dropped = Number(kZahl2, u"Zahl2"_s, kRangeOf<qint16>);
     if (!decimals || !dropped) return;
     if (*decimals < 0 || *dropped < 0) Warning(u"Zahl1 und Zahl2 sollen nicht negativ sein."_s);
     if (*decimals + std::max(0, *dropped) > kMostDigits) {
@@ -189,8 +180,8 @@ class LineCheck {
 
   void CheckStandardText() {
     // Not used, but read all the same, and a number that does not fit stops the program.
-    static_cast<void>(Number(kMin, u"Min"_s, RangeOf<qint32>()));
-    static_cast<void>(Number(kMax, u"Max"_s, RangeOf<qint32>()));
+    static_cast<void>(Number(kMin, u"Min"_s, type_.limits));
+    static_cast<void>(Number(kMax, u"Max"_s, type_.limits));
     if (textLength_ > 0 && columns_[kStandard].size() > textLength_) {
       Error(u"Standard %1 ist länger als %2 Zeichen."_s.arg(Quoted(columns_[kStandard]),
                                                             QString::number(textLength_)));
@@ -198,25 +189,21 @@ class LineCheck {
   }
 
   void CheckValues() {
-    const QString& type = columns_[kTyp];
     // A char is looked at more closely when its address is known.
-    const Range range = type == u"int"    ? RangeOf<qint16>()
-                        : type == u"char" ? Range{-128, 255}
-                                          : RangeOf<qint32>();
-    const std::optional<qint32> min = Number(kMin, u"Min"_s, range);
-    const std::optional<qint32> max = Number(kMax, u"Max"_s, range);
+    const std::optional<qint32> min = Number(kMin, u"Min"_s, type_.limits);
+    const std::optional<qint32> max = Number(kMax, u"Max"_s, type_.limits);
     std::optional<qint32> standard;
     if (columns_[kStandard] == u"-") {
       Error(u"Standard fehlt; gelesen wird 0."_s);
     } else {
-      standard = Number(kStandard, u"Standard"_s, range);
+      standard = Number(kStandard, u"Standard"_s, type_.limits);
     }
     for (const std::optional<qint32>& value : {min, max, standard}) {
       result_.lowest = std::min(result_.lowest, value.value_or(0));
       result_.highest = std::max(result_.highest, value.value_or(0));
     }
-    if (type == u"long" && result_.lowest < 0) {
-      Warning(u"Negative Werte vom Typ long kommen beim Regler verfälscht an."_s);
+    if (type_.losesSign && result_.lowest < 0) {
+      Warning(u"Negative Werte vom Typ %1 kommen beim Regler verfälscht an."_s.arg(type_.name));
     }
     if (!min || !max) return;
     if (*min > *max) {
@@ -235,16 +222,15 @@ class LineCheck {
         bracket < 0 ? QStringView() : QStringView(expression).sliced(bracket + 1).chopped(1);
     bool isNumber = false;
     const int element = index.toInt(&isNumber);
-    const int bytes = result_.isChar ? 1 : result_.size;
     if (!isNumber || element < 0) {
       Error(u"%1 hat keinen gültigen Index."_s.arg(Quoted(expression)));
-    } else if (isString_) {
+    } else if (IsText()) {
       Warning(u"Der Index in %1 bleibt bei Texten unbeachtet."_s.arg(Quoted(expression)));
     } else if (element > std::numeric_limits<qint16>::max() ||
-               element * bytes > std::numeric_limits<qint16>::max()) {
+               element * result_.size > std::numeric_limits<qint16>::max()) {
       Error(u"Der Index in %1 ist zu groß."_s.arg(Quoted(expression)));
     } else {
-      result_.offset = element * bytes;
+      result_.offset = element * result_.size;
     }
   }
 
@@ -253,7 +239,7 @@ class LineCheck {
   const int line_;
   Findings& findings_;
   QStringList columns_;
-  bool isString_ = false;
+  ParameterType type_;  // Unknown where the column names none
   int textLength_ = 0;
   CheckedParameter result_;
 };
@@ -338,7 +324,7 @@ class FileCheck {
 
 void CheckHeading(const QString& heading, const QString& file, Findings& findings) {
   const QString type = GetField(heading, kTyp);
-  if (type == u"long" || type == u"int" || type == u"char" || type.startsWith(u"string")) {
+  if (NumberTypeNamed(type).kind == ValueKind::Number || type.startsWith(u"string")) {
     findings.Error(file, 1, u"Die erste Zeile gilt als Überschrift; dieser Parameter wird nicht gelesen."_s);
   }
 }

@@ -17,7 +17,7 @@ struct CheckedParameter {
   QString address;           ///< column 9 as it stands, in versions without an address list
   int offset = 0;            ///< to be added to a listed address, in bytes
   int size = 0;              ///< bytes of controller memory; 0 when the type is unknown
-  bool isChar = false;       ///< may lie at an odd address
+  bool sharesWord = false;   ///< may lie at an odd address
   bool isPlantType = false;  ///< the "NoRubrik" record
   qint32 lowest = 0;         ///< of limits and standard
   qint32 highest = 0;

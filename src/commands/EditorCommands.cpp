@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "base/Numbers.h"
-#include "core/ControllerValue.h"
+#include "core/ParameterTypes.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"
 

@@ -16,10 +16,10 @@ void AddPlantNumberTooLarge(Core& core, qint16 number) {
   core.report.Add(u"Empfangene Anlagennummer ("_s + BlankNumber(number) + u") zu gross"_s);
 }
 
-// Reads the plant number; one that cannot be read counts as a failure of the transfer.
+// Reads the plant number; one that cannot be read, or is none, counts as a failure of the transfer.
 qint16 QueryPlantNumber(Core& core, TransferOutcome& outcome) {
   const qint16 number = ReadPlantNumber(core);
-  if (number == -1) ++outcome.walk.failures;
+  if (number == -1) outcome.walk.results.push_back({0, ParameterResult::Outcome::NotRead, 0});
   return number;
 }
 
@@ -42,16 +42,14 @@ bool FollowPlantType(Core& core, qint16 number) {
 
 // The controller's values into table and tree. Where a RuntimeError ends the walk, the tree shows what had
 // been taken over by then.
-WalkResult ReceiveIntoTree(Core& core) {
-  WalkResult walk;
+void ReceiveIntoTree(Core& core, WalkResult& walk) {
   try {
-    walk = Receive(core);
+    Receive(core, walk);
   } catch (const RuntimeError&) {
     Refresh(core, 2);
     throw;
   }
   Refresh(core, 2);
-  return walk;
 }
 
 // The lines and choices in which receiving and comparing differ.
@@ -60,7 +58,7 @@ struct FollowingTransfer {
   QString finished;
   QString aborted;
   bool switchesVersion;
-  WalkResult (*engine)(Core&);
+  void (*engine)(Core&, WalkResult&);
 };
 
 // Identifies the controller and selects its version, if that is allowed. False where the transfer ends here,
@@ -90,9 +88,7 @@ bool FollowVersion(Core& core, const FollowingTransfer& transfer) {
 bool RunFollowing(Core& core, const FollowingTransfer& transfer, TransferOutcome& outcome) {
   if (!FollowVersion(core, transfer)) return false;
   if (FollowPlantType(core, QueryPlantNumber(core, outcome))) {
-    const WalkResult walk = transfer.engine(core);
-    outcome.walk.failures += walk.failures;
-    outcome.walk.deviations += walk.deviations;
+    transfer.engine(core, outcome.walk);
     outcome.transferred = true;
   }
   return core.module.Abbruch == kFalse;
@@ -101,66 +97,80 @@ bool RunFollowing(Core& core, const FollowingTransfer& transfer, TransferOutcome
 // The frame of every transfer: busy, the report, the first and the last line, also where a RuntimeError ends
 // it. `run` returns false where the transfer was given up.
 template <typename Run>
-TransferOutcome RunTransfer(Core& core, const QString& started, const QString& finished,
-                            const QString& aborted, Run&& run) {
-  TransferOutcome outcome;
-  if (core.module.BusyDepth > 0) return outcome;
+void RunTransfer(Core& core, TransferOutcome& outcome, const QString& started, const QString& finished,
+                 const QString& aborted, Run&& run) {
+  if (core.module.BusyDepth > 0) return;
   const BusyGuard busy(core);
   core.report.Show();
   core.report.Add(started);
+  const auto giveUp = [&] {
+    outcome.transferred = false;
+    core.report.Add(aborted);
+  };
   try {
-    const bool done = run(outcome);
+    const bool done = run();
     outcome.transferred = outcome.transferred && done;
     core.report.Add(done ? finished : aborted);
   } catch (const RuntimeError&) {
-    core.report.Add(aborted);
+    giveUp();
     throw;
   } catch (const std::bad_alloc&) {
-    core.report.Add(aborted);
+    giveUp();
     throw;
   }
-  return outcome;
 }
 
-TransferOutcome Follow(Core& core, const FollowingTransfer& transfer) {
-  return RunTransfer(core, transfer.started, transfer.finished, transfer.aborted,
-                     [&](TransferOutcome& outcome) { return RunFollowing(core, transfer, outcome); });
-}
-
-// The controller's values into the table, after the user decided for the controller's side of a question.
-void TakeOverValues(Core& core, TransferOutcome& outcome) {
-  outcome.walk.failures += ReceiveIntoTree(core).failures;
+void Follow(Core& core, TransferOutcome& outcome, const FollowingTransfer& transfer) {
+  RunTransfer(core, outcome, transfer.started, transfer.finished, transfer.aborted,
+              [&] { return RunFollowing(core, transfer, outcome); });
 }
 
 void WritePlantType(Core& core, TransferOutcome& outcome) {
   const ParameterRecord& plantType = core.module.Par[0];
   if (plantType.VarAdresse.isEmpty()) return;
   if (core.controller.WriteWord(kSlot, plantType.Wert, plantType.VarAdresse)) return;
-  core.report.Add(u"Fehler bei: "_s + plantType.Variable);
-  ++outcome.walk.failures;
+  outcome.walk.results.push_back({0, ParameterResult::Outcome::NotSent});
+  ReportResult(core, outcome.walk.results.back());
 }
 
 }  // namespace
 
+void RunReceive(Core& core, TransferOutcome& outcome) {
+  Follow(core, outcome,
+         {u"Empfangen.."_s, u"Empfangen beendet"_s, u"Empfangen abgebrochen"_s, true, ReceiveIntoTree});
+}
+
+void RunCompare(Core& core, TransferOutcome& outcome) {
+  Follow(core, outcome,
+         {u"Vergleichen.."_s, u"Vergleich beendet"_s, u"Vergleich abgebrochen"_s, false, Compare});
+}
+
+void RunSend(Core& core, TransferOutcome& outcome) {
+  RunTransfer(core, outcome, u"Senden.."_s, u"Senden beendet"_s, u"Senden abgebrochen"_s, [&] {
+    if (!VersionVergleichen(core, outcome)) return false;
+    if (!AnlagenVergleichen(core, outcome)) return false;
+    Send(core, outcome.walk);
+    outcome.transferred = true;
+    return core.module.Abbruch == kFalse;
+  });
+}
+
 TransferOutcome CommandEmpfangen_Click(Core& core) {
-  return Follow(
-      core, {u"Empfangen.."_s, u"Empfangen beendet"_s, u"Empfangen abgebrochen"_s, true, ReceiveIntoTree});
+  TransferOutcome outcome;
+  RunReceive(core, outcome);
+  return outcome;
 }
 
 TransferOutcome CommandVergleichen_Click(Core& core) {
-  return Follow(core,
-                {u"Vergleichen.."_s, u"Vergleich beendet"_s, u"Vergleich abgebrochen"_s, false, Compare});
+  TransferOutcome outcome;
+  RunCompare(core, outcome);
+  return outcome;
 }
 
 TransferOutcome CommandSenden_Click(Core& core) {
-  return RunTransfer(core, u"Senden.."_s, u"Senden beendet"_s, u"Senden abgebrochen"_s,
-                     [&core](TransferOutcome& outcome) {
-                       if (!VersionVergleichen(core, outcome)) return false;
-                       if (!AnlagenVergleichen(core, outcome)) return false;
-                       outcome.walk.failures += Send(core).failures;
-                       outcome.transferred = true;
-                       return core.module.Abbruch == kFalse;
-                     });
+  TransferOutcome outcome;
+  RunSend(core, outcome);
+  return outcome;
 }
 
 void CommandStandard_Click(Core& core) {
@@ -188,7 +198,7 @@ bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
     core.module.VersionIndex = static_cast<qint16>(position + 1);
     versions.Select(position);
     Refresh(core, 4);
-    TakeOverValues(core, outcome);
+    ReceiveIntoTree(core, outcome.walk);
   }
   return false;
 }
@@ -214,7 +224,7 @@ bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
   }
   plants.Select(number);
   Refresh(core, 3);
-  TakeOverValues(core, outcome);
+  ReceiveIntoTree(core, outcome.walk);
   return false;
 }
 

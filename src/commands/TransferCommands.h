@@ -8,7 +8,7 @@ namespace kalivor {
 /// How a transfer command ended; the report holds the lines for the user.
 struct TransferOutcome {
   bool transferred = false;  ///< the engine ran to its end
-  WalkResult walk;           ///< failures and deviations, those of the plant type included
+  WalkResult walk;           ///< of the parameters, and of the plant type where that failed
 };
 
 /// Receive and compare follow the controller: its plant type is taken over; receive also switches to its
@@ -18,6 +18,11 @@ struct TransferOutcome {
 TransferOutcome CommandEmpfangen_Click(Core& core);
 TransferOutcome CommandVergleichen_Click(Core& core);
 TransferOutcome CommandSenden_Click(Core& core);
+
+/// The same; `outcome` (an empty one) holds what had happened by then also where a RuntimeError passes on.
+void RunReceive(Core& core, TransferOutcome& outcome);
+void RunCompare(Core& core, TransferOutcome& outcome);
+void RunSend(Core& core, TransferOutcome& outcome);
 
 /// Sets all parameters of the table to their standard values, checked or not. No controller traffic.
 void CommandStandard_Click(Core& core);

@@ -2,7 +2,7 @@
 
 #include "base/Numbers.h"
 #include "commands/EditorCommands.h"
-#include "core/TreeTexts.h"
+#include "core/ParameterTypes.h"
 
 namespace kalivor {
 namespace {

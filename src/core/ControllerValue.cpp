@@ -1,103 +1,73 @@
 #include "core/ControllerValue.h"
 
-#include <algorithm>
-
-#include "base/Numbers.h"
-#include "base/Windows1252.h"
 #include "base/su.h"
-#include "core/DefinitionFiles.h"
-#include "core/Walk.h"
-
-using namespace Qt::StringLiterals;
 
 namespace kalivor {
 namespace {
 
-std::optional<qint32> ReadLongNumber(Core& core, const ParameterRecord& record) {
-  qint16 high = 0;
-  qint32 low = 0;
-  if (!core.controller.ReadInt(kSlot, high, record.VarAdresse)) return {};
-  if (!core.controller.ReadLong(kSlot, low, LowWordAddress(record))) return {};
-  return high * 65536 + low;
+// Word `k` of a number: the first one carries the sign.
+bool ReadNumberWord(COM_A& controller, const QString& address, int k, qint32& word) {
+  if (k > 0) return controller.ReadLong(kSlot, word, address);
+  qint16 first = 0;
+  if (!controller.ReadInt(kSlot, first, address)) return false;
+  word = first;
+  return true;
 }
 
-std::optional<qint32> ReadIntNumber(Core& core, const ParameterRecord& record) {
-  qint16 word = 0;
-  if (!core.controller.ReadInt(kSlot, word, record.VarAdresse)) return {};
-  return word;
+ReadValue ReadNumber(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  Words words{};
+  for (int k = 0; k < type.WordCount(); ++k) {
+    if (!ReadNumberWord(controller, WordAddress(record, type, k), k, words.at(static_cast<std::size_t>(k)))) {
+      return {{false}, {}};
+    }
+  }
+  return {{}, {type.fromWords(words, IsOddAddress(record)), {}}};
 }
 
-std::optional<qint32> ReadCharNumber(Core& core, const ParameterRecord& record) {
-  qint16 word = 0;
-  if (!core.controller.ReadInt(kSlot, word, record.VarAdresse)) return {};
-  return IsOddAddress(record) ? word & 255 : word / 256;
+ReadValue ReadText(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  ReadValue read;
+  for (int k = 0; k < StringLength(record) / 2; ++k) {
+    qint16 word = 0;
+    if (!controller.ReadInt(kSlot, word, WordAddress(record, type, k))) {
+      read.moved = {false, k + 1};
+      break;
+    }
+    read.value.text += TextFromWord(word);
+  }
+  return read;
 }
 
-// The two characters of a word. A low byte of 128 or more raises the first one's code by one. Sending does
-// not make up for it, so a text with such a character in second place does not come back as it was sent.
-// Both stay, as controllers in the field have been set up with them.
-QString CharactersOf(qint16 word) {
-  if (word == -1) return u" "_s;
-  const int first = ((word + 128) >> 8) & 255;
-  return QString(CharacterFromByte(static_cast<quint8>(first))) +
-         CharacterFromByte(static_cast<quint8>(word & 255));
+Moved WriteNumber(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  qint16 shared = 0;
+  if (type.SharesWord() && !controller.ReadInt(kSlot, shared, record.VarAdresse)) return {false};
+  const Words words = type.toWords(record.Wert, IsOddAddress(record), shared);
+  for (int k = 0; k < type.WordCount(); ++k) {
+    const qint32 word = words.at(static_cast<std::size_t>(k));
+    if (!controller.WriteWord(kSlot, word, WordAddress(record, type, k))) return {false};
+  }
+  return {};
+}
+
+Moved WriteText(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  const int length = StringLength(record);
+  const QString text = su::Align(record.WertText, length, u"L", u" ");
+  for (int k = 0; k < length / 2; ++k) {
+    const int word = WordFromText(text, 2 * k);
+    if (!controller.WriteWord(kSlot, word, WordAddress(record, type, k))) return {false, k + 1};
+  }
+  return {};
 }
 
 }  // namespace
 
-Transfer TransferOf(const ParameterRecord& record) {
-  if (record.Typ.StartsWith(u"lon")) return Transfer::Long;
-  if (record.Typ.StartsWith(u"int")) return Transfer::Int;
-  if (record.Typ.StartsWith(u"cha")) return Transfer::Char;
-  if (record.Typ.StartsWith(u"str")) return Transfer::String;
-  return Transfer::None;
+ReadValue ReadController(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  return type.kind == ValueKind::Text ? ReadText(controller, record, type)
+                                      : ReadNumber(controller, record, type);
 }
 
-int StringLength(const ParameterRecord& record) {
-  return std::max<int>(0, LeadingInt16(QStringView(record.Typ.Padded()).sliced(6)));
-}
-
-QString LowWordAddress(const ParameterRecord& record) {
-  return su::HexPad(su::HexToNumber(record.VarAdresse) + 2, 8);
-}
-
-bool IsOddAddress(const ParameterRecord& record) {
-  // Only the last digit decides, whatever the length.
-  return static_cast<int>(su::HexToNumber(QStringView(record.VarAdresse).right(1))) % 2 != 0;
-}
-
-std::optional<qint32> ReadNumber(Core& core, const ParameterRecord& record) {
-  std::optional<qint32> number;
-  switch (TransferOf(record)) {
-    case Transfer::Long:
-      number = ReadLongNumber(core, record);
-      break;
-    case Transfer::Int:
-      number = ReadIntNumber(core, record);
-      break;
-    case Transfer::Char:
-      number = ReadCharNumber(core, record);
-      break;
-    case Transfer::String:
-    case Transfer::None:
-      return {};
-  }
-  if (!number) ReportFailure(core, record);
-  return number;
-}
-
-ReadText ReadString(Core& core, const ParameterRecord& record) {
-  ReadText result;
-  for (int k = 1; k <= StringLength(record) / 2; ++k) {
-    qint16 word = 0;
-    if (!core.controller.ReadInt(kSlot, word, AddOffset(record.VarAdresse, (k - 1) * 2))) {
-      ReportFailure(core, record, k);
-      return result;
-    }
-    result.text += CharactersOf(word);
-  }
-  result.complete = true;
-  return result;
+Moved WriteController(COM_A& controller, const ParameterRecord& record, const ParameterType& type) {
+  return type.kind == ValueKind::Text ? WriteText(controller, record, type)
+                                      : WriteNumber(controller, record, type);
 }
 
 }  // namespace kalivor

@@ -1,34 +1,30 @@
-// A parameter's value as the controller holds it.
+// Moving one parameter's value between PC and controller, word by word.
 #pragma once
 
 #include <optional>
 
-#include "core/Core.h"
+#include "comm/COM_A.h"
+#include "core/ParameterTypes.h"
 
 namespace kalivor {
 
-/// How a parameter is transferred, by the first three letters of its type.
-enum class Transfer { None, Long, Int, Char, String };
-
-[[nodiscard]] Transfer TransferOf(const ParameterRecord& record);
-
-/// Length of a string parameter: the number from character 7 of its type on.
-[[nodiscard]] int StringLength(const ParameterRecord& record);
-
-/// Address of the low word of a long value: always 8 digits.
-[[nodiscard]] QString LowWordAddress(const ParameterRecord& record);
-
-/// True when the parameter is the low byte of its word.
-[[nodiscard]] bool IsOddAddress(const ParameterRecord& record);
-
-/// Reads a long, int or char value. Empty after a failure, which is in the report then.
-[[nodiscard]] std::optional<qint32> ReadNumber(Core& core, const ParameterRecord& record);
-
-/// A string as far as it could be read.
-struct ReadText {
-  QString text;
-  bool complete = false;  ///< false after a failure, which is in the report then
+/// How far it came. What failed on the line has been told to the controller's failure handler.
+struct Moved {
+  bool complete = true;
+  std::optional<int> failedWord = {};  ///< of a text, from 1; the words of a number are not told apart
 };
-[[nodiscard]] ReadText ReadString(Core& core, const ParameterRecord& record);
+
+struct ReadValue {
+  Moved moved;
+  ParameterValue value;  ///< a number when complete, a text as far as it could be read
+};
+
+/// Reads the record's value. Throws RuntimeError (Overflow), like COM_A.
+[[nodiscard]] ReadValue ReadController(COM_A& controller, const ParameterRecord& record,
+                                       const ParameterType& type);
+
+/// Writes the record's value; stops at the first word that fails. Throws RuntimeError (Overflow).
+[[nodiscard]] Moved WriteController(COM_A& controller, const ParameterRecord& record,
+                                    const ParameterType& type);
 
 }  // namespace kalivor

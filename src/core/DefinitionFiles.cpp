@@ -6,6 +6,7 @@
 #include "base/Numbers.h"
 #include "base/Paths.h"
 #include "base/su.h"
+#include "core/ParameterTypes.h"
 #include "core/TextFile.h"
 
 using namespace Qt::StringLiterals;
@@ -68,8 +69,7 @@ qint16 OffsetOf(QStringView expression, const FixedText<8>& type) {
   const qsizetype bracket = expression.lastIndexOf(u'[');
   if (bracket < 0) return 0;
   const qint16 index = LeadingInt16(expression.sliced(bracket + 1).chopped(1));
-  const int size = type == u"long"_s ? 4 : type == u"int"_s ? 2 : type == u"char"_s ? 1 : 0;
-  return ToInt16(qint64{index} * size);
+  return ToInt16(qint64{index} * NumberTypeNamed(type.Trimmed()).bytes);
 }
 
 // The parameters 1..ParCount, the free slot behind the last included, as far as the table reaches.
@@ -182,7 +182,7 @@ ParameterRecord ParseDefinition(QStringView line, bool hasAddressList) {
   record.Zahl1 = LeadingInt16(columns.Next());
   record.Zahl2 = LeadingInt16(columns.Next());
   record.Typ = columns.Next().toString();
-  if (record.Typ.StartsWith(u"str")) {
+  if (TypeOf(record.Typ).kind == ValueKind::Text) {
     record.StandardText = standard.toString();
   } else {
     record.Standard = LeadingInt32(standard);

@@ -1,24 +1,23 @@
 // Receiving, sending and comparing the checked parameters.
 #pragma once
 
-#include "core/Core.h"
+#include "core/TransferReport.h"
 
 namespace kalivor {
 
-/// What a walk over the parameters came to; the report holds the lines.
-struct WalkResult {
-  int failures = 0;    ///< parameters with a "Fehler bei" line
-  int deviations = 0;  ///< parameters with an "Änderung bei" line
-};
+// The engines walk over the parameters in table order; those that the plant type hides are transferred as
+// well. They append to `walk` what happened to each checked one, which the report is told at once. An abort
+// request ends the walk behind the parameter at hand, a RuntimeError at once; what was appended by then
+// stays.
 
 /// Reads the checked parameters from the controller into the table.
-WalkResult Receive(Core& core);
+void Receive(Core& core, WalkResult& walk);
 
 /// Writes the checked parameters into the controller.
-WalkResult Send(Core& core);
+void Send(Core& core, WalkResult& walk);
 
-/// Reports where the controller's values differ from the table's.
-WalkResult Compare(Core& core);
+/// Finds where the controller's values differ from the table's.
+void Compare(Core& core, WalkResult& walk);
 
 /// The controller's plant number; 0 when the plant-type record has no address, -1 when it cannot be read.
 [[nodiscard]] qint16 ReadPlantNumber(Core& core);

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "base/su.h"
 #include "core/DefinitionFiles.h"
+#include "core/ParameterTypes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,10 +14,6 @@ namespace {
 constexpr QStringView kRootText =
     u"Anlage                                                         "
     u"Wert          Min.       Max.       Standard";
-
-QString Scaled(const ParameterRecord& record, qint32 value) {
-  return su::ScaledNumber(value, record.Zahl2, record.Zahl1, 6, 2, u" ");
-}
 
 QString NameColumn(const ParameterRecord& record) {
   return su::Align(record.Name, 50, u"L", u".");
@@ -50,8 +47,8 @@ bool ShowParam(Core& core, const ParameterRecord& record) {
   return ShowParam(core.module.PlantTypeList.SelectedText(), record.Zusatz);
 }
 
-bool IsStringForTree(const ParameterRecord& record) {
-  return record.Typ.StartsWith(u"string");
+QString Scaled(const ParameterRecord& record, qint32 value) {
+  return su::ScaledNumber(value, record.Zahl2, record.Zahl1, 6, 2, u" ");
 }
 
 QString ParamTextShort(const ParameterRecord& record) {

@@ -11,6 +11,10 @@ namespace kalivor {
 [[nodiscard]] bool ShowParam(QStringView selectedPlantType, QStringView plantTypes);
 [[nodiscard]] bool ShowParam(Core& core, const ParameterRecord& record);
 
+/// A number of the record (value, limit or default) in display units, as every column shows it.
+/// Throws RuntimeError (Overflow) when Zahl1 + Zahl2 is above 9.
+[[nodiscard]] QString Scaled(const ParameterRecord& record, qint32 value);
+
 /// The parameter line: name, value, unit, minimum, maximum, standard in columns.
 /// Throws RuntimeError (Overflow) when Zahl1 + Zahl2 is above 9; the short line does as well.
 [[nodiscard]] QString ParamText(const ParameterRecord& record);
@@ -23,9 +27,6 @@ namespace kalivor {
 
 /// The text of a group node.
 [[nodiscard]] QString GroupText(const QString& group);
-
-/// True when the tree and the editors treat the record as a text.
-[[nodiscard]] bool IsStringForTree(const ParameterRecord& record);
 
 /// Node keys: root "R", group "K 3", parameter "sK 17".
 [[nodiscard]] QString RootKey();

@@ -3,7 +3,7 @@
 
 #include "base/Windows1252.h"
 #include "base/su.h"
-#include "core/ControllerValue.h"
+#include "core/ParameterTypes.h"
 #include "sim/Telegram.h"
 
 namespace kalivor::sim {
@@ -78,31 +78,19 @@ QString Memory::Dump() const {
 
 void Memory::Set(const ParameterRecord& record, qint32 value, const QString& text) {
   if (record.VarAdresse.isEmpty()) return;
-  if (TransferOf(record) == Transfer::String) {
+  const ParameterType& type = TypeOf(record.Typ);
+  if (type.kind == ValueKind::Text) {
     SetText(record, text);
   } else {
-    SetNumber(record, value);
+    SetNumber(record, value, type.bytes);
   }
 }
 
-void Memory::SetNumber(const ParameterRecord& record, qint32 value) {
-  const quint16 address = AddressOf(record);
-  const auto bits = static_cast<quint32>(value);
-  switch (TransferOf(record)) {
-    case Transfer::Long:
-      SetWord(address, static_cast<quint16>(bits >> 16));
-      SetWord(static_cast<quint16>(address + 2), static_cast<quint16>(bits & 0xFFFF));
-      break;
-    case Transfer::Int:
-      SetWord(address, static_cast<quint16>(bits & 0xFFFF));
-      break;
-    case Transfer::Char:
-      SetByte(address, static_cast<quint8>(bits & 0xFF));
-      break;
-    case Transfer::String:
-    case Transfer::None:
-      break;
-  }
+void Memory::SetNumber(const ParameterRecord& record, qint32 value, int size) {
+  // Only a single byte may lie in the second half of a word.
+  const int address = size == 1 ? AddressOf(record) : AddressOf(record) & 0xFFFE;
+  for (int i = 0; i < size; ++i)
+    SetByte(static_cast<quint16>(address + i), static_cast<quint8>(value >> 8 * (size - 1 - i)));
 }
 
 void Memory::SetText(const ParameterRecord& record, const QString& text) {

@@ -32,7 +32,7 @@ class Memory {
   [[nodiscard]] QString Dump() const;
 
  private:
-  void SetNumber(const ParameterRecord& record, qint32 value);
+  void SetNumber(const ParameterRecord& record, qint32 value, int size);
   void SetText(const ParameterRecord& record, const QString& text);
   void Set(const ParameterRecord& record, qint32 value, const QString& text);
 

@@ -65,7 +65,7 @@ struct Round {
 QString RunOne(Pc& pc, const Round& round) {
   pc.report.OKButton_Click();
   const TransferOutcome outcome = round.command(pc.core);
-  if (!outcome.transferred || outcome.walk.failures != 0 || pc.view.lines.last() != round.end) {
+  if (!outcome.transferred || outcome.walk.Failures() != 0 || pc.view.lines.last() != round.end) {
     return pc.view.lines.join(u'\n');
   }
   if (!pc.box.texts.isEmpty()) return pc.box.texts.join(u'\n');

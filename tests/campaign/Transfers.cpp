@@ -217,8 +217,8 @@ class Installation {
       return u"questions: "_s + pc_.choice.questions.join(u'\n');
     if (returned == expected.thrown) return u"run-time error"_s;
     if (returned &&
-        (outcome.transferred != expected.transferred || outcome.walk.failures != expected.failures ||
-         outcome.walk.deviations != expected.deviations)) {
+        (outcome.transferred != expected.transferred || outcome.walk.Failures() != expected.failures ||
+         outcome.walk.Deviations() != expected.deviations)) {
       return u"outcome"_s;
     }
     return CompareState(u"state after "_s + pc_.view.lines.value(0));

@@ -14,6 +14,7 @@
 #include "print/pages/PageTexts.h"
 #include "sim/Controller.h"
 #include "sim/SimulatedLine.h"
+#include "sim/Telegram.h"
 
 using namespace Qt::StringLiterals;
 
@@ -239,6 +240,20 @@ TEST_F(CliTest, CompareAsJsonPrintsNothingElse) {
   EXPECT_EQ(result[u"deviations"_s].toArray()[0].toObject()[u"Regler"_s], u"   150.1 "_s)
       << "the dots of progress are not part of the value";
   EXPECT_EQ(result[u"lines"_s].toArray().last(), u"Vergleich beendet"_s);
+}
+
+TEST_F(CliTest, CompareAsJsonKeepsWhatWasFoundBeforeAnError) {
+  memory.SetWord(0x1F00, 1501);
+  int replies = 0;
+  model.OnResponse = [&](const QByteArray&, sim::Response& response) {
+    if (++replies == 4) response.chunks = {{0, sim::Sealed("10102RG000")}};
+  };
+  EXPECT_EQ(Run({u"compare"_s, u"--json"_s}), kNoTransfer);
+  const QJsonObject result = QJsonDocument::fromJson(QByteArray::fromStdString(out.str())).object();
+  EXPECT_FALSE(result[u"transferred"_s].toBool());
+  ASSERT_EQ(result[u"deviations"_s].toArray().size(), 1);
+  EXPECT_EQ(result[u"deviations"_s].toArray()[0].toObject()[u"Regler"_s], u"   150.1 "_s);
+  EXPECT_EQ(result[u"lines"_s].toArray().last(), u"Vergleich abgebrochen"_s);
 }
 
 TEST_F(CliTest, StandardPrintsNothing) {

@@ -25,7 +25,7 @@ TEST(CompareCommand, EqualValuesGiveDotsOnly) {
   const int rebuilt = site.main.tree.rebuilt;
   const TransferOutcome outcome = CommandVergleichen_Click(site.core);
   EXPECT_TRUE(outcome.transferred);
-  EXPECT_EQ(outcome.walk.deviations, 0);
+  EXPECT_EQ(outcome.walk.Deviations(), 0);
   EXPECT_EQ(site.Report(), u"Vergleichen...... | "_s + kDone);
   EXPECT_EQ(site.module.Par, before);
   EXPECT_EQ(site.main.tree.rebuilt, rebuilt) << "nothing has changed, so nothing is rebuilt";
@@ -37,7 +37,7 @@ TEST(CompareCommand, ReportsDeviations) {
   Site site;
   site.Store(0x1F00, {1501});
   const TransferOutcome outcome = CommandVergleichen_Click(site.core);
-  EXPECT_EQ(outcome.walk.deviations, 1);
+  EXPECT_EQ(outcome.walk.Deviations(), 1);
   EXPECT_EQ(site.report.lines,
             (QStringList{u"Vergleichen.."_s, u"Änderung bei: Drehzahl"_s, u"   PC    :    150.0 "_s,
                          u"   Regler:    150.1 ...."_s, kDone}));
@@ -71,7 +71,7 @@ TEST(CompareCommand, AnotherPlantTypeIsTakenOverAndComparedWithTheStandards) {
   site.Store(0x2000, {1});
   site.module.Par[1].Wert = 7;
   site.module.ParNode[1] = kFalse;
-  EXPECT_EQ(CommandVergleichen_Click(site.core).walk.deviations, 0);
+  EXPECT_EQ(CommandVergleichen_Click(site.core).walk.Deviations(), 0);
   EXPECT_EQ(site.module.PlantTypeList.Position(), 1);
   EXPECT_EQ(site.module.Par[1].Wert, 1500) << "the change of the plant type discards edited values";
   EXPECT_EQ(site.module.ParNode[1], kTrue);

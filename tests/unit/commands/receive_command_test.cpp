@@ -26,7 +26,7 @@ TEST(ReceiveCommand, TakesOverTheCheckedValues) {
   site.module.ParNode[2] = kFalse;
   const TransferOutcome outcome = CommandEmpfangen_Click(site.core);
   EXPECT_TRUE(outcome.transferred);
-  EXPECT_EQ(outcome.walk.failures, 0);
+  EXPECT_EQ(outcome.walk.Failures(), 0);
   EXPECT_EQ(site.module.Par[1].Wert, 1234);
   EXPECT_EQ(site.module.Par[2].Wert, 65536) << "not checked";
   EXPECT_EQ(site.module.Par[3].Wert, 0x22);
@@ -93,7 +93,7 @@ TEST(ReceiveCommand, ReportsWarningsAndFailuresInTheOrderOfTheTable) {
   site.Start();
   site.module.Par[2].VarAdresse.clear();
   site.Silence(3, 3);
-  EXPECT_EQ(CommandEmpfangen_Click(site.core).walk.failures, 2);
+  EXPECT_EQ(CommandEmpfangen_Click(site.core).walk.Failures(), 2);
   EXPECT_EQ(site.report.lines,
             (QStringList{u"Empfangen..."_s, u"Warnung: Variabel <N2> nicht bekannt."_s, u"Fehler bei Zwei"_s,
                          u"ERROR: kein Empfang"_s, u"Fehler bei: V3."_s, kDone}));
@@ -211,7 +211,7 @@ TEST(ReceiveCommand, WithoutAPlantNumberReceivesNothingWhereThereIsAChoice) {
   unreadable.Silence(2, 3);
   const TransferOutcome outcome = CommandEmpfangen_Click(unreadable.core);
   EXPECT_FALSE(outcome.transferred);
-  EXPECT_EQ(outcome.walk.failures, 1);
+  EXPECT_EQ(outcome.walk.Failures(), 1);
   EXPECT_EQ(unreadable.Report(), u"Empfangen.. | ERROR: kein Empfang | Fehler bei: ANL[0] | "_s + kDone);
   EXPECT_EQ(unreadable.module.Par[1].Wert, 1500);
 

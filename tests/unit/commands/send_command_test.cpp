@@ -131,7 +131,7 @@ TEST(SendCommand, FailuresOfThatReceiveAreCounted) {
   Site site(u"AB1-124.0"_s);
   site.choice.answers = {2};
   site.Silence(2, 3);
-  EXPECT_EQ(CommandSenden_Click(site.core).walk.failures, 1);
+  EXPECT_EQ(CommandSenden_Click(site.core).walk.Failures(), 1);
   EXPECT_EQ(site.Report(), u"Senden.. | ERROR: kein Empfang | Fehler bei: _abc. | "_s + kAborted);
 }
 
@@ -169,7 +169,7 @@ TEST(SendCommand, APlantTypeThatCannotBeWrittenDoesNotStopIt) {
   site.Silence(3, 3);
   const TransferOutcome outcome = CommandSenden_Click(site.core);
   EXPECT_TRUE(outcome.transferred);
-  EXPECT_EQ(outcome.walk.failures, 1);
+  EXPECT_EQ(outcome.walk.Failures(), 1);
   EXPECT_EQ(site.Writes().mid(3), kAllWrites);
   EXPECT_EQ(site.Report(), u"Senden.. | ERROR: kein Empfang | Fehler bei: ANL.... | "_s + kDone);
 }
@@ -226,7 +226,7 @@ TEST(SendCommand, WithoutAPlantNumberNothingIsSent) {
   Site unreadable;
   unreadable.Silence(2, 3);
   const TransferOutcome outcome = CommandSenden_Click(unreadable.core);
-  EXPECT_EQ(outcome.walk.failures, 1);
+  EXPECT_EQ(outcome.walk.Failures(), 1);
   EXPECT_EQ(unreadable.Report(), u"Senden.. | ERROR: kein Empfang | Fehler bei: ANL[0] | "_s + kAborted);
 
   // A single plant type makes no difference here.

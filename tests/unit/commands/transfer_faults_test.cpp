@@ -143,7 +143,7 @@ TEST(TransferFaults, ComparingReportsNoDeviationThatIsNone) {
 
     EXPECT_TRUE(pc.Rests());
     ExpectKnownLines(pc.report.lines);
-    EXPECT_LE(outcome.walk.deviations, MostWrongValues(run.fault));
+    EXPECT_LE(outcome.walk.Deviations(), MostWrongValues(run.fault));
     if (run.fault.kind != sim::FaultKind::ForeignReply) {
       EXPECT_EQ(pc.module.Par, before.Par);
     }

@@ -2,10 +2,10 @@
 #include "commands/TreeCommands.h"
 
 #include "commands/EditorCommands.h"
-#include "core/Engines.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"
 #include "fakes/Installation.h"
+#include "fakes/Walks.h"
 
 namespace kalivor::test {
 namespace {

@@ -1,6 +1,6 @@
 // The compare engine: what counts as a deviation, and how it is reported.
-#include "core/Engines.h"
 #include "fakes/Installation.h"
+#include "fakes/Walks.h"
 
 namespace kalivor::test {
 namespace {
@@ -27,8 +27,8 @@ TEST(Compare, EqualValuesGiveDotsOnly) {
   site.AddParameter(u"string4"_s, u"1F08"_s).WertText = u"ABC "_s;
   site.AddParameter(u"float"_s, u"1F08"_s).Wert = 1;
   const WalkResult result = site.Run();
-  EXPECT_EQ(result.deviations, 0);
-  EXPECT_EQ(result.failures, 0);
+  EXPECT_EQ(result.Deviations(), 0);
+  EXPECT_EQ(result.Failures(), 0);
   EXPECT_EQ(Lines(site.report.lines), u"Start......"_s);
 }
 
@@ -54,7 +54,7 @@ TEST(Compare, ReportsDeviationsInDisplayUnits) {
     record.Wert = example.pc;
     record.Zahl1 = example.decimals;
     record.Zahl2 = example.dropped;
-    EXPECT_EQ(site.Run().deviations, 1);
+    EXPECT_EQ(site.Run().Deviations(), 1);
     EXPECT_EQ(site.report.lines,
               (QStringList{u"Start"_s, u"Änderung bei: Drehzahl"_s, example.pcLine, example.controllerLine}));
   }
@@ -81,7 +81,7 @@ TEST(Compare, ComparesTextsInTheLengthOfTheType) {
     ParameterRecord& record = site.AddParameter(example.type, u"1F00"_s);
     record.Name = u"Kennwort"_s;
     record.WertText = example.pc;
-    EXPECT_EQ(site.Run().deviations, example.lines.isEmpty() ? 0 : 1);
+    EXPECT_EQ(site.Run().Deviations(), example.lines.isEmpty() ? 0 : 1);
     const QStringList expected = example.lines.isEmpty()
                                      ? QStringList{u"Start."_s}
                                      : QStringList{u"Start"_s, u"Änderung bei: Kennwort"_s} + example.lines;
@@ -93,8 +93,8 @@ TEST(Compare, ATextOfNegativeLengthIsAlwaysEqual) {
   Comparing site;
   site.AddParameter(u"string-1"_s, u"1F00"_s).WertText = u"ABCD"_s;
   const WalkResult result = site.Run();
-  EXPECT_EQ(result.deviations, 0);
-  EXPECT_EQ(result.failures, 0);
+  EXPECT_EQ(result.Deviations(), 0);
+  EXPECT_EQ(result.Failures(), 0);
   EXPECT_EQ(site.Requests(), QStringList());
   EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
 }
@@ -116,8 +116,8 @@ TEST(Compare, DoesNotCompareWhatItCouldNotRead) {
     site.AddParameter(u"int"_s, u"3000"_s);
     site.Silence(example.failing, 3);
     const WalkResult result = site.Run();
-    EXPECT_EQ(result.failures, 1);
-    EXPECT_EQ(result.deviations, 0);
+    EXPECT_EQ(result.Failures(), 1);
+    EXPECT_EQ(result.Deviations(), 0);
     EXPECT_EQ(site.report.lines, (QStringList{u"Start"_s, u"ERROR: kein Empfang"_s, example.failure}));
     EXPECT_EQ(site.Requests().last(), u"R3000"_s) << "the others are compared all the same";
   }
@@ -144,7 +144,7 @@ TEST(Compare, ReportsANegativeLongThatWasJustSent) {
   Comparing site;
   site.AddParameter(u"long"_s, u"1F00"_s).Wert = -1;
   Send(site.core);
-  EXPECT_EQ(site.Run().deviations, 1);
+  EXPECT_EQ(site.Run().Deviations(), 1);
   EXPECT_EQ(site.report.lines.last(), u"   Regler:  65535   ."_s);
 }
 

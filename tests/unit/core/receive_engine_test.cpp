@@ -1,7 +1,7 @@
 // The receive engine: how each type is read, and the walk that sending and comparing share.
-#include "core/ControllerValue.h"
-#include "core/Engines.h"
+#include "core/ParameterTypes.h"
 #include "fakes/Installation.h"
+#include "fakes/Walks.h"
 #include "sim/Telegram.h"
 
 namespace kalivor::test {
@@ -44,7 +44,7 @@ TEST(Receive, TakesOverNumbers) {
     Receiving site;
     site.Store(0x1F00, example.words);
     const ParameterRecord& record = site.AddParameter(example.type, example.address);
-    EXPECT_EQ(Receive(site.core).failures, 0);
+    EXPECT_EQ(Receive(site.core).Failures(), 0);
     EXPECT_EQ(record.Wert, example.expected) << testing::PrintToString(example.type + example.address);
     EXPECT_EQ(site.report.lines.last(), u"Start."_s);
   }
@@ -74,7 +74,7 @@ TEST(Receive, AddressesTheLowWordWithEightDigits) {
   for (const auto& example : cases) {
     ParameterRecord record;
     record.VarAdresse = example.address;
-    EXPECT_EQ(LowWordAddress(record), example.low);
+    EXPECT_EQ(WordAddress(record, TypeOf(u"long"_s), 1), example.low);
   }
 }
 
@@ -83,7 +83,7 @@ TEST(Receive, KeepsALongWhoseLowWordFails) {
   ParameterRecord& record = site.AddParameter(u"long"_s, u"1F00"_s, u"V3"_s);
   record.Wert = 77;
   site.Silence(2, 3);
-  EXPECT_EQ(Receive(site.core).failures, 1);
+  EXPECT_EQ(Receive(site.core).Failures(), 1);
   EXPECT_EQ(record.Wert, 77);
   EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V3."_s);
 }
@@ -124,7 +124,7 @@ TEST(Receive, TakesOverTexts) {
     site.Store(0x1F00, example.words);
     ParameterRecord& record = site.AddParameter(example.type, u"1F00"_s);
     record.WertText = u"old"_s;
-    EXPECT_EQ(Receive(site.core).failures, 0);
+    EXPECT_EQ(Receive(site.core).Failures(), 0);
     EXPECT_EQ(record.WertText, example.expected) << testing::PrintToString(example.type);
     EXPECT_EQ(site.report.lines.last(), u"Start."_s);
   }
@@ -134,7 +134,7 @@ TEST(Receive, ATextOfNegativeLengthHasNoWordsAndBecomesEmpty) {
   Receiving site;
   ParameterRecord& record = site.AddParameter(u"string-1"_s, u"1F00"_s);
   record.WertText = u"ABCD"_s;
-  EXPECT_EQ(Receive(site.core).failures, 0);
+  EXPECT_EQ(Receive(site.core).Failures(), 0);
   EXPECT_EQ(record.WertText, QString());
   EXPECT_EQ(site.Requests(), QStringList());
   EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
@@ -153,7 +153,7 @@ TEST(Receive, ATextStopsAtItsFirstFailedWordAndKeepsWhatWasRead) {
   ParameterRecord& record = site.AddParameter(u"string6"_s, u"1F00"_s);
   record.WertText = u"before"_s;
   site.Silence(2, 3);
-  EXPECT_EQ(Receive(site.core).failures, 1);
+  EXPECT_EQ(Receive(site.core).Failures(), 1);
   EXPECT_EQ(record.WertText, u"AB"_s);
   EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V[2]."_s);
   EXPECT_EQ(site.Requests().count(u"R1F04"_s), 0);
@@ -174,7 +174,7 @@ TEST(Receive, PassesOverOtherTypesButMarksProgress) {
     Receiving site;
     ParameterRecord& record = site.AddParameter(type, u"1F00"_s);
     record.Wert = 5;
-    EXPECT_EQ(Receive(site.core).failures, 0);
+    EXPECT_EQ(Receive(site.core).Failures(), 0);
     EXPECT_EQ(record.Wert, 5);
     EXPECT_EQ(site.Requests(), QStringList());
     EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
@@ -188,7 +188,7 @@ TEST(Receive, AReplyOfTheWrongLengthFailsWithoutALineOfTheTransport) {
   site.model.OnResponse = [](const QByteArray&, sim::Response& response) {
     response.chunks = {{0, sim::Sealed("10102R04D20")}};
   };
-  EXPECT_EQ(Receive(site.core).failures, 1);
+  EXPECT_EQ(Receive(site.core).Failures(), 1);
   EXPECT_EQ(record.Wert, 5);
   EXPECT_EQ(Lines(site.report.lines), u"Start | Fehler bei: V."_s);
 }
@@ -248,7 +248,7 @@ TEST(Walk, WithoutACheckedParameterThereIsNothingToDo) {
   site.AddParameter(u"int"_s, u"1000"_s);
   site.AddParameter(u"int"_s, QString());
   site.module.ParNode[1] = site.module.ParNode[2] = kFalse;
-  EXPECT_EQ(Receive(site.core).failures, 0);
+  EXPECT_EQ(Receive(site.core).Failures(), 0);
   EXPECT_EQ(site.Requests(), QStringList());
   EXPECT_EQ(Lines(site.report.lines), u"Start"_s);
 }
@@ -256,7 +256,7 @@ TEST(Walk, WithoutACheckedParameterThereIsNothingToDo) {
 TEST(Walk, WarnsOfAParameterWithoutAddressAndMarksNoProgress) {
   Receiving site;
   site.AddParameter(u"int"_s, QString(), u"N2"_s).Name = u"Zwei"_s;
-  EXPECT_EQ(Receive(site.core).failures, 1);
+  EXPECT_EQ(Receive(site.core).Failures(), 1);
   EXPECT_EQ(site.Requests(), QStringList());
   EXPECT_EQ(Lines(site.report.lines), u"Start | Warnung: Variabel <N2> nicht bekannt. | Fehler bei Zwei"_s);
 }
@@ -276,7 +276,7 @@ TEST(Walk, GoesOnAfterAFailure) {
   site.AddParameter(u"int"_s, u"1000"_s, u"V1"_s);
   const ParameterRecord& second = site.AddParameter(u"int"_s, u"2000"_s);
   site.Silence(1, 3);
-  EXPECT_EQ(Receive(site.core).failures, 1);
+  EXPECT_EQ(Receive(site.core).Failures(), 1);
   EXPECT_EQ(second.Wert, 7);
   EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V1.."_s);
 }
@@ -306,7 +306,7 @@ TEST(Walk, StopsWhereTheUserAbortsDuringTheWarningOfAParameterWithoutAddress) {
     site.report.onLine = [&] {
       if (site.report.lines.last().startsWith(during)) site.module.Abbruch = kTrue;
     };
-    EXPECT_EQ(Receive(site.core).failures, 1);
+    EXPECT_EQ(Receive(site.core).Failures(), 1);
     EXPECT_EQ(site.Requests(), QStringList{u"R1000"_s});
     EXPECT_EQ(Lines(site.report.lines),
               u"Start. | Warnung: Variabel <N2> nicht bekannt. | Fehler bei Zwei"_s);

@@ -1,6 +1,6 @@
 // The send engine: which words each type becomes, and what a failed write leads to.
-#include "core/Engines.h"
 #include "fakes/Installation.h"
+#include "fakes/Walks.h"
 
 namespace kalivor::test {
 namespace {
@@ -30,7 +30,7 @@ TEST(Send, WritesNumbers) {
   for (const auto& example : cases) {
     Sending site;
     site.AddParameter(example.type, u"1F00"_s).Wert = example.value;
-    EXPECT_EQ(Send(site.core).failures, 0);
+    EXPECT_EQ(Send(site.core).Failures(), 0);
     EXPECT_EQ(site.Requests(), example.requests) << example.value;
     EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
   }
@@ -68,7 +68,7 @@ TEST(Send, WritesAByteIntoTheWordThatItReadBefore) {
     Sending site;
     site.Store(0x1F00, {example.old});
     site.AddParameter(u"char"_s, example.address).Wert = example.value;
-    EXPECT_EQ(Send(site.core).failures, 0);
+    EXPECT_EQ(Send(site.core).Failures(), 0);
     EXPECT_EQ(site.Requests(),
               (QStringList{u"R"_s + example.address, u"W"_s + example.address + example.written}));
   }
@@ -99,7 +99,7 @@ TEST(Send, WritesTexts) {
   for (const auto& example : cases) {
     Sending site;
     site.AddParameter(example.type, u"1F00"_s).WertText = example.text;
-    EXPECT_EQ(Send(site.core).failures, 0);
+    EXPECT_EQ(Send(site.core).Failures(), 0);
     EXPECT_EQ(site.Requests(), example.requests) << testing::PrintToString(example.text);
     EXPECT_EQ(Lines(site.report.lines), u"Start."_s);
   }
@@ -135,7 +135,7 @@ TEST(Send, FollowsTheWalkOfTheTable) {
   site.report.onDot = [&] {
     if (site.Requests().size() == 2) site.module.Abbruch = kTrue;
   };
-  EXPECT_EQ(Send(site.core).failures, 1);
+  EXPECT_EQ(Send(site.core).Failures(), 1);
   EXPECT_EQ(site.Requests(), (QStringList{u"W10000001"_s, u"W40000004"_s}));
   EXPECT_EQ(Lines(site.report.lines), u"Start. | Warnung: Variabel <N3> nicht bekannt. | Fehler bei Drei."_s);
 }
@@ -159,7 +159,7 @@ TEST(Send, ReportsAFailedNumberOnceAndGoesOn) {
     site.AddParameter(example.type, u"1F00"_s, u"V1"_s).Wert = 65;
     site.AddParameter(u"int"_s, u"3000"_s).Wert = 7;
     site.Silence(example.failing, 3);
-    EXPECT_EQ(Send(site.core).failures, 1);
+    EXPECT_EQ(Send(site.core).Failures(), 1);
     EXPECT_EQ(site.Requests(), example.requests + QStringList{u"W30000007"_s});
     EXPECT_EQ(Lines(site.report.lines), u"Start | ERROR: kein Empfang | Fehler bei: V1.."_s);
   }
@@ -170,7 +170,7 @@ TEST(Send, InterruptsTheUserForAFailedText) {
   site.AddParameter(u"string6"_s, u"1F00"_s).WertText = u"ABCDEF"_s;
   site.AddParameter(u"int"_s, u"3000"_s).Wert = 7;
   site.Silence(2, 3);
-  EXPECT_EQ(Send(site.core).failures, 1);
+  EXPECT_EQ(Send(site.core).Failures(), 1);
   const auto boxes = site.box.Take();
   ASSERT_EQ(boxes.size(), 1U);
   EXPECT_EQ(boxes[0].text, u"Fehler bei: V[2]"_s);

@@ -1,4 +1,5 @@
 // The parameter tree: lines in columns, what is shown, keys, groups, marks.
+#include "core/ParameterTypes.h"
 #include "core/TreeTexts.h"
 
 #include <optional>

@@ -80,10 +80,9 @@ class Session {
 
   int Identify() {
     (void)core_.controller.Configure(kSlot, kSettings9600);
-    const QString version = core_.controller.Identify(kSlot);
-    const bool failed = IsError(version);
-    (failed ? world_.err : world_.out) << version.toStdString() << '\n';
-    return failed ? kNoTransfer : kDone;
+    const Identification answer = core_.controller.AskVersion(kSlot);
+    (answer.succeeded ? world_.out : world_.err) << answer.text.toStdString() << '\n';
+    return answer.succeeded ? kDone : kNoTransfer;
   }
 
   int ShowValueFile() {

@@ -47,6 +47,11 @@ QString COM_A::Identify(qint16 slot) {
   return version;
 }
 
+Identification COM_A::AskVersion(qint16 slot) {
+  const QString answer = Identify(slot);
+  return {!IsError(answer), answer};
+}
+
 // Letter 0 writes, letter 1 reads; blanks without a selected version.
 QStringView COM_A::CommandLetter(int index) const {
   return QStringView(versions_.SelectedVersion().Kennung.Padded()).mid(index, 1);

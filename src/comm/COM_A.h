@@ -10,6 +10,12 @@
 
 namespace kalivor {
 
+/// What the version query came to.
+struct Identification {
+  bool succeeded = false;
+  QString text;  ///< the version ("AB1-123.4"); of a failure what the user reads about it
+};
+
 /// Words are 16 bits. An address is hexadecimal text, of which the last four characters are sent. Command
 /// letters come from the version table's row of the selected version.
 class COM_A {
@@ -27,6 +33,9 @@ class COM_A {
   /// The version text of the connected controller ("AB1-123.4"), or a failure ("ERROR: …"). Tries the
   /// current line rate, then 19200, then 9600 baud; the line keeps the rate that was tried last.
   [[nodiscard]] QString Identify(qint16 slot);
+
+  /// The same, with success and text apart.
+  [[nodiscard]] Identification AskVersion(qint16 slot);
 
   /// One version query without retries.
   [[nodiscard]] QString ReadVersion(qint16 slot);

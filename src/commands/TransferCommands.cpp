@@ -16,6 +16,13 @@ void AddPlantNumberTooLarge(Core& core, qint16 number) {
   core.report.Add(u"Empfangene Anlagennummer ("_s + BlankNumber(number) + u") zu gross"_s);
 }
 
+// Asks for the controller's version and keeps the answer.
+Identification IdentifyController(Core& core) {
+  Identification answer = core.controller.AskVersion(kSlot);
+  core.module.ReglerVersion = answer.text;
+  return answer;
+}
+
 // Reads the plant number; one that cannot be read, or is none, counts as a failure of the transfer.
 qint16 QueryPlantNumber(Core& core, TransferOutcome& outcome) {
   const qint16 number = ReadPlantNumber(core);
@@ -64,9 +71,9 @@ struct FollowingTransfer {
 // Identifies the controller and selects its version, if that is allowed. False where the transfer ends here,
 // with the reason in the report.
 bool FollowVersion(Core& core, const FollowingTransfer& transfer) {
-  QString& version = core.module.ReglerVersion;
-  version = core.controller.Identify(kSlot);
-  if (IsError(version)) {
+  const Identification answer = IdentifyController(core);
+  const QString& version = answer.text;
+  if (!answer.succeeded) {
     core.report.Add(version);
     return false;
   }
@@ -181,7 +188,8 @@ void CommandStandard_Click(Core& core) {
 
 bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
   SelectionList& versions = core.module.VersionList;
-  const QString version = core.module.ReglerVersion = core.controller.Identify(kSlot);
+  // A failure is looked up like a version, and found as little.
+  const QString version = IdentifyController(core).text;
   if (version == versions.SelectedText()) return true;
   const int position = core.module.VersionList.Find(version);
   if (position < 0) {

@@ -1,5 +1,6 @@
 # Hardening of everything that is built: guards on stack, calls and library functions, a random place in memory, and
-# tables of addresses that are read-only once the program runs. script/check-hardening looks for them in the results.
+# tables of addresses that are read-only once the program runs. script/release/check-hardening looks for them in the
+# results.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 

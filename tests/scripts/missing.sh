@@ -46,14 +46,14 @@ stub whole/kalivor-sim
 env=$(command -v env)
 PATH=$work/bin:$PATH
 
-expect 'There is no package: run script/package first.' script/check-package
-expect 'There is no package: run script/package first.' script/check-package nowhere.deb
-expect 'build/release/src/kalivor has not been built.' script/check-hardening
-expect 'build/dev/src/kalivor has not been built.' script/check-desktops
-expect 'half/kalivor-sim has not been built.' script/check-desktops half
+expect 'There is no package: run script/release/package first.' script/release/check-package
+expect 'There is no package: run script/release/package first.' script/release/check-package nowhere.deb
+expect 'build/release/src/kalivor has not been built.' script/release/check-hardening
+expect 'build/dev/src/kalivor has not been built.' script/release/check-desktops
+expect 'half/kalivor-sim has not been built.' script/release/check-desktops half
 expect 'No kalivor and kalivor-sim in build/dev: build them first.' script/screenshots
 expect 'No kalivor and kalivor-sim in half: build them first.' script/screenshots half
 expect 'The X server did not start: no screen' script/screenshots whole
 expect 'KALIVOR ist nicht installiert.' "$env" PATH="$work/basics" bash script/demo --installed
-expect 'This machine knows no place that holds' bash -c '. script/lib.sh; . script/tree.sh; make_tree tree'
+expect 'This machine knows no place that holds' bash -c '. script/lib.sh; . script/release/tree.sh; make_tree tree'
 [ -z "$wrong" ]

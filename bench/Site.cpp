@@ -42,22 +42,11 @@ QByteArray AddressList(int lines) {
   return BytesFromText(text);
 }
 
-platform::FileContent MemoryFiles::Read(const QString& path, qint64 /*largest_bytes*/) {
-  if (path.endsWith(u".INI")) return {versions, {}};
-  if (path.endsWith(u".TXT")) return {definitions, {}};
-  if (path.endsWith(u".ADR")) return {addresses, {}};
-  return {values, {}};
-}
-
-QString MemoryFiles::Overwrite(const QString& /*path*/, const QByteArray& beginning) {
-  values = beginning;
-  return {};
-}
-
 Site::Site(platform::SerialControl& line, platform::Clock& clock)
     : timers(clock), wiring(module, timers, line, {main, report, choice, editors, box, files, events}) {
   module.Inipath = u"bench"_s;
   module.Dateiname = u"values.qpf"_s;
+  files.files[kVersionTable] = VersionTable(false);
 }
 
 void Site::Start() {

@@ -1,11 +1,9 @@
 // What the benchmarks work on: generated definitions, files in memory, and a PC without a window.
 #pragma once
 
-#include <sstream>
-
-#include "cli/TextForms.h"
 #include "core/Wiring.h"
-#include "platform/Clock.h"
+#include "fakes/FakeClock.h"
+#include "fakes/NullForms.h"
 
 namespace kalivor::bench {
 
@@ -23,62 +21,26 @@ inline constexpr int kGroups = 40;
 /// An address list of `lines` lines; the variables of a full definition file are spread over it.
 [[nodiscard]] QByteArray AddressList(int lines);
 
-/// Three files and one written file, so that no disk is measured.
-class MemoryFiles final : public platform::FileSystem {
- public:
-  QByteArray versions = VersionTable(false);
-  QByteArray definitions;
-  QByteArray addresses;
-  QByteArray values;
+/// The paths of the files that a site reads; the folder that it has stored ends with a separator.
+inline const QString kVersionTable = QStringLiteral("bench/VF.INI");
+inline const QString kDefinitions = QStringLiteral("bench//DEF.TXT");
 
-  [[nodiscard]] platform::FileContent Read(const QString& path, qint64 largest_bytes) override;
-  [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
-};
-
-/// A line without anything at its end.
-class NoLine final : public platform::SerialControl {
- public:
-  [[nodiscard]] bool Open(int, const QString&) override { return false; }
-  void Close() override {}
-  [[nodiscard]] bool IsOpen() const override { return false; }
-  bool SetRts(bool) override { return false; }
-  bool ClearInBuffer() override { return false; }
-  bool ClearOutBuffer() override { return false; }
-  void SetSThreshold(int) override {}
-  void Output(const QByteArray&) override {}
-  [[nodiscard]] int InBufferCount() override { return 0; }
-  [[nodiscard]] QByteArray Input() override { return {}; }
-  [[nodiscard]] platform::InputWait WaitForInput(double) override { return platform::InputWait::TimedOut; }
-  [[nodiscard]] int CommEvent() override { return platform::kCommEventNone; }
-};
-
-/// Passes only where somebody sleeps, and then at once: takes the pauses of the line out.
-class PauselessClock final : public platform::Clock {
- public:
-  [[nodiscard]] double SecondsSinceMidnight() const override { return now_s_; }
-  void Sleep(double seconds) override { now_s_ += seconds + 1e-6; }
-
- private:
-  double now_s_ = 36000;
-};
-
-/// Everything of the command line program but its process.
+/// A PC without windows and disk, on the line that it is given.
 struct Site {
   Site(platform::SerialControl& line, platform::Clock& clock);
 
   /// Reads the files as at the program's start.
   void Start();
 
-  MemoryFiles files;
+  test::MemoryFiles files;
   Module1 module;
-  std::ostringstream messages;
-  cli::TextMainForm main;
-  cli::NoEditorForms editors;
-  cli::TextMessageBox box{messages};
-  cli::TextChoiceForm choice{module, messages, {}};
-  cli::InterruptEvents events{module, [] { return false; }};
+  test::PlainMainForm main;
+  test::NoEditors editors;
+  test::PlainMessageBox box;
+  test::PlainChoiceForm choice;
+  test::HookedEvents events;
   TH timers;
-  cli::TextReportView view{nullptr};
+  test::PlainReportView view;
   Report report{module, view, events, timers};
   Wiring wiring;
   COM_A& controller = wiring.controller;

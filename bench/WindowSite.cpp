@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 namespace kalivor::bench {
 
 WindowSite::WindowSite(int parameters) {
-  files.definitions = DefinitionFile(parameters);
+  files.files = {{kVersionTable, VersionTable(false)}, {kDefinitions, DefinitionFile(parameters)}};
   ui::RunSettings run;
   run.iniPath = u"bench"_s;
   desktop = std::make_unique<ui::Desktop>(ui::World{settings,

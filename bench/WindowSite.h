@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "Site.h"
+#include "fakes/FakeHelp.h"
 #include "platform/FileDialogs.h"
-#include "platform/Help.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/posix/SystemClock.h"
 #include "platform/qt/QtEvents.h"
@@ -22,13 +22,6 @@ class NoDialogs final : public platform::FileDialogs {
   [[nodiscard]] QString SaveFile(const QString&, const QString&) override { return {}; }
 };
 
-class NoHelp final : public platform::Help {
- public:
-  [[nodiscard]] QString HelpFile() const override { return {}; }
-  void Open(platform::HelpCommand) override {}
-  void ShowPage(const QString&) override {}
-};
-
 struct WindowSite {
   /// Started and shown, with this many parameters.
   explicit WindowSite(int parameters);
@@ -38,14 +31,13 @@ struct WindowSite {
 
   QTemporaryDir folder;
   platform::IniSettingsStore settings{folder.filePath(QStringLiteral("settings.ini"))};
-  std::ostringstream messages;
-  cli::TextMessageBox box{messages};
-  MemoryFiles files;
-  NoLine line;
+  test::PlainMessageBox box;
+  test::MemoryFiles files;
+  test::NoLine line;
   platform::SystemClock clock;
   platform::QtEvents events;
   NoDialogs dialogs;
-  NoHelp help;
+  test::FakeHelp help;
   print::NoPrinter printer{print::kLandscape};
   std::unique_ptr<ui::Desktop> desktop;
 };

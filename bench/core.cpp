@@ -19,8 +19,8 @@ using namespace Qt::StringLiterals;
 
 // Before the site, which connects itself with the line.
 struct NoWorld {
-  NoLine noLine;
-  PauselessClock clock;
+  test::NoLine noLine;
+  test::FakeClock clock;
 };
 
 // A site that reads its definitions from real files, as the program does.
@@ -62,7 +62,7 @@ BENCHMARK(AddressLists)->Arg(1000)->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->C
 
 struct ValueSite : NoWorld, Site {
   explicit ValueSite(int parameters) : Site(noLine, clock) {
-    files.definitions = DefinitionFile(parameters);
+    files.files[kDefinitions] = DefinitionFile(parameters);
     Start();
     WriteValueFile(core);
   }

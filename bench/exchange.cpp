@@ -153,9 +153,9 @@ void ReadInt(benchmark::State& state) {
   FarEnd far(Request().size(), WithChecksum("10102R04D2"));
   const QString device = QString::fromStdString(far.device);
   platform::PosixSerialControl line([&device](int) { return device; });
-  PauselessClock clock;
+  test::FakeClock clock;
   Site site(line, clock);
-  site.files.definitions = DefinitionFile(1);
+  site.files.files[kDefinitions] = DefinitionFile(1);
   site.Start();
   if (!site.controller.Configure(kSlot, kSettings9600).isEmpty()) Fail("Configure");
   const QString address = u"1F00"_s;

@@ -28,14 +28,14 @@ bool Start(int argc, char** argv) {
 
 // All parameters over a line in virtual time.
 bool ReceiveAll() {
-  PauselessClock clock;
+  test::FakeClock clock;
   sim::Memory memory;
   sim::Controller station(memory, 1, FixedText<2>(u"WR"_s), *sim::VersionPayload(u"AB1-123.4"_s));
   sim::Faults faults;
   sim::LineModel model(station, faults, {});
   sim::SimulatedLine line(clock, model);
   Site site(line, clock);
-  site.files.definitions = DefinitionFile(kLastParameter);
+  site.files.files[kDefinitions] = DefinitionFile(kLastParameter);
   site.Start();
   (void)site.controller.Configure(kSlot, kSettings9600);
   const TransferOutcome outcome = CommandEmpfangen_Click(site.core);

@@ -92,11 +92,12 @@ void AddressList(QByteArrayView input) {
   World& world = *made;
   NameParameters(world.module, input);
   world.files.files[u"ini//A.ADR"_s] = input.toByteArray();
-  world.box.shown = 0;
+  world.box.texts.clear();
   ReadSelectedAddresses(world.core);
 
   const Expected expected = PlainLoop(world.module, PlainItems(input));
-  Require(world.box.shown == (expected.failed ? 1 : 0), "a box where the list cannot be read to its end");
+  Require(world.box.texts.size() == (expected.failed ? 1 : 0),
+          "a box where the list cannot be read to its end");
   for (int i = 0; i < kParameters; ++i) {
     Require(world.module.Par[i + 1].VarAdresse == expected.addresses[static_cast<std::size_t>(i)],
             "the address that a plain loop finds");

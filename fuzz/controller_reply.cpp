@@ -51,7 +51,7 @@ QByteArray Hex(quint8 number) {
 /// Plays the input; what the program takes is kept.
 class ScriptedLine final : public platform::SerialControl {
  public:
-  explicit ScriptedLine(VirtualClock& clock) : clock_(clock) {}
+  explicit ScriptedLine(test::FakeClock& clock) : clock_(clock) {}
 
   int requests = 0;
   int waits = 0;
@@ -102,15 +102,15 @@ class ScriptedLine final : public platform::SerialControl {
   }
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
     Require(++waits < 10'000, "waiting comes to an end");
-    const double until = clock_.now + std::max(0.0, seconds);
+    const double begin = clock_.now;
     for (;;) {
       Deliver();
       if (!received_.isEmpty()) return platform::InputWait::Input;
       if (gone_) return platform::InputWait::LineGone;
-      if (pending_.empty() || pending_.front().at > until) break;
+      if (pending_.empty() || pending_.front().at > begin + seconds) break;
       clock_.now = std::max(clock_.now, pending_.front().at);
     }
-    clock_.Sleep(until - clock_.now);
+    clock_.Sleep(seconds - (clock_.now - begin));
     return platform::InputWait::TimedOut;
   }
   [[nodiscard]] int CommEvent() override {
@@ -186,7 +186,7 @@ class ScriptedLine final : public platform::SerialControl {
     }
   }
 
-  VirtualClock& clock_;
+  test::FakeClock& clock_;
   QByteArrayView script_;
   std::deque<Step> pending_;
   QByteArray received_;
@@ -280,7 +280,7 @@ void Operate(World& world, ScriptedLine& line, int operation) {
       if (world.controller.WriteWord(kSlot, 1234, address)) {
         Require(line.taken.size() >= 9, "a write is acknowledged by a whole reply");
       } else {
-        Require(world.report.lines.size() == 1, "a failed write is reported");
+        Require(world.view.lines.size() == 1, "a failed write is reported");
       }
       break;
     case 4:
@@ -298,7 +298,7 @@ void Operate(World& world, ScriptedLine& line, int operation) {
 }
 
 struct Site {
-  VirtualClock clock;
+  test::FakeClock clock;
   ScriptedLine line{clock};
   World world{line, clock};
 };
@@ -318,7 +318,7 @@ void ControllerReply(QByteArrayView input) {
   Site& site = *made;
   site.line.Start({});
   site.clock.now = 36000;
-  site.world.report.lines.clear();
+  site.world.report.OKButton_Click();
   (void)site.world.controller.Configure(kSlot, kSettings9600);
   site.line.Start(input.sliced(1));
   const double start = site.clock.now;

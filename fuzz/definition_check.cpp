@@ -40,10 +40,10 @@ void CheckReadable(World& world, bool hasList) {
   world.module.Versionen.resize(2);
   world.module.Versionen[1].DefDatei = u"A.TXT"_s;
   world.module.Versionen[1].AdrDatei = hasList ? u"A.ADR"_s : u"-"_s;
-  world.box.shown = 0;
+  world.box.texts.clear();
   ReadSelectedDefinitions(world.core);
   ReadSelectedAddresses(world.core);
-  Require(world.box.shown == 0, "an accepted address list can be read");
+  Require(world.box.texts.size() == 0, "an accepted address list can be read");
   BuildTree(world.core);
   for (int i = 1; i < world.module.ParCount; ++i)
     Require(!world.module.Par[i].VarAdresse.isEmpty(), "an accepted parameter has an address");

@@ -66,13 +66,13 @@ void Settings(QByteArrayView input) {
   const MemoryStore store(input);
   Require(platform::ReadIni(platform::WriteIni(store.Texts())) == store.Texts(),
           "a file written anew reads the same");
-  CountedBoxes box;
+  test::PlainMessageBox box;
   LoadSettings(*loaded, store, box, u"/programs"_s);
 
   int boxes = 0;
   CheckNumber(store, u"Adresse"_s, loaded->Adresse, boxes);
   CheckNumber(store, u"Schnittstelle"_s, loaded->Schnittstelle, boxes);
-  Require(box.shown == boxes, "a box for each number that is none");
+  Require(box.texts.size() == boxes, "a box for each number that is none");
   const OptionsContent options = OptionsOf(*loaded);
   Require(options.portPosition >= -1 && options.portPosition < 8, "the dialog has eight ports");
   Require(options.addressPosition >= -1 && options.addressPosition < 256, "the dialog has 256 addresses");
@@ -83,7 +83,7 @@ void Settings(QByteArrayView input) {
   SaveSettings(*loaded, changed);
   const MemoryStore stored(platform::WriteIni(changed.Texts()));
   LoadSettings(*again, stored, box, u"/elsewhere"_s);
-  Require(box.shown == boxes, "what is stored needs no box");
+  Require(box.texts.size() == boxes, "what is stored needs no box");
   Require(SameSettings(*loaded, *again), "what is stored reads back the same");
 }
 

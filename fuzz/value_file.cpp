@@ -68,8 +68,8 @@ void Reset(World& world, quint8 marks) {
     module.Par[i] = records[static_cast<std::size_t>(i - 1)];
     module.ParNode[i] = (marks >> (i - 1) & 1) != 0 ? kTrue : kFalse;
   }
-  world.box.shown = 0;
-  world.choice.asked = 0;
+  world.box.texts.clear();
+  world.choice.questions.clear();
 }
 
 QString WithoutBlanks(QString text) {
@@ -173,8 +173,8 @@ void ValueFile(QByteArrayView input) {
   const bool other = version == u"AB1-124.0";
   const Values expected = own || other ? Expected(plain, world.module) : ValuesOf(world.module);
   Require(ReadValueFile(world.core) == (own || other), "a file of a known version is read");
-  Require(world.box.shown == (own || other ? 0 : 1), "a box for an unknown version");
-  Require(world.choice.asked == (other ? 1 : 0), "a question for another version");
+  Require(world.box.texts.size() == (own || other ? 0 : 1), "a box for an unknown version");
+  Require(world.choice.questions.size() == (other ? 1 : 0), "a question for another version");
   Require(ValuesOf(world.module) == expected, "the values of the checked parameters");
   Require(world.module.BusyDepth == 0 && world.main.enabled, "the program is ready again");
   // Saving costs three times as much as loading.

@@ -47,11 +47,11 @@ void VersionTable(QByteArrayView input) {
   world.files.files[u"ini/VF.INI"_s] = input.toByteArray();
   world.module.VersionList.Clear();
   world.module.Versionen.assign(1, {});
-  world.box.shown = 0;
+  world.box.texts.clear();
   ReadVersions(world.core);
 
   const std::optional<QStringList> items = PlainItems(input);
-  Require(world.box.shown == (items && !items->isEmpty() ? 0 : 1), "a box where there is no version");
+  Require(world.box.texts.size() == (items && !items->isEmpty() ? 0 : 1), "a box where there is no version");
   if (!items) {
     Require(world.module.Versionen.size() == 1, "an unreadable table leaves the versions alone");
     return;

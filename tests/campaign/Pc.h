@@ -1,21 +1,21 @@
 // A PC wired as the programs wire it, on any line, clock and files.
 #pragma once
 
-#include "campaign/Forms.h"
 #include "commands/StartUp.h"
 #include "core/Wiring.h"
+#include "fakes/NullForms.h"
 
 namespace kalivor::campaign {
 
 /// Everything of one running program. `line`, `clock` and `files` must outlive it.
 struct Pc {
   Module1 module;
-  PlainMainForm main;
-  PlainReportView view;
-  PlainChoiceForm choice;
-  NoEditors editors;
-  PlainMessageBox box;
-  HookedEvents events;
+  test::PlainMainForm main;
+  test::PlainReportView view;
+  test::PlainChoiceForm choice;
+  test::NoEditors editors;
+  test::PlainMessageBox box;
+  test::HookedEvents events;
   TH timers;
   Report report;
   Wiring wiring;

@@ -344,7 +344,7 @@ class Installation {
   std::unique_ptr<Station> second_;
   StepClock clock_;
   Line line_;
-  MemoryFiles files_;
+  test::MemoryFiles files_;
   Pc pc_;
   QString settings_ = u"9600,o,7,1"_s;
   UserActions user_;

@@ -1,29 +1,30 @@
-// The windows of a PC without a user: they keep what they are shown, and ask a hook where a user could act.
+// What a program without windows, disk and line gets in their place. It keeps what it is shown, and asks a
+// hook where a user could act; it knows no test framework.
 #pragma once
 
 #include <QHash>
 #include <QStringList>
 #include <functional>
-#include <vector>
 
-#include "base/Module1.h"
 #include "core/Forms.h"
 #include "core/Report.h"
 #include "platform/Events.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
+#include "platform/SerialControl.h"
 #include "platform/plain/PlainTreeView.h"
 
-namespace kalivor::campaign {
+namespace kalivor::test {
 
 class PlainMainForm final : public MainForm {
  public:
   platform::PlainTreeView tree;
+  bool plantSelectorVisible = true;
   bool enabled = true;
   QString state;
 
   [[nodiscard]] platform::TreeView& Tree() override { return tree; }
-  void SetPlantSelectorVisible(bool) override {}
+  void SetPlantSelectorVisible(bool visible) override { plantSelectorVisible = visible; }
   void SetEnabled(bool on) override { enabled = on; }
   void ShowState(const QString& text) override { state = text; }
   void ShowAgain() override {}
@@ -51,13 +52,15 @@ class PlainReportView final : public ReportView {
   void SetAbortEnabled(bool on) override { abortEnabled = on; }
 };
 
-/// Keeps the questions; the answer comes with the next event.
+/// Keeps the questions. Where no hook answers at once, the answer has to come with an event.
 class PlainChoiceForm final : public ChoiceForm {
  public:
   QStringList questions;  ///< question and both choices, separated by "|"
+  std::function<void()> onShow;
 
   void Show(const QString& question, const QString& first, const QString& second) override {
     questions.append(question + u'|' + first + u'|' + second);
+    if (onShow) onShow();
   }
 };
 
@@ -75,7 +78,8 @@ class PlainMessageBox final : public platform::MessageBox {
   void Show(const QString& text, const QString&, Icon) override { texts.append(text); }
 };
 
-/// Lets the hooks act where a window program would deliver events.
+/// Lets the hooks act where a window program would deliver events. Waiting for one that no hook sends would
+/// never end.
 class HookedEvents final : public platform::Events {
  public:
   std::function<void()> onPending;
@@ -94,9 +98,10 @@ class MemoryFiles final : public platform::FileSystem {
  public:
   QHash<QString, QByteArray> files;
 
-  [[nodiscard]] platform::FileContent Read(const QString& path, qint64) override {
+  [[nodiscard]] platform::FileContent Read(const QString& path, qint64 largest_bytes) override {
     const auto found = files.constFind(path);
     if (found == files.constEnd()) return {{}, QStringLiteral("Datei nicht gefunden.")};
+    if (found->size() > largest_bytes) return {{}, QStringLiteral("Die Datei ist zu groß.")};
     return {*found, {}};
   }
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override {
@@ -105,4 +110,21 @@ class MemoryFiles final : public platform::FileSystem {
   }
 };
 
-}  // namespace kalivor::campaign
+/// No port can be opened.
+class NoLine final : public platform::SerialControl {
+ public:
+  [[nodiscard]] bool Open(int, const QString&) override { return false; }
+  void Close() override {}
+  [[nodiscard]] bool IsOpen() const override { return false; }
+  bool SetRts(bool) override { return false; }
+  bool ClearInBuffer() override { return false; }
+  bool ClearOutBuffer() override { return false; }
+  void SetSThreshold(int) override {}
+  void Output(const QByteArray&) override {}
+  [[nodiscard]] int InBufferCount() override { return 0; }
+  [[nodiscard]] QByteArray Input() override { return {}; }
+  [[nodiscard]] platform::InputWait WaitForInput(double) override { return platform::InputWait::LineGone; }
+  [[nodiscard]] int CommEvent() override { return platform::kCommEventNone; }
+};
+
+}  // namespace kalivor::test

@@ -9,9 +9,14 @@ namespace kalivor::campaign {
 namespace {
 
 using Kind = PlantParameter::Kind;
+using test::Character;
+using test::Digit;
+using test::Expired;
+using test::kLongestExchange_s;
+using test::kReplyTime_s;
+using test::Number;
+using test::Text;
 
-constexpr double kReplyTime_s = 0.4;
-constexpr double kLongestExchange_s = 1.2;
 constexpr double kPause_s = 0.02;
 constexpr double kTolerance_s = 1e-3;
 
@@ -33,16 +38,6 @@ void Require(bool holds, const QString& text) {
   if (!holds) Fail(text);
 }
 
-// The upper half of windows-1252 that differs from Latin-1.
-constexpr char16_t kHigh[32] = {0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
-                                0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
-
-QChar Character(int code) {
-  return code >= 0x80 && code < 0xA0 ? QChar(kHigh[code - 0x80]) : QChar(static_cast<char16_t>(code));
-}
-
 int Code(QChar character) {
   for (int code = 0; code < 256; ++code) {
     if (Character(code) == character) return code;
@@ -50,41 +45,8 @@ int Code(QChar character) {
   return '?';
 }
 
-QString Text(const QByteArray& bytes) {
-  QString text;
-  for (const char byte : bytes)
-    text += Character(static_cast<unsigned char>(byte));
-  return text;
-}
-
 QByteArray Hex4(qint64 number) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  QByteArray text;
-  for (int shift = 12; shift >= 0; shift -= 4)
-    text += kDigits[(number >> shift) & 15];
-  return text;
-}
-
-QByteArray Sum(const QByteArray& bytes) {
-  unsigned sum = 0;
-  for (const char byte : bytes)
-    sum += static_cast<unsigned char>(byte);
-  return Hex4(sum % 256).right(2);
-}
-
-// What is no hexadecimal digit counts as 0.
-int Digit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return 0;
-}
-
-int Number(const QByteArray& digits) {
-  int number = 0;
-  for (const char c : digits)
-    number = number * 16 + Digit(c);
-  return number;
+  return test::HexDigits(number, 4);
 }
 
 // From "8" on a first character makes the number negative.
@@ -127,43 +89,6 @@ QString Scaled(const PlantParameter& parameter, qint32 value) {
 
 QString Blank(int number) {
   return number < 0 ? QString::number(number) : u' ' + QString::number(number);
-}
-
-bool Expired(double start_s, double now_s, double duration_s) {
-  return now_s < start_s || now_s - start_s >= duration_s;
-}
-
-QString EventText(int event) {
-  switch (event) {
-    case 1001:
-      return u" Es wurde ein Anhaltesignal (Break-Signal) empfangen."_s;
-    case 1004:
-      return u" Datenblockfehler (Framing Error). Die Hardware hat einen Datenblockfehler entdeckt."_s;
-    case 1006:
-      return u" Anschlußüberlauf (Port Overrun). Es ist ein Zeichen verlorengegangen, da die Hardware nicht "
-             u"in der "
-             "Lage war, dieses Zeichen zu lesen, bevor das nächste Zeichen eintraf."_s;
-    case 1008:
-      return u" Überlauf des Empfangspuffers (Receive Buffer Overflow). Der Empfangspuffer ist voll."_s;
-    case 1009:
-      return u" Paritätsfehler (Parity Error). Die Hardware hat einen Paritätsfehler entdeckt."_s;
-    case 1010:
-      return u" Sendepuffer voll (Transmit Buffer Full). Bei dem Versuch, ein Zeichen in die Warteschlange "
-             "aufzunehmen, wurde festgestellt, daß der Sendepuffer voll war."_s;
-    case 1011:
-      return u" Unerwarteter Fehler beim Abrufen des Device Control Block (DCB) für den Anschluß."_s;
-    default:
-      return {};
-  }
-}
-
-QString CodeText(const QByteArray& code) {
-  if (code == "02") return u" Code 02 Falscher Serialmode"_s;
-  if (code == "04") return u" Code 04 Falsches Kennzeichen"_s;
-  if (code == "05") return u" Code 05 Falsche Anzahl Parameter"_s;
-  if (code == "06") return u" Code 06 Falsches Zeichen"_s;
-  if (code == "07") return u" Code 07 Falsche Datensatznummer"_s;
-  return u" Code "_s + Text(code);
 }
 
 WrongClass ClassOf(const Line& line, const QByteArray& accepted, const std::vector<int>& origins,
@@ -569,11 +494,11 @@ Oracle::Reply Oracle::Transact(const QByteArray& body) {
   }
   if (!exchange.opened || !exchange.cleared) {
     Require(!exchange.frame, u"sent on a port that could not be opened"_s);
-    reply.error = WithEvent(u"ERROR: COM 1 nicht verfügber"_s, {}, exchange);
+    Require(exchange.event.has_value(), u"nobody asked for a line error"_s);
+    reply.error = test::WithEvent(u"ERROR: COM 1 nicht verfügber"_s, {}, *exchange.event);
     return reply;
   }
-  QByteArray frame = "#0102" + body;
-  frame += Sum(frame) + '\r';
+  const QByteArray frame = test::Summed("#0102" + body);
   Require(exchange.frame.has_value(), u"nothing was sent instead of "_s + Text(frame));
   Require(*exchange.frame == frame, Text(*exchange.frame) + u" was sent instead of "_s + Text(frame));
   Require(exchange.closedAt_s - exchange.sentAt_s <= kLongestExchange_s + kTolerance_s ||
@@ -581,81 +506,47 @@ Oracle::Reply Oracle::Transact(const QByteArray& body) {
           u"it took too long"_s);
 
   Receive(exchange, reply);
-  if (!reply.error.isEmpty()) return reply;
-  const QByteArray& line = reply.line;
-  if (line.size() < 9) {
-    reply.error = u"ERROR: unvollständige Antwort: "_s + Text(line);
-  } else if (line.at(5) == '?') {
-    reply.error = u"ERROR: "_s + CodeText(line.mid(6, 2));
-  } else if (Sum(line.chopped(3)) != line.mid(line.size() - 3, 2)) {
-    reply.error = u"ERROR:  Checksumme Falsch"_s;
-  } else {
-    reply.payload = line.mid(6, line.size() - 9);
-    ++expected_.accepted;
-  }
+  if (reply.error.isEmpty()) ++expected_.accepted;
   return reply;
 }
 
-// What the characters come to: a line, or an error. Each is looked at by itself, whatever it came with.
+// What the characters come to, and that the program took them as it has to.
 void Oracle::Receive(const Exchange& exchange, Reply& reply) {
+  using State = test::ExchangeReading::State;
   const double begun_s = exchange.sentShown_s;
-  double since_s = begun_s;  // of the present wait, or of the first character
-  bool inLine = false;
-  QByteArray line;
+  test::ExchangeReading reading(exchange.frame->size(), begun_s);
   std::vector<int> origins;
-  for (std::size_t i = 0; i < exchange.takes.size(); ++i) {
-    const Taken& taken = exchange.takes[i];
-    const bool last = i + 1 == exchange.takes.size();
-    const bool late = inLine && (taken.gone || Expired(since_s, taken.shown_s, kReplyTime_s));
-    Require(inLine || !taken.bytes.isEmpty(), u"the buffer was empty"_s);
-    for (qsizetype at = 0; at < taken.bytes.size(); ++at) {
-      if (!inLine) {
-        line.clear();
-        origins.clear();
-        since_s = taken.shown_s;
-      }
-      line += taken.bytes.at(at);
-      origins.push_back(taken.origins[static_cast<std::size_t>(at)]);
-      inLine = static_cast<unsigned char>(line.back()) > 13;
-      if (inLine) continue;
-      if (late) break;
-      if (line.front() == '#') {
-        const qsizetype echo = std::min(line.size(), exchange.frame->size());
-        line.remove(0, echo);
-        origins.erase(origins.begin(), origins.begin() + echo);
-        if (line.isEmpty() || line.back() < 10 || line.back() > 13) {
-          since_s = taken.shown_s;
-          continue;
-        }
-      }
-      Require(last, u"went on after the reply"_s);
-      reply.line = line;
-      reply.origins = origins;
-      return;
-    }
-    if (late) {
-      Require(last, u"went on after the time was over"_s);
-      reply.error = WithEvent(u"ERROR: ungültiger Empfang:  ("_s + Text(line) + u")."_s, line, exchange);
-      return;
-    }
+  for (const Taken& taken : exchange.takes) {
+    Require(reading.GetState() == State::Waiting, u"went on after the end"_s);
+    Require(reading.InLine() || !taken.bytes.isEmpty(), u"the buffer was empty"_s);
+    reading.Take(taken.shown_s, taken.bytes, taken.gone);
+    origins.insert(origins.end(), taken.origins.begin(), taken.origins.end());
   }
-  const bool overLong =
-      !exchange.takes.empty() && Expired(begun_s, exchange.takes.back().shown_s, kLongestExchange_s);
-  if (inLine) {
-    Require(overLong, u"given up in the middle of a reply"_s);
-  } else {
-    Require(overLong || (exchange.endsWaiting &&
-                         (exchange.endsGone || Expired(since_s, exchange.endShown_s, kReplyTime_s) ||
-                          Expired(begun_s, exchange.endShown_s, kLongestExchange_s))),
-            u"given up too early"_s);
+  if (reading.GetState() == State::Waiting) RequireEnd(exchange, reading);
+  if (reading.GetState() != State::Complete) {
+    Require(exchange.event.has_value(), u"nobody asked for a line error"_s);
   }
-  reply.error = WithEvent(u"ERROR: kein Empfang"_s, {}, exchange);
+  reply.line = reading.Line();
+  const auto first = origins.begin() + reading.First();
+  reply.origins.assign(first, first + reading.Line().size());
+  test::Verdict verdict = reading.Result(exchange.event.value_or(0));
+  reply.error = verdict.failure;
+  reply.payload = verdict.payload;
 }
 
-QString Oracle::WithEvent(const QString& result, const QByteArray& reply, const Exchange& exchange) {
-  Require(exchange.event.has_value(), u"nobody asked for a line error"_s);
-  const QString text = EventText(*exchange.event);
-  return text.isEmpty() ? result : result + u" ("_s + Text(reply) + u") "_s + text;
+// The program gave up at the right time.
+void Oracle::RequireEnd(const Exchange& exchange, const test::ExchangeReading& reading) {
+  const double begun_s = exchange.sentShown_s;
+  const bool overLong =
+      !exchange.takes.empty() && Expired(begun_s, exchange.takes.back().shown_s, kLongestExchange_s);
+  if (reading.InLine()) {
+    Require(overLong, u"given up in the middle of a reply"_s);
+    return;
+  }
+  Require(overLong || (exchange.endsWaiting &&
+                       (exchange.endsGone || Expired(reading.Since_s(), exchange.endShown_s, kReplyTime_s) ||
+                        Expired(begun_s, exchange.endShown_s, kLongestExchange_s))),
+          u"given up too early"_s);
 }
 
 void Oracle::Judge(const Reply& reply, bool right) {

@@ -8,6 +8,7 @@
 
 #include "campaign/Line.h"
 #include "campaign/Plant.h"
+#include "rules/ExchangeRules.h"
 
 namespace kalivor::campaign {
 
@@ -102,7 +103,7 @@ class Oracle {
   Reply WithRetries(const QByteArray& body);
   Reply Transact(const QByteArray& body);
   void Receive(const Exchange& exchange, Reply& reply);
-  [[nodiscard]] QString WithEvent(const QString& result, const QByteArray& reply, const Exchange& exchange);
+  static void RequireEnd(const Exchange& exchange, const test::ExchangeReading& reading);
   const Exchange& NextExchange();
   void Judge(const Reply& reply, bool right);
 

@@ -52,21 +52,6 @@ void PrintTo(const Counts& counts, std::ostream* out) {
   *out << counts.accepted << " accepted, " << counts.wrong << " wrong";
 }
 
-int Digit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return 0;
-}
-
-// The number that characters stand for; what is no digit counts as 0.
-int Word(const QByteArray& digits) {
-  int word = 0;
-  for (const char c : digits)
-    word = word * 16 + Digit(c);
-  return word;
-}
-
 class DoubleSubstitutions : public testing::TestWithParam<QByteArray> {
  protected:
   DoubleSubstitutions() {
@@ -107,7 +92,7 @@ Counts Predicted(const QByteArray& good, int first, int second) {
     QByteArray changed = good;
     changed[first] = static_cast<char>(c);
     changed[second] = static_cast<char>(d);
-    if (Word(changed.mid(6, 4)) != Word(word)) ++counts.wrong;
+    if (Number(changed.mid(6, 4)) != Number(word)) ++counts.wrong;
   };
   if (second == end || first >= digits) return counts;  // the sum shows one of them at least
   for (int c = 0; c < 256; ++c) {
@@ -151,7 +136,7 @@ TEST_P(DoubleSubstitutions, PassExactlyWhereTheSumIsTheSame) {
             continue;
           }
           ++counts.accepted;
-          if (result.size() != 4 || su::HexToNumber(result) != Word(good.mid(6, 4))) ++counts.wrong;
+          if (result.size() != 4 || su::HexToNumber(result) != Number(good.mid(6, 4))) ++counts.wrong;
         }
       }
       const Counts predicted = Predicted(good, first, second);

@@ -82,14 +82,6 @@ void ForEveryChange(const QByteArray& good, Use&& use) {
   }
 }
 
-// A failure's text as Rules.h writes it down.
-QString InLatin1(const QString& text) {
-  QString result;
-  for (const QChar c : text)
-    result += QChar(static_cast<char16_t>(ByteFromCharacter(c)));
-  return result;
-}
-
 class SingleFaults : public testing::TestWithParam<Telegram> {
  protected:
   SingleFaults() {
@@ -104,11 +96,7 @@ class SingleFaults : public testing::TestWithParam<Telegram> {
     arrivals_ = arrivals;
     const QString result = transport_.Transact(kSlot, GetParam().body, true);
     const Verdict verdict = VerdictByRules(line_.request, arrivals);
-    const QString expected =
-        verdict.failure.isEmpty() ? QString::fromLatin1(verdict.payload) : verdict.failure;
-    if (InLatin1(result) != expected) {
-      ADD_FAILURE() << InLatin1(result).toStdString() << " instead of " << expected.toStdString();
-    }
+    EXPECT_EQ(result, verdict.failure.isEmpty() ? Text(verdict.payload) : verdict.failure);
     if (!verdict.failure.isEmpty()) return false;
     // A word has four digits, anything else is no value. Of a version the first eight characters count, and
     // what the reply to a write holds does not matter.

@@ -13,35 +13,6 @@ namespace {
 
 constexpr int kHeader = 5;  // the character behind it is "?" in a refusal
 
-// Gives the same reply at once, without an echo.
-class RepeatedLine final : public platform::SerialControl {
- public:
-  QByteArray reply;
-
-  [[nodiscard]] bool Open(int, const QString&) override { return open_ = true; }
-  void Close() override { open_ = false; }
-  [[nodiscard]] bool IsOpen() const override { return open_; }
-  bool SetRts(bool) override { return true; }
-  bool ClearInBuffer() override { return true; }
-  bool ClearOutBuffer() override { return true; }
-  void SetSThreshold(int) override {}
-  void Output(const QByteArray&) override { waits_ = true; }
-  [[nodiscard]] int InBufferCount() override { return 0; }
-  [[nodiscard]] QByteArray Input() override { return std::exchange(waits_, false) ? reply : QByteArray(); }
-  [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
-    if (waits_) return platform::InputWait::Input;
-    clock->Advance(seconds);
-    return platform::InputWait::TimedOut;
-  }
-  [[nodiscard]] int CommEvent() override { return 0; }
-
-  FakeClock* clock = nullptr;
-
- private:
-  bool open_ = false;
-  bool waits_ = false;
-};
-
 struct Counts {
   int accepted = 0;  // replies that passed
   int wrong = 0;     // of them, those whose word is another one
@@ -55,20 +26,21 @@ void PrintTo(const Counts& counts, std::ostream* out) {
 class DoubleSubstitutions : public testing::TestWithParam<QByteArray> {
  protected:
   DoubleSubstitutions() {
-    line_.clock = &clock_;
+    line_.answer = [this](const QByteArray&) { return std::vector<Arrival>{{1, reply_}}; };
     host_.Ports[kSlot] = {kFalse, 1, kControllerProtocol, 1, kSettings9600.toString()};
   }
 
   // What the program makes of the reply.
   QString Read(const QByteArray& reply) {
-    line_.reply = reply;
+    reply_ = reply;
     return transport_.Transact(kSlot, u"R1F00"_s, true);
   }
 
  private:
   Module1 module_;
   FakeClock clock_;
-  RepeatedLine line_;
+  PlayedLine line_{clock_};
+  QByteArray reply_;
   TH timers_{clock_};
   COM_T_frm host_{module_, line_, timers_};
   COM_T transport_{host_};

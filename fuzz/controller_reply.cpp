@@ -1,6 +1,6 @@
 // Controller reply: any bytes, at any time, as what the controller says to an operation.
 #include <algorithm>
-#include <cmath>
+#include <cctype>
 #include <deque>
 #include <memory>
 #include <optional>
@@ -8,8 +8,8 @@
 
 #include "Targets.h"
 #include "World.h"
-#include "base/Windows1252.h"
 #include "comm/COM_T.h"
+#include "rules/ExchangeRules.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,25 +37,17 @@ constexpr int kEvents[] = {platform::kCommEventNone,
                            platform::kCommEventDeviceControlBlock,
                            4711};
 
-quint8 SumOf(QByteArrayView bytes) {
-  unsigned sum = 0;
-  for (const char byte : bytes)
-    sum += static_cast<quint8>(byte);
-  return static_cast<quint8>(sum);
-}
-
-QByteArray Hex(quint8 number) {
-  return QByteArray::number(number, 16).toUpper().rightJustified(2, '0');
-}
-
-/// Plays the input; what the program takes is kept.
+/// Plays the input, and reads along by the rules what the program takes.
 class ScriptedLine final : public platform::SerialControl {
  public:
   explicit ScriptedLine(test::FakeClock& clock) : clock_(clock) {}
 
   int requests = 0;
   int waits = 0;
-  QByteArray taken;  ///< since the last request
+  bool refused = false;                          ///< the port could not be opened the last time
+  bool gone = false;                             ///< the device has vanished
+  QByteArray taken;                              ///< since the last request
+  std::optional<test::ExchangeReading> reading;  ///< of the last request
 
   void Start(QByteArrayView script) {
     script_ = script;
@@ -63,12 +55,14 @@ class ScriptedLine final : public platform::SerialControl {
     received_.clear();
     taken.clear();
     requests = waits = event_ = 0;
-    gone_ = false;
+    gone = refused = false;
+    reading.reset();
   }
 
   [[nodiscard]] bool Open(int, const QString&) override {
     Deliver();
-    if (gone_) return false;
+    refused = gone;
+    if (refused) return false;
     event_ = 0;
     return open_ = true;
   }
@@ -88,6 +82,8 @@ class ScriptedLine final : public platform::SerialControl {
     ++requests;
     Deliver();
     taken.clear();
+    reading.emplace(request.size(), clock_.now);
+    toldGone_ = false;
     Answer(request);
   }
 
@@ -98,6 +94,7 @@ class ScriptedLine final : public platform::SerialControl {
   [[nodiscard]] QByteArray Input() override {
     Deliver();
     taken += received_;
+    if (reading) reading->Take(clock_.now, received_, toldGone_);
     return std::exchange(received_, {});
   }
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override {
@@ -106,7 +103,10 @@ class ScriptedLine final : public platform::SerialControl {
     for (;;) {
       Deliver();
       if (!received_.isEmpty()) return platform::InputWait::Input;
-      if (gone_) return platform::InputWait::LineGone;
+      if (gone) {
+        toldGone_ = true;
+        return platform::InputWait::LineGone;
+      }
       if (pending_.empty() || pending_.front().at > begin + seconds) break;
       clock_.now = std::max(clock_.now, pending_.front().at);
     }
@@ -160,7 +160,7 @@ class ScriptedLine final : public platform::SerialControl {
           pending_.push_back({at, {}, {}, true});
           break;
         case kChecksum:
-          step.bytes += Hex(SumOf(step.bytes));
+          step.bytes += test::SumDigits(step.bytes);
           break;
         case kEcho:
           step.bytes += request;
@@ -177,8 +177,8 @@ class ScriptedLine final : public platform::SerialControl {
     while (!pending_.empty() && pending_.front().at <= clock_.now) {
       const Step step = pending_.front();
       pending_.pop_front();
-      gone_ = gone_ || step.gone;
-      if (!open_ || gone_) continue;
+      gone = gone || step.gone;
+      if (!open_ || gone) continue;
       received_ += step.bytes;
       if (!step.event) continue;
       event_ = *step.event;
@@ -191,109 +191,100 @@ class ScriptedLine final : public platform::SerialControl {
   std::deque<Step> pending_;
   QByteArray received_;
   bool open_ = false;
-  bool gone_ = false;
+  bool toldGone_ = false;  // the last wait said so
   int event_ = 0;
 };
 
-// The lines of what was received, each up to its first control character; raw reception knows none.
-std::vector<QByteArray> Lines(const QByteArray& taken, bool raw) {
-  if (raw) return {taken};
-  std::vector<QByteArray> lines(1);
-  for (const char c : taken) {
-    lines.back() += c;
-    if (static_cast<quint8>(c) <= '\r') lines.emplace_back();
-  }
-  return lines;
+// What the last exchange comes to by the rules.
+test::Verdict ByTheRules(ScriptedLine& line, bool raw = false) {
+  const int event = line.CommEvent();
+  if (line.refused) return {test::WithEvent(u"ERROR: COM 1 nicht verfügber"_s, {}, event), {}};
+  Require(line.reading.has_value(), "a request went out");
+  // Raw reception knows no lines.
+  if (raw && !line.taken.isEmpty()) return test::VerdictOnLine(line.taken);
+  return line.reading->Result(event);
 }
 
-bool IsGoodReply(const QByteArray& telegram, const QByteArray& payload) {
-  return telegram.mid(6, payload.size()) == payload && telegram.at(5) != '?' &&
-         telegram.mid(telegram.size() - 3, 2) == Hex(SumOf(telegram.chopped(3)));
-}
-
-// An accepted payload comes out of a line that ends with a whole telegram, with the right checksum.
-bool ComesFrom(const QByteArray& line, const QByteArray& payload) {
-  const qsizetype length = 6 + payload.size() + 3;
-  return line.size() >= length && IsGoodReply(line.last(length), payload);
-}
-
-void CheckAccepted(const QByteArray& taken, const QByteArray& payload, bool raw = false) {
-  const std::vector<QByteArray> lines = Lines(taken, raw);
-  Require(std::any_of(lines.begin(), lines.end(),
-                      [&](const QByteArray& line) { return ComesFrom(line, payload); }),
-          "a payload comes out of a whole reply with the right checksum");
-}
-
+// The number of four hexadecimal digits; nothing where one is none.
 std::optional<qint64> PlainWord(const QByteArray& digits, bool isSigned) {
-  qint64 number = 0;
-  for (const char c : digits) {
-    if (std::isxdigit(static_cast<unsigned char>(c)) == 0) return {};
-    number = number * 16 + QByteArray(1, c).toInt(nullptr, 16);
-  }
+  const auto valid = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+  if (!std::all_of(digits.begin(), digits.end(), valid)) return {};
+  const int number = test::Number(digits);
   return isSigned ? static_cast<qint16>(number) : number;
 }
 
-void CheckWord(const ScriptedLine& line, qint64 result, bool isSigned) {
-  const std::vector<QByteArray> lines = Lines(line.taken, false);
-  Require(std::any_of(lines.begin(), lines.end(),
-                      [&](const QByteArray& reply) {
-                        const QByteArray digits = reply.right(7).first(std::min<qsizetype>(reply.size(), 4));
-                        const std::optional<qint64> word = PlainWord(digits, isSigned);
-                        return ComesFrom(reply, digits) && (!word || *word == result);
-                      }),
-          "a word is that of a whole reply");
+// What reading a word came to. `result` is nothing where it failed.
+void CheckWord(World& world, ScriptedLine& line, std::optional<qint64> result, bool isSigned) {
+  const test::Verdict verdict = ByTheRules(line);
+  Require(world.view.lines == (verdict.failure.isEmpty() ? QStringList() : QStringList(verdict.failure)),
+          "a failure is reported, and nothing else");
+  Require(result.has_value() == (verdict.failure.isEmpty() && verdict.payload.size() == 4),
+          "a reply of four digits is a word");
+  if (!result) return;
+  const std::optional<qint64> word = PlainWord(verdict.payload, isSigned);
+  Require(!word || *word == *result, "a word is that of the reply");
 }
 
-void CheckVersion(const ScriptedLine& line, const QString& version) {
-  Require(IsError(version) || version.size() >= 3, "a version or a failure");
-  if (IsError(version)) return;
-  const std::vector<QByteArray> lines = Lines(line.taken, false);
-  Require(std::any_of(lines.begin(), lines.end(), [](const QByteArray& reply) { return reply.size() >= 9; }),
-          "a version comes out of a whole reply");
+void CheckVersion(ScriptedLine& line, const QString& version) {
+  const test::Verdict verdict = ByTheRules(line);
+  if (!verdict.failure.isEmpty()) {
+    Require(version == verdict.failure, "a failure that the rules name");
+  } else {
+    Require(!IsError(version) && version.size() >= 3, "a good reply is a version");
+  }
 }
 
-void Transact(World& world, ScriptedLine& line, qint16 protocol, bool wantReply) {
+void CheckTransact(World& world, ScriptedLine& line, qint16 protocol) {
   world.host.Ports[kSlot].Protokoll = protocol;
   COM_T transport(world.host);
-  const QString result = transport.Transact(kSlot, u"R1F00"_s, wantReply);
+  const QString result = transport.Transact(kSlot, u"R1F00"_s, true);
   Require(line.requests <= 1, "one attempt sends one request");
-  if (wantReply && !IsError(result)) {
-    CheckAccepted(line.taken, BytesFromText(result), protocol != kControllerProtocol);
-  }
+  const test::Verdict verdict = ByTheRules(line, protocol != kControllerProtocol);
+  Require(result == (verdict.failure.isEmpty() ? test::Text(verdict.payload) : verdict.failure),
+          "an attempt comes to what the rules say");
+}
+
+// Without the wish for a reply nothing is said but that there was no port.
+void CheckWithoutReply(World& world, ScriptedLine& line) {
+  COM_T transport(world.host);
+  const QString result = transport.Transact(kSlot, u"R1F00"_s, false);
+  Require(line.requests <= 1, "one attempt sends one request");
+  Require(IsError(result) || result.isEmpty(), "no reply is handed on");
 }
 
 void Operate(World& world, ScriptedLine& line, int operation) {
   qint16 word = 0;
   qint32 wide = 0;
+  bool good = false;
   const QString address = u"1F00"_s;
   switch (operation) {
     case 0:
       CheckVersion(line, world.controller.Identify(kSlot));
       break;
     case 1:
-      if (world.controller.ReadInt(kSlot, word, address)) CheckWord(line, word, true);
+      good = world.controller.ReadInt(kSlot, word, address);
+      CheckWord(world, line, good ? std::optional<qint64>(word) : std::nullopt, true);
       break;
     case 2:
-      if (world.controller.ReadLong(kSlot, wide, address)) CheckWord(line, wide, false);
+      good = world.controller.ReadLong(kSlot, wide, address);
+      CheckWord(world, line, good ? std::optional<qint64>(wide) : std::nullopt, false);
       break;
     case 3:
-      if (world.controller.WriteWord(kSlot, 1234, address)) {
-        Require(line.taken.size() >= 9, "a write is acknowledged by a whole reply");
-      } else {
-        Require(world.view.lines.size() == 1, "a failed write is reported");
-      }
+      good = world.controller.WriteWord(kSlot, 1234, address);
+      Require(good == ByTheRules(line).failure.isEmpty(), "a write is acknowledged by a good reply");
+      Require(good == world.view.lines.isEmpty(), "a failed write is reported");
       break;
     case 4:
       CheckVersion(line, world.controller.ReadVersion(kSlot));
       break;
     case 5:
-      Transact(world, line, 0, true);
+      CheckTransact(world, line, 0);
       break;
     case 6:
-      Transact(world, line, 18, true);
+      CheckTransact(world, line, 18);
       break;
     default:
-      Transact(world, line, kControllerProtocol, false);
+      CheckWithoutReply(world, line);
   }
 }
 
@@ -322,16 +313,16 @@ void ControllerReply(QByteArrayView input) {
   (void)site.world.controller.Configure(kSlot, kSettings9600);
   site.line.Start(input.sliced(1));
   const double start = site.clock.now;
+  const int operation = static_cast<quint8>(input.front()) & 7;
   try {
-    Operate(site.world, site.line, static_cast<quint8>(input.front()) & 7);
+    Operate(site.world, site.line, operation);
   } catch (const RuntimeError& error) {
     Require(error.GetKind() == RuntimeError::Kind::Overflow, "a reply that is no number may overflow only");
   }
   Require(!site.line.IsOpen(), "the port is closed afterwards");
   Require(site.line.requests <= 3, "three attempts at most");
   // Three exchanges of at most 1.2 s and their pauses; raw reception goes on for a second of silence.
-  const bool raw =
-      (static_cast<quint8>(input.front()) & 7) == 5 || (static_cast<quint8>(input.front()) & 7) == 6;
+  const bool raw = operation == 5 || operation == 6;
   Require(raw || site.clock.now - start < 3 * 1.2 + 0.2, "an exchange ends in time");
 }
 

@@ -45,6 +45,7 @@ ParameterResult HandleOne(Core& core, int index, Handle handle) {
 
 void Walk(Core& core, WalkResult& walk, Handle handle) {
   const Module1& module = core.module;
+  walk.results.reserve(walk.results.size() + static_cast<std::size_t>(module.ParCount));
   for (int i = 1; i < module.ParCount; ++i) {
     if (module.ParNode[i] != kFalse) {
       ParameterResult result = HandleOne(core, i, handle);

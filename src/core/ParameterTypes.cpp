@@ -71,8 +71,9 @@ const ParameterType& NumberTypeNamed(QStringView name) {
 }
 
 bool IsStringForTree(const ParameterRecord& record) {
-  const ParameterType& type = TypeOf(record.Typ);
-  return type.kind == ValueKind::Text && record.Typ.StartsWith(type.name);
+  return std::any_of(std::begin(kTypes), std::end(kTypes), [&record](const ParameterType& type) {
+    return type.kind == ValueKind::Text && record.Typ.StartsWith(type.name);
+  });
 }
 
 int StringLength(const ParameterRecord& record) {

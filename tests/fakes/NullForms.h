@@ -33,12 +33,13 @@ class PlainMainForm final : public MainForm {
 /// The report as the user sees it. `operations` counts what was added, whole lines and continuations.
 class PlainReportView final : public ReportView {
  public:
-  QStringList lines;
+  QStringList lines{QStringLiteral("Textbox")};  // as designed
   int operations = 0;
+  bool visible = false;
   bool okEnabled = true;
   bool abortEnabled = false;
 
-  void SetVisible(bool) override {}
+  void SetVisible(bool on) override { visible = on; }
   void Clear() override { lines.clear(); }
   void AppendLine(const QString& text) override {
     ++operations;

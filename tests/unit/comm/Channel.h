@@ -6,6 +6,7 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakeSerialControl.h"
 #include "fakes/ThrownKind.h"
+#include "rules/ExchangeRules.h"
 
 namespace kalivor::test {
 
@@ -24,24 +25,14 @@ struct Channel {
   }
 };
 
-/// `characters` with the two digits of their sum and a carriage return behind them, worked out by hand so
-/// that a fault of the program's own checksum shows.
-inline QByteArray Line(const QByteArray& characters) {
-  unsigned sum = 0;
-  for (const char c : characters)
-    sum += static_cast<unsigned char>(c);
-  const char* digits = "0123456789ABCDEF";
-  return characters + digits[sum / 16 % 16] + digits[sum % 16] + '\r';
-}
-
 /// A request to station 1.
 inline QByteArray Request(const QByteArray& body) {
-  return Line("#0102" + body);
+  return Summed("#0102" + body);
 }
 
 /// A good reply. Its header begins with no "#", so it cannot be mistaken for an echo.
 inline QByteArray Answer(const QByteArray& payload) {
-  return Line("10102R" + payload);
+  return Summed("10102R" + payload);
 }
 
 /// Times of the fake clock are sums of doubles.

@@ -9,8 +9,8 @@
 using namespace Qt::StringLiterals;
 using kalivor::test::Answer;
 using kalivor::test::Channel;
-using kalivor::test::Line;
 using kalivor::test::Request;
+using kalivor::test::Summed;
 using kalivor::test::ThrownKind;
 
 namespace kalivor {
@@ -158,7 +158,7 @@ TEST_F(ControllerCommands, ChangingTheRateUsesTheStoredAddressAndPort) {
   channel.module.Adresse = 17;
   channel.module.Schnittstelle = 3;
   line.Expect(kVersionQuery).Silence();
-  line.Expect(Line("#1102v00")).Reply(Answer("AB1-04D2"));
+  line.Expect(Summed("#1102v00")).Reply(Answer("AB1-04D2"));
   EXPECT_EQ(commands.Identify(1), u"AB1-123.4"_s);
   EXPECT_EQ(channel.host.Ports[1], (PortRecord{kFalse, 3, 16, 17, u"19200,o,7,1"_s}));
   EXPECT_EQ(line.opens.front().number, 1);

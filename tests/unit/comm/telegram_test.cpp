@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 using kalivor::test::Answer;
 using kalivor::test::Channel;
 using kalivor::test::kTimeTolerance_s;
-using kalivor::test::Line;
 using kalivor::test::Request;
+using kalivor::test::Summed;
 using kalivor::test::ThrownKind;
 
 namespace kalivor {
@@ -68,15 +68,15 @@ INSTANTIATE_TEST_SUITE_P(Known, Frame,
 
 // Only two digits of the address are sent.
 INSTANTIATE_TEST_SUITE_P(AddressDigits, Frame,
-                         testing::Values(FrameExample{0, u"v00"_s, Line("#0002v00")},
-                                         FrameExample{256, u"v00"_s, Line("#0002v00")},
-                                         FrameExample{-1, u"v00"_s, Line("#FF02v00")},
-                                         FrameExample{10, u"v00"_s, Line("#0A02v00")}));
+                         testing::Values(FrameExample{0, u"v00"_s, Summed("#0002v00")},
+                                         FrameExample{256, u"v00"_s, Summed("#0002v00")},
+                                         FrameExample{-1, u"v00"_s, Summed("#FF02v00")},
+                                         FrameExample{10, u"v00"_s, Summed("#0A02v00")}));
 
 // Characters go out, and are summed up, as bytes of the code page.
 INSTANTIATE_TEST_SUITE_P(CodePage, Frame,
-                         testing::Values(FrameExample{1, u"ä€"_s, Line("#0102\xE4\x80")},
-                                         FrameExample{1, u"\u4E2D"_s, Line("#0102?")}));
+                         testing::Values(FrameExample{1, u"ä€"_s, Summed("#0102\xE4\x80")},
+                                         FrameExample{1, u"\u4E2D"_s, Summed("#0102?")}));
 
 TEST_F(Telegram, TheOperationsOnTheLineHaveTheirOrder) {
   line.Expect(kRead).Reply("10102R04D220\r");
@@ -149,8 +149,8 @@ INSTANTIATE_TEST_SUITE_P(Good, Reply,
 
 // Neither the header nor the letter behind it is looked at.
 INSTANTIATE_TEST_SUITE_P(AnyHeader, Reply,
-                         testing::Values(ReplyExample{Line("?????R04D2"), u"04D2"_s},
-                                         ReplyExample{Line("     W04D2"), u"04D2"_s}));
+                         testing::Values(ReplyExample{Summed("?????R04D2"), u"04D2"_s},
+                                         ReplyExample{Summed("     W04D2"), u"04D2"_s}));
 
 INSTANTIATE_TEST_SUITE_P(Terminators, Reply,
                          testing::Values(ReplyExample{"10102R04D220\n", u"04D2"_s},    //
@@ -167,15 +167,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     ErrorCodes, Reply,
-    testing::Values(ReplyExample{Line("10102?02"), u"ERROR:  Code 02 Falscher Serialmode"_s},
+    testing::Values(ReplyExample{Summed("10102?02"), u"ERROR:  Code 02 Falscher Serialmode"_s},
                     ReplyExample{"10102?0400\r", u"ERROR:  Code 04 Falsches Kennzeichen"_s},
-                    ReplyExample{Line("10102?05"), u"ERROR:  Code 05 Falsche Anzahl Parameter"_s},
-                    ReplyExample{Line("10102?06"), u"ERROR:  Code 06 Falsches Zeichen"_s},
-                    ReplyExample{Line("10102?07"), u"ERROR:  Code 07 Falsche Datensatznummer"_s},
+                    ReplyExample{Summed("10102?05"), u"ERROR:  Code 05 Falsche Anzahl Parameter"_s},
+                    ReplyExample{Summed("10102?06"), u"ERROR:  Code 06 Falsches Zeichen"_s},
+                    ReplyExample{Summed("10102?07"), u"ERROR:  Code 07 Falsche Datensatznummer"_s},
                     ReplyExample{"10102?0399\r", u"ERROR:  Code 03"_s},
-                    ReplyExample{Line("10102?ZZ"), u"ERROR:  Code ZZ"_s},
-                    ReplyExample{Line("10102?"), u"ERROR:  Code 33"_s},
-                    ReplyExample{Line("10102?02 und mehr"), u"ERROR:  Code 02 Falscher Serialmode"_s}));
+                    ReplyExample{Summed("10102?ZZ"), u"ERROR:  Code ZZ"_s},
+                    ReplyExample{Summed("10102?"), u"ERROR:  Code 33"_s},
+                    ReplyExample{Summed("10102?02 und mehr"), u"ERROR:  Code 02 Falscher Serialmode"_s}));
 
 INSTANTIATE_TEST_SUITE_P(BadChecksums, Reply,
                          testing::Values(ReplyExample{"10102R04D221\r", u"ERROR:  Checksumme Falsch"_s},

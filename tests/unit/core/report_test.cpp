@@ -3,6 +3,7 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeForms.h"
+#include "fakes/NullForms.h"
 #include "fakes/QtPrinters.h"
 #include "fakes/ThrownKind.h"
 
@@ -11,25 +12,10 @@ using namespace Qt::StringLiterals;
 namespace kalivor::test {
 namespace {
 
-class FakeReportView final : public ReportView {
- public:
-  QStringList lines{u"Textbox"_s};  // as designed
-  bool visible = false;
-  bool okEnabled = true;
-  bool abortEnabled = false;
-
-  void SetVisible(bool on) override { visible = on; }
-  void Clear() override { lines.clear(); }
-  void AppendLine(const QString& text) override { lines.append(text); }
-  void ContinueLine(const QString& text) override { lines.last() += text; }
-  void SetOkEnabled(bool on) override { okEnabled = on; }
-  void SetAbortEnabled(bool on) override { abortEnabled = on; }
-};
-
 class ReportTest : public testing::Test {
  protected:
   Module1 module;
-  FakeReportView view;
+  PlainReportView view;
   FakeEvents events;
   FakeClock clock;
   TH timers{clock};

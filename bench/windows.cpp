@@ -104,8 +104,8 @@ BENCHMARK(Pdf);
 
 void PreviewTurn(benchmark::State& state) {
   PrintSite site;
-  const print::PrintWorld world{site.desktop->core, site.printer, [] { return true; },
-                                [] { return QString(); }, [] { return QDate(2026, 1, 1); }};
+  const print::PrintWorld world{site.desktop->core, site.printer, [] { return QString(); },
+                                [] { return QDate(2026, 1, 1); }};
   print::MDIFormPrint frame(world, [](const std::function<void()>& handler) { handler(); });
   frame.ShowForm();
   frame.Initialize_MDIPP();

@@ -107,13 +107,9 @@ COM_T::COM_T(COM_T_frm& host) : host_(host) {
 }
 
 QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
-  QString result;
-  RetryCount = 0;
-  do {
+  QString result = Transact(slot, body, wantReply);
+  for (int tries = 1; IsError(result) && tries < maxTries; ++tries)
     result = Transact(slot, body, wantReply);
-    ++RetryCount;
-  } while (IsError(result) && RetryCount < maxTries);
-  RetryCount = 0;
   return result;
 }
 

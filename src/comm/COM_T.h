@@ -37,11 +37,11 @@ class COM_T {
   bool WaitForFirstCharacter(const SoftTimer& bound);
   LineEnd ReceiveLine(const SoftTimer& bound);
   bool TakeLine();
+  /// kept: for protocols other than 15..17, which no controller of today speaks.
   QString ReceiveRaw();
   QString WithLineError(const QString& result, const QString& reply);
 
   COM_T_frm& host_;
-  int RetryCount = 0;
 
   // Kept from telegram to telegram, so that a transfer needs no new memory for each.
   QString frame_;

@@ -43,12 +43,13 @@ class COM_T_frm {
   /// Slots 0..3; any other throws RuntimeError (Bounds).
   BoundedArray<PortRecord, 3> Ports;
 
-  /// When set, the port and its RTS line stay up between telegrams. Nothing in the program sets it.
+  /// When set, the port and its RTS line stay up between telegrams.
+  /// kept: nothing sets it; it is the switch for looking at the line between telegrams.
   qint16 KeepOpen = kFalse;
 
   /// Set when the port reports that everything queued has been sent; cleared behind each output, so that a
-  /// report that comes from inside the output does not count. Kept, though nothing reads it: it tells whoever
-  /// looks into a stopped program whether the request has gone out.
+  /// report that comes from inside the output does not count.
+  /// kept: nothing reads it; it tells whoever looks into a stopped program whether the request has gone out.
   qint16 SendDone = kFalse;
 
   /// Stores the channel's data and tries the port once. Does nothing while an abort is requested.

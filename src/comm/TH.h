@@ -11,7 +11,7 @@ enum TimerNumber : int {
   kReplyTimer = 1,     ///< reply time-out
   kPauseTimer = 2,     ///< pause of the line after a port close
   kRawQuietTimer = 3,  ///< quiet time that ends raw reception
-  kCloseTimer = 4,     ///< started with every port close, never tested
+  kCloseTimer = 4,     ///< kept: started with every port close, never tested; it tells when that was
   kReportTimer = 5,    ///< pacing of the report's repaints
 };
 

@@ -1,4 +1,4 @@
-// Menu items that are hidden but keep their behaviour.
+// kept: what the hidden menu items do; whoever calls them by name still gets an answer.
 #pragma once
 
 #include "platform/Help.h"

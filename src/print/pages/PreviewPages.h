@@ -45,7 +45,7 @@ class PreviewPages {
   std::optional<qint16> MaxPage;  ///< number of pages; none before the first MakeTree()
   qint16 MaxLine = 0;             ///< lines of a page
   FontSizes FontSize;             ///< of the tree, the header and the footer, by scale
-  FontSizes FontSize2;            ///< the same once more
+  FontSizes FontSize2;            ///< kept: the same once more; nothing reads it
 
   /// Rebuilds the list from the parameters. It shows from its first line on then.
   void MakeTree();
@@ -53,6 +53,7 @@ class PreviewPages {
   /// Shows page `Page`; one behind the last line is empty.
   void selectPage();
 
+  /// kept: no button calls it; the frame's window button hides frame and preview together.
   void CommandAbbrechen() { HideForm(); }
 
   /// Turns the paper. `Page` stays, but is not selected again.

@@ -30,8 +30,10 @@ struct LineRange {
 
 struct PrintList {
   std::vector<PrintNode> nodes;
-  BoundedArray<qint16, 59> PageLastPar;  ///< per page (line number \ lines per page): its last parameter
-  std::optional<qint16> MaxPage;         ///< number of pages; none before the first Make()
+  /// Per page (line number \ lines per page) its last parameter.
+  /// kept: nothing reads it, but its size bounds the pages.
+  BoundedArray<qint16, 59> PageLastPar;
+  std::optional<qint16> MaxPage;  ///< number of pages; none before the first Make()
 
   /// Rebuilds the list from the checked parameters that `plantType` shows. A list that fills its last page
   /// gets one more, empty page. Throws RuntimeError: Bounds when a parameter falls on page number 60,

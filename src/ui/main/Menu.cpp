@@ -28,7 +28,7 @@ struct TopMenu {
   std::vector<Item> items;
 };
 
-// The items that are never visible are kept: what once called them by name still finds them.
+// kept: the items that are never visible; what calls them by name still finds them.
 const std::vector<TopMenu>& Menus() {
   static const std::vector<TopMenu> menus = {
       {u"mnuFile",

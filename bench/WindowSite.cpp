@@ -8,7 +8,7 @@ namespace kalivor::bench {
 
 WindowSite::WindowSite(int parameters) {
   files.files = {{kVersionTable, VersionTable(false)}, {kDefinitions, DefinitionFile(parameters)}};
-  ui::RunSettings run;
+  RunSettings run;
   run.iniPath = u"bench"_s;
   desktop = std::make_unique<ui::Desktop>(ui::World{settings,
                                                     box,

@@ -5,7 +5,7 @@
 
 #include "WindowSite.h"
 #include "core/Refresh.h"
-#include "print/PdfPrint.h"
+#include "print/painter/PdfPrint.h"
 
 namespace kalivor::bench {
 namespace {

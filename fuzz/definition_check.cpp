@@ -5,7 +5,7 @@
 #include "PlainReading.h"
 #include "Targets.h"
 #include "World.h"
-#include "commands/DefinitionCheck.h"
+#include "check/DefinitionCheck.h"
 #include "core/DefinitionFiles.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"

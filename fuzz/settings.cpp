@@ -6,7 +6,7 @@
 #include "World.h"
 #include "base/Numbers.h"
 #include "commands/OptionsCommands.h"
-#include "commands/StartUp.h"
+#include "commands/SettingsTable.h"
 #include "platform/plain/IniText.h"
 
 using namespace Qt::StringLiterals;

@@ -13,4 +13,13 @@ namespace kalivor {
 /// `directory` with a separator at its end, appended when there is none. An empty text gets one as well.
 [[nodiscard]] QString WithSeparator(const QString& directory);
 
+/// A full path in two parts.
+struct PathParts {
+  QString folder;  ///< with the separator at its end
+  QString file;
+};
+
+/// Splits behind the last separator. Throws RuntimeError (InvalidArgument) when there is none.
+[[nodiscard]] PathParts SplitPath(const QString& path);
+
 }  // namespace kalivor

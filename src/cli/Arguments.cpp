@@ -1,7 +1,6 @@
 #include "cli/Arguments.h"
 
-#include <functional>
-
+#include "base/CommandLine.h"
 #include "base/Numbers.h"
 #include "cli/Commands.h"
 #include "platform/RuntimeError.h"
@@ -11,24 +10,30 @@ using namespace Qt::StringLiterals;
 namespace kalivor::cli {
 namespace {
 
-// Takes over the value of one option; returns a German complaint or "".
-using TakeValue = QString (*)(Arguments&, const QString& value);
+// Each takes over the value of one option; returns a German complaint or "".
 
 template <std::optional<QString> Arguments::*Member>
 QString TakeText(Arguments& arguments, const QString& value) {
-  if (arguments.*Member) return u"mehrfach angegeben"_s;
+  if (arguments.*Member) return Repeated();
   arguments.*Member = value;
   return {};
 }
 
+template <std::optional<QString> RunSettings::*Member>
+QString TakeSetting(Arguments& arguments, const QString& value) {
+  if (arguments.run.*Member) return Repeated();
+  arguments.run.*Member = value;
+  return {};
+}
+
 QString TakeAddress(Arguments& arguments, const QString& value) {
-  if (arguments.address) return u"mehrfach angegeben"_s;
+  if (arguments.run.address) return Repeated();
   try {
     const qint16 address = StrictInt16(value);
-    if (address < 0 || address > 255) return u"keine Adresse von 0 bis 255: "_s + value;
-    arguments.address = address;
+    if (!kAdresse.Offers(address)) return NoAddress(value);
+    arguments.run.address = address;
   } catch (const RuntimeError&) {
-    return u"keine Adresse von 0 bis 255: "_s + value;
+    return NoAddress(value);
   }
   return {};
 }
@@ -54,7 +59,7 @@ QString TakeAnswer(Arguments& arguments, const QString& value) {
 // A whole number from `least` on.
 template <std::optional<qint16> Arguments::*Member, int Least>
 QString TakeCount(Arguments& arguments, const QString& value) {
-  if (arguments.*Member) return u"mehrfach angegeben"_s;
+  if (arguments.*Member) return Repeated();
   bool isNumber = false;
   const qint16 number = value.toShort(&isNumber);
   if (!isNumber || number < Least) return u"keine Zahl ab %1: %2"_s.arg(QString::number(Least), value);
@@ -63,20 +68,16 @@ QString TakeCount(Arguments& arguments, const QString& value) {
 }
 
 QString TakeDate(Arguments& arguments, const QString& value) {
-  if (arguments.date) return u"mehrfach angegeben"_s;
+  if (arguments.date) return Repeated();
   const QDate date = QDate::fromString(value, Qt::ISODate);
   if (!date.isValid()) return u"kein Datum der Form JJJJ-MM-TT: "_s + value;
   arguments.date = date;
   return {};
 }
 
-struct ValueOption {
-  QStringView name;
-  TakeValue take = nullptr;
-};
-constexpr ValueOption kValueOptions[] = {
-    {u"--ini-path", TakeText<&Arguments::iniPath>},
-    {u"--ini-file", TakeText<&Arguments::iniFile>},
+constexpr ValueOption<Arguments> kValueOptions[] = {
+    {u"--ini-path", TakeSetting<&RunSettings::iniPath>},
+    {u"--ini-file", TakeSetting<&RunSettings::iniFile>},
     {u"--controller", TakeText<&Arguments::controller>},
     {u"--plant", TakeText<&Arguments::plant>},
     {u"--port", TakeText<&Arguments::port>},
@@ -94,38 +95,12 @@ constexpr ValueOption kValueOptions[] = {
     {u"--page", TakeCount<&Arguments::page, 1>},
 };
 
-struct Switch {
-  QStringView name;
-  bool Arguments::*member = nullptr;
+constexpr Switch<Arguments> kSwitches[] = {
+    {u"--json", [](Arguments& arguments) { arguments.json = true; }},
+    {u"--landscape", [](Arguments& arguments) { arguments.landscape = true; }},
+    {u"--help", [](Arguments& arguments) { arguments.help = true; }},
+    {u"--program-version", [](Arguments& arguments) { arguments.programVersion = true; }},
 };
-constexpr Switch kSwitches[] = {
-    {u"--json", &Arguments::json},
-    {u"--landscape", &Arguments::landscape},
-    {u"--help", &Arguments::help},
-    {u"--program-version", &Arguments::programVersion},
-};
-
-// Reads one option at `at`, moving it on to the last argument that belongs to it.
-QString TakeOption(const QStringList& list, qsizetype& at, Arguments& arguments) {
-  const QString& text = list.at(at);
-  const qsizetype equals = text.indexOf(u'=');
-  const QString name = text.left(equals < 0 ? text.size() : equals);
-  for (const Switch& known : kSwitches) {
-    if (known.name != name) continue;
-    if (equals >= 0) return u"Option "_s + name + u" nimmt keinen Wert."_s;
-    arguments.*known.member = true;
-    return {};
-  }
-  for (const ValueOption& known : kValueOptions) {
-    if (known.name != name) continue;
-    if (equals < 0 && (at + 1 == list.size() || list.at(at + 1).startsWith(u"--"))) {
-      return u"Option "_s + name + u": Wert fehlt."_s;
-    }
-    const QString complaint = known.take(arguments, equals < 0 ? list.at(++at) : text.sliced(equals + 1));
-    return complaint.isEmpty() ? QString() : u"Option "_s + name + u": "_s + complaint + u'.';
-  }
-  return u"Unbekannte Option: "_s + name;
-}
 
 // Options that only some commands understand; returns a German complaint or "".
 QString MisplacedOption(const Arguments& arguments) {
@@ -175,7 +150,7 @@ Arguments ParseArguments(const QStringList& list) {
     if (!optionsEnded && list.at(at) == u"--") {
       optionsEnded = true;
     } else if (!optionsEnded && list.at(at).startsWith(u'-')) {
-      arguments.error = TakeOption(list, at, arguments);
+      arguments.error = TakeOption(kSwitches, kValueOptions, list, at, arguments);
     } else {
       words.append(list.at(at));
     }

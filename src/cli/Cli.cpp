@@ -2,19 +2,19 @@
 
 #include <QScopeGuard>
 
+#include "check/DefinitionCheck.h"
 #include "cli/Arguments.h"
 #include "cli/Commands.h"
 #include "cli/Edits.h"
 #include "cli/Output.h"
 #include "cli/TextForms.h"
-#include "commands/DefinitionCheck.h"
 #include "commands/EventBoundary.h"
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
 #include "core/ValueFiles.h"
 #include "core/Wiring.h"
-#include "print/PdfPrint.h"
+#include "print/painter/PdfPrint.h"
 
 using namespace Qt::StringLiterals;
 
@@ -118,19 +118,14 @@ class Session {
  private:
   // The options that stand for stored settings.
   void TakeSettings() {
-    if (arguments_.iniPath) module_.Inipath = *arguments_.iniPath;
-    if (arguments_.iniFile) module_.Inifile = *arguments_.iniFile;
-    if (arguments_.address) module_.Adresse = *arguments_.address;
-    if (!arguments_.port) return;
-    bool isNumber = false;
-    const int number = arguments_.port->toInt(&isNumber);
-    if (!isNumber) {
-      world_.useDevice(module_.Schnittstelle, *arguments_.port);
-    } else if (number >= 1 && number <= platform::kLargestPortNumber) {
-      module_.Schnittstelle = static_cast<qint16>(number);
-    } else {
-      throw BadInput{u"Keine Schnittstelle von 1 bis 8: "_s + *arguments_.port};
+    RunSettings run = arguments_.run;
+    QString device;
+    if (arguments_.port) {
+      const QString fault = TakePort(*arguments_.port, run, device);
+      if (!fault.isEmpty()) throw BadInput{fault};
     }
+    TakeRunSettings(module_, run);
+    if (!device.isEmpty()) world_.useDevice(module_.Schnittstelle, device);
   }
 
   // Whatever cannot be read is said in a box.

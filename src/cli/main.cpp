@@ -12,7 +12,7 @@
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SerialDevices.h"
 #include "platform/posix/SystemClock.h"
-#include "print/PdfPrint.h"
+#include "print/painter/PdfPrint.h"
 
 namespace {
 

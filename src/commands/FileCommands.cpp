@@ -17,7 +17,7 @@ bool Busy(const FileCommandContext& context) {
 // `path` is the current value file from now on, whether it can be read or not.
 void MakeCurrent(const FileCommandContext& context, const QString& path) {
   Module1& module = context.core.module;
-  const QString folder = FolderOf(path);
+  const QString folder = SplitPath(path).folder.chopped(1);
   module.Dateiname = path;
   context.showFile(path);
   module.Userpath = folder;
@@ -31,14 +31,6 @@ void SaveUnderNewName(const FileCommandContext& context, const QString& title) {
 }
 
 }  // namespace
-
-QString FolderOf(const QString& path) {
-  qsizetype end = path.size();
-  while (end > 0 && !IsSeparator(path.at(end - 1)))
-    --end;
-  if (end == 0) throw RuntimeError(RuntimeError::Kind::InvalidArgument);
-  return path.left(end - 1);
-}
 
 bool OpenValueFile(const FileCommandContext& context, const QString& path) {
   MakeCurrent(context, path);

@@ -26,8 +26,4 @@ void mnuFileClose_Click(const FileCommandContext& context);
 /// Opens `path` as the Open command does once the user has chosen it.
 bool OpenValueFile(const FileCommandContext& context, const QString& path);
 
-/// The folder of a full path, without separator at its end. Throws RuntimeError (InvalidArgument) when the
-/// path has none.
-[[nodiscard]] QString FolderOf(const QString& path);
-
 }  // namespace kalivor

@@ -1,40 +1,40 @@
 #include "commands/OptionsCommands.h"
 
 #include "base/Paths.h"
+#include "commands/SettingsTable.h"
 #include "core/Refresh.h"
 
 namespace kalivor {
 namespace {
 
-constexpr int kAddresses = 256;
+// The lists hold what the table of settings offers, from the lowest on.
+int PositionOf(const NumberSetting& setting, const Settings& settings) {
+  const qint16 number = settings.*setting.member;
+  return setting.Offers(number) ? number - setting.lowest : -1;
+}
 
-int PositionIn(int count, int position) {
-  return position >= 0 && position < count ? position : -1;
+void TakePosition(const NumberSetting& setting, int position, Settings& settings) {
+  if (position >= 0) settings.*setting.member = static_cast<qint16>(setting.lowest + position);
 }
 
 }  // namespace
 
-OptionsContent OptionsOf(const Module1& module) {
-  return {PositionIn(platform::kLargestPortNumber, module.Schnittstelle - 1), PositionIn(kAddresses, module.Adresse),
-          module.Inipath + module.Inifile, false};
+OptionsContent OptionsOf(const Settings& settings) {
+  return {PositionOf(kSchnittstelle, settings), PositionOf(kAdresse, settings),
+          settings.Inipath + settings.Inifile, false};
 }
 
 void ApplyOptions(Core& core, const OptionsContent& content) {
   Module1& module = core.module;
   if (module.BusyDepth > 0) return;
-  // The port list begins with COM1, the address list with 0.
-  if (content.portPosition >= 0) module.Schnittstelle = static_cast<qint16>(content.portPosition + 1);
-  if (content.addressPosition >= 0) module.Adresse = static_cast<qint16>(content.addressPosition);
+  TakePosition(kSchnittstelle, content.portPosition, module);
+  TakePosition(kAdresse, content.addressPosition, module);
   (void)core.controller.Configure(kSlot, kSettings9600);
   if (!content.pathChanged) return;
 
-  const QString& path = content.tablePath;
-  qsizetype folder = path.size();
-  while (folder > 0 && !IsSeparator(path.at(folder - 1)))
-    --folder;
-  if (folder == 0) throw RuntimeError(RuntimeError::Kind::InvalidArgument);
-  module.Inipath = path.left(folder);
-  module.Inifile = path.sliced(folder);
+  const PathParts table = SplitPath(content.tablePath);
+  module.Inipath = table.folder;
+  module.Inifile = table.file;
   Refresh(core, 5);
 }
 

@@ -14,7 +14,7 @@ struct OptionsContent {
 };
 
 /// What the dialog shows when it opens; positions outside the lists become -1.
-[[nodiscard]] OptionsContent OptionsOf(const Module1& module);
+[[nodiscard]] OptionsContent OptionsOf(const Settings& settings);
 
 /// Stores port, address and path, sets the line back to 9600 baud and, where the path was changed, reads
 /// everything anew. A port that cannot be opened is not reported here. Without a selection the stored value

@@ -1,6 +1,6 @@
 #include "kalivor/Arguments.h"
 
-#include <QHash>
+#include "base/CommandLine.h"
 
 using namespace Qt::StringLiterals;
 
@@ -19,38 +19,40 @@ constexpr QStringView kHelp =
     "\n"
     "Die Optionen gelten für diesen Lauf und werden nicht gespeichert.\n";
 
+constexpr Switch<Arguments> kSwitches[] = {
+    {u"--demo", [](Arguments& arguments) { arguments.demo = true; }},
+    {u"--help", [](Arguments& arguments) { arguments.help = true; }},
+    {u"--program-version", [](Arguments& arguments) { arguments.programVersion = true; }},
+};
+
+// The last of several values counts.
+template <std::optional<QString> Arguments::*Member>
+QString TakeText(Arguments& arguments, const QString& value) {
+  arguments.*Member = value;
+  return {};
+}
+
+constexpr ValueOption<Arguments> kValueOptions[] = {
+    {u"--ini-path", TakeText<&Arguments::iniPath>},
+    {u"--ini-file", TakeText<&Arguments::iniFile>},
+    {u"--port", TakeText<&Arguments::port>},
+};
+
+QString TakeValueFile(const QString& path, Arguments& arguments) {
+  if (!arguments.valueFile.isEmpty()) return u"Nur eine Wertedatei kann geöffnet werden: "_s + path;
+  arguments.valueFile = path;
+  return {};
+}
+
 }  // namespace
 
 Arguments ParseArguments(const QStringList& list) {
   Arguments arguments;
-  const QHash<QString, std::optional<QString>*> withValue{{u"--ini-path"_s, &arguments.iniPath},
-                                                          {u"--ini-file"_s, &arguments.iniFile},
-                                                          {u"--port"_s, &arguments.port}};
-  const QHash<QString, bool*> flags{{u"--demo"_s, &arguments.demo},
-                                    {u"--help"_s, &arguments.help},
-                                    {u"--program-version"_s, &arguments.programVersion}};
-  for (qsizetype i = 0; i < list.size() && arguments.error.isEmpty(); ++i) {
-    const QString& argument = list.at(i);
-    const QString name = argument.section(u'=', 0, 0);
-    if (!argument.startsWith(u"--")) {
-      if (arguments.valueFile.isEmpty()) {
-        arguments.valueFile = argument;
-      } else {
-        arguments.error = u"Nur eine Wertedatei kann geöffnet werden: "_s + argument;
-      }
-    } else if (withValue.contains(name)) {
-      if (argument.contains(u'=')) {
-        *withValue[name] = argument.section(u'=', 1);
-      } else if (i + 1 < list.size()) {
-        *withValue[name] = list.at(++i);
-      } else {
-        arguments.error = u"Option "_s + name + u": Wert fehlt."_s;
-      }
-    } else if (flags.contains(argument)) {
-      *flags[argument] = true;
-    } else {
-      arguments.error = u"Unbekannte Option: "_s + argument;
-    }
+  for (qsizetype at = 0; at < list.size() && arguments.error.isEmpty(); ++at) {
+    arguments.error = list.at(at).startsWith(u"--")
+                          ? TakeOption(kSwitches, kValueOptions, list, at, arguments,
+                                       {.valuesMayLookLikeOptions = true, .unknownAsWritten = true})
+                          : TakeValueFile(list.at(at), arguments);
   }
   return arguments;
 }

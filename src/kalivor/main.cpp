@@ -98,20 +98,6 @@ bool AnswerWithoutWindow(const QStringList& arguments) {
   return true;
 }
 
-// A port number, or a device that stands for the stored one. Returns "" or the fault.
-QString TakePort(const QString& text, ui::RunSettings& run, QString& device) {
-  bool isNumber = false;
-  const int number = text.toInt(&isNumber);
-  if (!isNumber) {
-    device = text;
-  } else if (number >= 1 && number <= platform::kLargestPortNumber) {
-    run.port = static_cast<qint16>(number);
-  } else {
-    return u"Keine Schnittstelle von 1 bis 8: "_s + text;
-  }
-  return {};
-}
-
 // A device that the user has named for a port may not be there now.
 QString PresentDevice(const QString& device) {
   return QFileInfo::exists(device) ? device : QString();
@@ -140,7 +126,7 @@ struct Printing {
   std::unique_ptr<print::MDIFormPrint> frame;
 };
 
-int RunProgram(QApplication& application, Process& process, const ui::RunSettings& run, const QString& device,
+int RunProgram(QApplication& application, Process& process, const RunSettings& run, const QString& device,
                const QString& valueFile) {
   ui::frmSplash splash;
   process.box.BeforeShow = [&splash] { splash.hide(); };
@@ -189,7 +175,7 @@ int main(int argc, char** argv) {
   const Arguments arguments = ParseArguments(QCoreApplication::arguments().sliced(1));
   if (!arguments.error.isEmpty()) return Refuse(arguments.error);
 
-  ui::RunSettings run{arguments.iniPath, arguments.iniFile, {}};
+  RunSettings run{arguments.iniPath, arguments.iniFile, {}, {}};
   QString device;
   if (arguments.port) {
     const QString fault = TakePort(*arguments.port, run, device);

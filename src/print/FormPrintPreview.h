@@ -5,8 +5,8 @@
 #include <functional>
 
 #include "platform/qt/EventGuard.h"
-#include "print/PagePainter.h"
 #include "print/pages/PreviewPages.h"
+#include "print/painter/PagePainter.h"
 
 namespace kalivor::print {
 

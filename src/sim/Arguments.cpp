@@ -3,6 +3,8 @@
 
 #include <QSet>
 
+#include "base/CommandLine.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::sim {
@@ -20,7 +22,7 @@ std::optional<qint64> NumberWithin(const QString& text, qint64 lowest, qint64 hi
 
 QString TakeAddress(Arguments& arguments, const QString& value) {
   const std::optional<qint64> number = NumberWithin(value, 0, 255);
-  if (!number) return u"keine Adresse von 0 bis 255: "_s + value;
+  if (!number) return NoAddress(value);
   arguments.address = static_cast<int>(*number);
   return {};
 }
@@ -60,12 +62,7 @@ QString TakeText(Arguments& arguments, const QString& value) {
   return {};
 }
 
-struct ValueOption {
-  QStringView name;
-  QString (*take)(Arguments& arguments, const QString& value) = nullptr;
-};
-
-constexpr ValueOption kValueOptions[] = {
+constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--ini-path", TakeText<&Arguments::iniPath>},
     {u"--ini-file", TakeText<&Arguments::iniFile>},
     {u"--controller", TakeText<&Arguments::controller>},
@@ -79,40 +76,22 @@ constexpr ValueOption kValueOptions[] = {
     {u"--fault", TakeFault},
 };
 
-// The switch of a name; nullptr when there is none.
-bool* SwitchOf(Arguments& arguments, QStringView name) {
-  if (name == u"--paced") return &arguments.line.paced;
-  if (name == u"--echo") return &arguments.line.echo;
-  if (name == u"--trace") return &arguments.trace;
-  if (name == u"--help") return &arguments.help;
-  if (name == u"--program-version") return &arguments.programVersion;
-  return nullptr;
-}
+constexpr Switch<Arguments> kSwitches[] = {
+    {u"--paced", [](Arguments& arguments) { arguments.line.paced = true; }},
+    {u"--echo", [](Arguments& arguments) { arguments.line.echo = true; }},
+    {u"--trace", [](Arguments& arguments) { arguments.trace = true; }},
+    {u"--help", [](Arguments& arguments) { arguments.help = true; }},
+    {u"--program-version", [](Arguments& arguments) { arguments.programVersion = true; }},
+};
 
 // Takes the option at `at` and leaves `at` on its last word. Returns "" or the fault in German.
-QString TakeOption(Arguments& arguments, const QStringList& list, qsizetype& at, QSet<QString>& seen) {
+QString TakeWord(Arguments& arguments, const QStringList& list, qsizetype& at, QSet<QString>& seen) {
   const QString& word = list.at(at);
   if (!word.startsWith(u"--")) return u"Überzähliges Argument: "_s + word;
-  const qsizetype equals = word.indexOf(u'=');
-  const QString name = word.left(equals);
-  if (name != u"--fault" && seen.contains(name)) return u"Option "_s + name + u": mehrfach angegeben."_s;
+  const QString name = OptionWord(word).name;
+  if (name != u"--fault" && seen.contains(name)) return OptionFault(name, Repeated());
   seen.insert(name);
-
-  if (bool* option = SwitchOf(arguments, name)) {
-    if (equals >= 0) return u"Option "_s + name + u" nimmt keinen Wert."_s;
-    *option = true;
-    return {};
-  }
-  for (const ValueOption& option : kValueOptions) {
-    if (option.name != name) continue;
-    if (equals < 0 && (at + 1 == list.size() || list.at(at + 1).startsWith(u"--"))) {
-      return u"Option "_s + name + u": Wert fehlt."_s;
-    }
-    const QString value = equals >= 0 ? word.mid(equals + 1) : list.at(++at);
-    const QString complaint = option.take(arguments, value);
-    return complaint.isEmpty() ? QString() : u"Option "_s + name + u": "_s + complaint + u'.';
-  }
-  return u"Unbekannte Option: "_s + name;
+  return TakeOption(kSwitches, kValueOptions, list, at, arguments);
 }
 
 }  // namespace
@@ -121,7 +100,7 @@ Arguments ParseArguments(const QStringList& list) {
   Arguments arguments;
   QSet<QString> seen;
   for (qsizetype at = 0; at < list.size(); ++at) {
-    arguments.error = TakeOption(arguments, list, at, seen);
+    arguments.error = TakeWord(arguments, list, at, seen);
     if (!arguments.error.isEmpty()) return arguments;
   }
   if (arguments.iniPath.isEmpty() && !arguments.help && !arguments.programVersion) {

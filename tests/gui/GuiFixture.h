@@ -142,7 +142,7 @@ class GuiTest : public testing::Test {
     line = std::make_unique<sim::SimulatedLine>(clock, *far->model);
   }
 
-  void Load(const ui::RunSettings& run = {}) {
+  void Load(const RunSettings& run = {}) {
     ui::SystemInformation system;
     desktop = std::make_unique<ui::Desktop>(ui::World{settings,
                                                       box,
@@ -163,7 +163,7 @@ class GuiTest : public testing::Test {
                                             run);
   }
 
-  void Start(const ui::RunSettings& run = {}) {
+  void Start(const RunSettings& run = {}) {
     Load(run);
     desktop->Start();
     desktop->Show();

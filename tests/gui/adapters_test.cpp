@@ -6,7 +6,7 @@
 
 #include "contract/SelectionListContract.h"
 #include "contract/TreeViewContract.h"
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/QtListBox.h"
 #include "platform/qt/QtTreeView.h"
 #include "platform/qt/ShownText.h"

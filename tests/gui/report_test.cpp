@@ -4,7 +4,7 @@
 #include <QWindow>
 
 #include "gui/GuiFixture.h"
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 
 namespace kalivor::test {
 namespace {

@@ -1,5 +1,5 @@
 // PDF files, looked at from outside.
-#include "print/PdfPrint.h"
+#include "print/painter/PdfPrint.h"
 
 #include <QFile>
 #include <QFileInfo>

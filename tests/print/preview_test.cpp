@@ -1,7 +1,7 @@
 // The preview on the screen: how it looks, and clicks on it.
-#include "print/PdfPrint.h"
 #include "print/Pictures.h"
 #include "print/WindowSite.h"
+#include "print/painter/PdfPrint.h"
 
 namespace kalivor::test {
 namespace {

@@ -30,26 +30,30 @@ const std::vector<Layer>& Layers() {
     const QStringList comm{u"platform"_s, u"base"_s};
     const QStringList core = comm + QStringList{u"comm"_s};
     const QStringList commands = core + QStringList{u"core"_s};
-    const QStringList programs =
-        commands + QStringList{u"commands"_s, u"platform/plain"_s, u"platform/posix"_s, u"platform/win32"_s};
-    // Forms may open each other whichever folder they live in; only the program itself knows them all.
-    const QStringList windows = programs + QStringList{u"platform/qt"_s, u"ui"_s, u"print"_s};
+    const QStringList pages = commands + QStringList{u"print/pages"_s};
+    const QStringList painter = pages + QStringList{u"platform/gui"_s};
+    const QStringList print = painter + QStringList{u"print/painter"_s, u"platform/qt"_s};
+    const QStringList ui = commands + QStringList{u"commands"_s, u"platform/gui"_s, u"platform/qt"_s};
+    const QStringList real{u"platform/plain"_s, u"platform/posix"_s, u"platform/win32"_s};
     return std::vector<Layer>{
         {u"platform"_s, {}},
         {u"platform/plain"_s, {u"platform"_s}},
         {u"platform/posix"_s, {u"platform"_s}, true},
         {u"platform/win32"_s, {u"platform"_s}, true},
-        {u"platform/qt"_s, {u"platform"_s, u"platform/plain"_s, u"base"_s}, false, true},
+        {u"platform/gui"_s, {}, false, true},
+        {u"platform/qt"_s, {u"platform"_s, u"platform/gui"_s, u"base"_s}, false, true},
         {u"base"_s, {u"platform"_s}},
         {u"comm"_s, comm},
         {u"core"_s, core},
+        {u"check"_s, commands},
         {u"commands"_s, commands},
-        {u"cli"_s, programs + QStringList{u"print"_s, u"print/pages"_s}},
-        {u"sim"_s, programs, true},
-        {u"ui"_s, windows, false, true},
-        {u"print"_s, windows + QStringList{u"print/pages"_s}, false, true},
-        {u"print/pages"_s, commands + QStringList{u"commands"_s}},
-        {u"kalivor"_s, windows, false, true},
+        {u"print/pages"_s, commands},
+        {u"print/painter"_s, painter, false, true},
+        {u"print"_s, print, false, true},
+        {u"ui"_s, ui, false, true},
+        {u"sim"_s, commands + real, true},
+        {u"cli"_s, painter + real + QStringList{u"commands"_s, u"check"_s, u"print/painter"_s}},
+        {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s}, false, true},
     };
   }();
   return layers;
@@ -267,25 +271,29 @@ TEST_P(PlantedInclude, IsJudged) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Downwards, PlantedInclude,
-                         testing::Values(Planted{u"platform/A.h"_s, u"\"platform/Clock.h\""_s, true},
-                                         Planted{u"platform/plain/A.h"_s, u"\"platform/TreeView.h\""_s, true},
-                                         Planted{u"platform/posix/A.cpp"_s, u"\"platform/Clock.h\""_s, true},
-                                         Planted{u"platform/win32/A.cpp"_s, u"\"platform/Clock.h\""_s, true},
-                                         Planted{u"base/A.h"_s, u"\"platform/RuntimeError.h\""_s, true},
-                                         Planted{u"comm/A.h"_s, u"\"base/su.h\""_s, true},
-                                         Planted{u"core/A.h"_s, u"\"comm/COM_A.h\""_s, true},
-                                         Planted{u"commands/A.h"_s, u"\"core/Core.h\""_s, true},
-                                         Planted{u"cli/main.cpp"_s, u"\"commands/StartUp.h\""_s, true},
-                                         Planted{u"cli/main.cpp"_s, u"\"platform/posix/SystemClock.h\""_s,
-                                                 true},
-                                         Planted{u"sim/A.cpp"_s, u"\"core/DefinitionFiles.h\""_s, true},
-                                         Planted{u"platform/qt/A.cpp"_s, u"\"platform/TreeView.h\""_s, true},
-                                         Planted{u"ui/main/A.cpp"_s, u"\"platform/qt/QtTreeView.h\""_s, true},
-                                         Planted{u"ui/main/A.cpp"_s, u"\"ui/dialogs/B.h\""_s, true},
-                                         Planted{u"print/A.cpp"_s, u"\"base/Module1.h\""_s, true},
-                                         Planted{u"kalivor/main.cpp"_s, u"\"ui/main/frmMain.h\""_s, true},
-                                         Planted{u"core/A.cpp"_s, u"\"core/A.h\"  // its own"_s, true}));
+INSTANTIATE_TEST_SUITE_P(
+    Downwards, PlantedInclude,
+    testing::Values(Planted{u"platform/A.h"_s, u"\"platform/Clock.h\""_s, true},
+                    Planted{u"platform/plain/A.h"_s, u"\"platform/TreeView.h\""_s, true},
+                    Planted{u"platform/posix/A.cpp"_s, u"\"platform/Clock.h\""_s, true},
+                    Planted{u"platform/win32/A.cpp"_s, u"\"platform/Clock.h\""_s, true},
+                    Planted{u"base/A.h"_s, u"\"platform/RuntimeError.h\""_s, true},
+                    Planted{u"comm/A.h"_s, u"\"base/su.h\""_s, true},
+                    Planted{u"core/A.h"_s, u"\"comm/COM_A.h\""_s, true},
+                    Planted{u"commands/A.h"_s, u"\"core/Core.h\""_s, true},
+                    Planted{u"cli/main.cpp"_s, u"\"commands/StartUp.h\""_s, true},
+                    Planted{u"cli/main.cpp"_s, u"\"platform/posix/SystemClock.h\""_s, true},
+                    Planted{u"sim/A.cpp"_s, u"\"core/DefinitionFiles.h\""_s, true},
+                    Planted{u"platform/qt/A.cpp"_s, u"\"platform/TreeView.h\""_s, true},
+                    Planted{u"ui/main/A.cpp"_s, u"\"platform/qt/QtTreeView.h\""_s, true},
+                    Planted{u"ui/main/A.cpp"_s, u"\"ui/dialogs/B.h\""_s, true},
+                    Planted{u"print/A.cpp"_s, u"\"base/Module1.h\""_s, true},
+                    Planted{u"print/A.cpp"_s, u"\"print/painter/PdfPrint.h\""_s, true},
+                    Planted{u"check/A.cpp"_s, u"\"core/DefinitionFiles.h\""_s, true},
+                    Planted{u"cli/A.cpp"_s, u"\"check/DefinitionCheck.h\""_s, true},
+                    Planted{u"platform/qt/A.cpp"_s, u"\"platform/gui/PdfFile.h\""_s, true},
+                    Planted{u"kalivor/main.cpp"_s, u"\"ui/main/frmMain.h\""_s, true},
+                    Planted{u"core/A.cpp"_s, u"\"core/A.h\"  // its own"_s, true}));
 
 INSTANTIATE_TEST_SUITE_P(
     Upwards, PlantedInclude,
@@ -301,6 +309,14 @@ INSTANTIATE_TEST_SUITE_P(
                     Planted{u"core/A.cpp"_s, u"\"commands/StartUp.h\""_s, false},
                     Planted{u"core/A.cpp"_s, u"\"platform/plain/PlainTreeView.h\""_s, false},
                     Planted{u"commands/A.cpp"_s, u"\"cli/Cli.h\""_s, false},
+                    Planted{u"commands/A.cpp"_s, u"\"check/DefinitionCheck.h\""_s, false},
+                    Planted{u"check/A.cpp"_s, u"\"commands/StartUp.h\""_s, false},
+                    Planted{u"platform/gui/A.cpp"_s, u"\"platform/qt/ShownText.h\""_s, false},
+                    Planted{u"print/pages/A.cpp"_s, u"\"print/painter/PagePainter.h\""_s, false},
+                    Planted{u"print/painter/A.cpp"_s, u"\"print/MDIFormPrint.h\""_s, false},
+                    Planted{u"print/A.cpp"_s, u"\"ui/main/frmMain.h\""_s, false},
+                    Planted{u"ui/main/A.cpp"_s, u"\"print/MDIFormPrint.h\""_s, false},
+                    Planted{u"sim/A.cpp"_s, u"\"commands/StartUp.h\""_s, false},
                     Planted{u"commands/A.cpp"_s, u"\"ui/main/frmMain.h\""_s, false},
                     Planted{u"commands/A.cpp"_s, u"\"platform/posix/SystemClock.h\""_s, false},
                     Planted{u"cli/A.cpp"_s, u"\"sim/Controller.h\""_s, false},

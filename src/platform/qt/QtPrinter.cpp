@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
-#include "platform/qt/PdfFile.h"
-#include "platform/qt/PrintJobs.h"
+#include "platform/gui/PdfFile.h"
+#include "platform/gui/PrintJobs.h"
 
 using namespace Qt::StringLiterals;
 

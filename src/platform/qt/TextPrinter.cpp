@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/ShownText.h"
 

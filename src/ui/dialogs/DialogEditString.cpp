@@ -3,7 +3,7 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/ShownText.h"
 #include "ui/Resources.h"
 #include "ui/dialogs/Controls.h"

@@ -7,7 +7,7 @@
 #include <QWindow>
 #include <utility>
 
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/ShownText.h"
 #include "platform/qt/WindowPlacing.h"
 #include "ui/Resources.h"

@@ -4,7 +4,7 @@
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/ShownText.h"
 #include "platform/qt/WindowPlacing.h"
 #include "ui/Resources.h"

@@ -84,14 +84,11 @@ void Desktop::OpenFile(const QString& path) {
 void Desktop::LoadMain(const RunSettings& run) {
   main.LoadPlace(world.settings, world.box);
   LoadSettings(module, world.settings, world.box, world.programFolder);
-  stored_.Schnittstelle = module.Schnittstelle;
-  stored_.Inipath = module.Inipath;
-  stored_.Inifile = module.Inifile;
-  run_ = run;
+  stored_ = module;
+  TakeRunSettings(module, run);
   // The form that reading the version table gives the folder.
-  if (run_.iniPath) module.Inipath = *(run_.iniPath = WithSeparator(*run_.iniPath));
-  if (run_.iniFile) module.Inifile = *run_.iniFile;
-  if (run_.port) module.Schnittstelle = *run_.port;
+  if (run.iniPath) module.Inipath = WithSeparator(*run.iniPath);
+  begun_ = module;
   FromBusy(core);
 }
 
@@ -106,16 +103,7 @@ void Desktop::Show() {
 void Desktop::StoreSettings() {
   main.SavePlace(world.settings);
   // What the command line set for this run is not stored, unless the user has changed it since.
-  const qint16 port = module.Schnittstelle;
-  const QString path = module.Inipath;
-  const QString file = module.Inifile;
-  if (run_.port == port) module.Schnittstelle = stored_.Schnittstelle;
-  if (run_.iniPath == path) module.Inipath = stored_.Inipath;
-  if (run_.iniFile == file) module.Inifile = stored_.Inifile;
-  SaveSettings(module, world.settings);
-  module.Schnittstelle = port;
-  module.Inipath = path;
-  module.Inifile = file;
+  SaveSettings(SettingsToStore(module, begun_, stored_), world.settings);
   const QString error = world.settings.Flush();
   // Nobody answers a box any more when the session ends.
   if (!error.isEmpty() && !main.EndsSession()) world.box.Show(error);

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
 #include "comm/TH.h"
 #include "commands/EventBoundary.h"
 #include "commands/FileCommands.h"
+#include "commands/SettingsTable.h"
 #include "core/Report.h"
 #include "core/Wiring.h"
 #include "platform/Clock.h"
@@ -38,13 +38,6 @@ struct World {
   platform::Help& help;
   std::function<QString(int number)> deviceOfPort;  ///< "" when there is none
   std::function<void()> print;                      ///< the Print command; empty: its item is disabled
-};
-
-/// Settings of the command line: they hold for one run and are not stored.
-struct RunSettings {
-  std::optional<QString> iniPath;
-  std::optional<QString> iniFile;
-  std::optional<qint16> port;
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.
@@ -86,8 +79,8 @@ struct Desktop {
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();
 
-  RunSettings run_;  // as the tables hold it
-  Module1 stored_;   // the settings as they were stored
+  Settings stored_;  // before the command line's were taken over
+  Settings begun_;   // after that
 };
 
 }  // namespace kalivor::ui

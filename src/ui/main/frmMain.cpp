@@ -13,7 +13,7 @@
 
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 #include "platform/qt/WindowPlacing.h"
 #include "ui/Resources.h"
 #include "ui/main/WindowGeometry.h"

@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include "fakes/QtPrinters.h"
+#include "fakes/ThrownKind.h"
 
 using namespace Qt::StringLiterals;
 
@@ -41,6 +42,33 @@ TEST(Paths, ASeparatorOfEitherKindAtTheEndIsKept) {
                                    u"\\"_s, u"/opt//"_s, u"C:\\Daten\\\\"_s}) {
     EXPECT_EQ(WithSeparator(directory), directory);
   }
+}
+
+TEST(SplitPath, SplitsBehindTheLastSeparatorOfEitherKind) {
+  const struct {
+    QString folder, file;
+  } cases[] = {
+      {u"C:\\Werte\\"_s, u"a.qpf"_s},
+      {u"C:\\"_s, u"x.qpf"_s},
+      {u"C:/"_s, u"x.qpf"_s},
+      {u"/home/u/"_s, u"a.qpf"_s},
+      {u"/"_s, u"a.qpf"_s},
+      {u"C:\\Werte/"_s, u"a.qpf"_s},
+      {u"/home/u\\"_s, u"a.qpf"_s},
+      {u"C:\\Werte\\\\"_s, u"a.qpf"_s},
+      {u"\\\\server\\share\\"_s, u"a"_s},
+      {u"C:\\Werte\\"_s, u""_s},
+  };
+  for (const auto& example : cases) {
+    const PathParts parts = SplitPath(example.folder + example.file);
+    EXPECT_EQ(parts.folder, example.folder);
+    EXPECT_EQ(parts.file, example.file);
+  }
+}
+
+TEST(SplitPath, APathWithoutAFolderIsNone) {
+  for (const QString& path : {u"a.qpf"_s, QString(), u"C:a.qpf"_s})
+    EXPECT_EQ(test::ThrownKind([&] { (void)SplitPath(path); }), RuntimeError::Kind::InvalidArgument);
 }
 
 }  // namespace

@@ -223,30 +223,6 @@ TEST_F(FileCommands, NothingHappensWhileBusy) {
 
 // --- the folder ---
 
-TEST(FolderOf, EndsBeforeTheLastSeparatorOfEitherKind) {
-  const struct {
-    QString path, folder;
-  } cases[] = {
-      {u"C:\\Werte\\a.qpf"_s, u"C:\\Werte"_s},
-      {u"C:\\x.qpf"_s, u"C:"_s},
-      {u"C:/x.qpf"_s, u"C:"_s},
-      {u"/home/u/a.qpf"_s, u"/home/u"_s},
-      {u"/a.qpf"_s, u""_s},
-      {u"C:\\Werte/a.qpf"_s, u"C:\\Werte"_s},
-      {u"/home/u\\a.qpf"_s, u"/home/u"_s},
-      {u"C:\\Werte\\\\a.qpf"_s, u"C:\\Werte\\"_s},
-      {u"\\\\server\\share\\a"_s, u"\\\\server\\share"_s},
-      {u"C:\\Werte\\"_s, u"C:\\Werte"_s},
-  };
-  for (const auto& example : cases)
-    EXPECT_EQ(FolderOf(example.path), example.folder) << example.path.toStdString();
-}
-
-TEST(FolderOf, APathWithoutAFolderIsNone) {
-  for (const QString& path : {u"a.qpf"_s, QString(), u"C:a.qpf"_s})
-    EXPECT_EQ(ThrownKind([&] { (void)FolderOf(path); }), RuntimeError::Kind::InvalidArgument);
-}
-
 TEST_F(FileCommands, ARootLeavesWhatStandsBeforeItsSeparator) {
   const struct {
     QString path, folder;

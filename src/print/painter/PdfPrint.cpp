@@ -1,9 +1,9 @@
-#include "print/PdfPrint.h"
+#include "print/painter/PdfPrint.h"
 
 #include <iostream>
 
-#include "platform/qt/PdfFile.h"
-#include "print/PagePainter.h"
+#include "platform/gui/PdfFile.h"
+#include "print/painter/PagePainter.h"
 
 using namespace Qt::StringLiterals;
 

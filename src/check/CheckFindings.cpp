@@ -1,4 +1,4 @@
-#include "commands/CheckFindings.h"
+#include "check/CheckFindings.h"
 
 #include <utility>
 

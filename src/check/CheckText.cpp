@@ -1,4 +1,4 @@
-#include "commands/CheckText.h"
+#include "check/CheckText.h"
 
 #include <QStringDecoder>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "commands/CheckAddresses.h"
+#include "check/CheckAddresses.h"
 
 #include <QHash>
 #include <QSet>

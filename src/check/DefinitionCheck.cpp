@@ -1,14 +1,13 @@
-#include "commands/DefinitionCheck.h"
+#include "check/DefinitionCheck.h"
 
 #include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
 #include <limits>
-#include <memory>
 #include <optional>
 
 #include "base/Paths.h"
-#include "commands/CheckAddresses.h"
+#include "check/CheckAddresses.h"
 #include "core/DefinitionFiles.h"
 
 using namespace Qt::StringLiterals;
@@ -36,15 +35,13 @@ bool IsControllerVersion(const QString& version) {
 
 class TableCheck {
  public:
-  TableCheck(platform::FileSystem& files, const QString& inipath, const QString& inifile)
-      : files_(files), module_(std::make_unique<Module1>()) {
-    module_->Inipath = WithSeparator(inipath);
-    module_->Inifile = inifile;
+  TableCheck(platform::FileSystem& files, const QString& inipath, const QString& inifile) : files_(files) {
+    where_.Inipath = WithSeparator(inipath);
+    where_.Inifile = inifile;
   }
 
   std::vector<Finding> Run() {
-    const CheckedText table =
-        ReadCheckedText(files_, VersionTablePath(*module_), module_->Inifile, findings_);
+    const CheckedText table = ReadCheckedText(files_, VersionTablePath(where_), where_.Inifile, findings_);
     if (IsControllerVersion(GetField(table.heading, 0))) {
       TableError(1, u"Die erste Zeile gilt als Überschrift; diese Version wird nicht gelesen."_s);
     }
@@ -60,12 +57,12 @@ class TableCheck {
       CheckFiles(row);
     for (const Row& row : rows_)
       CheckPlantsUsed(row);
-    return findings_.Take(module_->Inifile);
+    return findings_.Take(where_.Inifile);
   }
 
  private:
-  void TableError(int line, const QString& text) { findings_.Error(module_->Inifile, line, text); }
-  void TableWarning(int line, const QString& text) { findings_.Warning(module_->Inifile, line, text); }
+  void TableError(int line, const QString& text) { findings_.Error(where_.Inifile, line, text); }
+  void TableWarning(int line, const QString& text) { findings_.Warning(where_.Inifile, line, text); }
 
   void CheckRow(const TextItem& item) {
     const int columns = ColumnCount(item.text, kVersionColumns + 1);
@@ -140,7 +137,7 @@ class TableCheck {
   // Reads a file that the table names; one that cannot be read is the table's fault.
   std::optional<CheckedText> Read(const QString& file, int line, const QString& kind) {
     try {
-      return ReadCheckedText(files_, DefinitionPath(*module_, file), file, findings_);
+      return ReadCheckedText(files_, DefinitionPath(where_, file), file, findings_);
     } catch (const RuntimeError& error) {
       TableError(line, u"%1 %2 lässt sich nicht lesen: %3"_s.arg(kind, Quoted(file), error.Description()));
       return std::nullopt;
@@ -195,7 +192,7 @@ class TableCheck {
   }
 
   platform::FileSystem& files_;
-  std::unique_ptr<Module1> module_;  ///< for its paths; too large for the stack
+  Settings where_;  ///< folder and version table
   Findings findings_;
   std::vector<Row> rows_;
   QHash<QString, int> versions_;              ///< with the line of each

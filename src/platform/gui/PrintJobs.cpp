@@ -1,4 +1,4 @@
-#include "platform/qt/PrintJobs.h"
+#include "platform/gui/PrintJobs.h"
 
 #include <QDir>
 #include <QFileInfo>

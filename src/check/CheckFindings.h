@@ -5,7 +5,7 @@
 #include <QString>
 #include <vector>
 
-#include "commands/DefinitionCheck.h"
+#include "check/DefinitionCheck.h"
 
 namespace kalivor {
 

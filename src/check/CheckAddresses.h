@@ -4,7 +4,7 @@
 #include <QString>
 #include <vector>
 
-#include "commands/CheckParameters.h"
+#include "check/CheckParameters.h"
 
 namespace kalivor {
 

@@ -1,4 +1,4 @@
-#include "commands/CheckParameters.h"
+#include "check/CheckParameters.h"
 
 #include <QHash>
 #include <QRegularExpression>

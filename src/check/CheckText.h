@@ -5,7 +5,7 @@
 #include <QString>
 #include <vector>
 
-#include "commands/CheckFindings.h"
+#include "check/CheckFindings.h"
 #include "core/TextFile.h"
 
 namespace kalivor {

@@ -1,4 +1,4 @@
-#include "platform/qt/PdfFile.h"
+#include "platform/gui/PdfFile.h"
 
 #include <QSaveFile>
 

@@ -1,10 +1,10 @@
-#include "print/PagePainter.h"
+#include "print/painter/PagePainter.h"
 
 #include <QFontMetricsF>
 #include <QTextLayout>
 #include <algorithm>
 
-#include "platform/qt/FixedFont.h"
+#include "platform/gui/FixedFont.h"
 
 namespace kalivor::print {
 namespace {

@@ -1,6 +1,6 @@
 // The check of the definition files: each fault with file, line and severity, and the shipped example without
 // any.
-#include "commands/DefinitionCheck.h"
+#include "check/DefinitionCheck.h"
 
 #include <gtest/gtest.h>
 

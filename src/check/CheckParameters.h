@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <vector>
 
-#include "commands/CheckText.h"
+#include "check/CheckText.h"
 
 namespace kalivor {
 

@@ -3,27 +3,11 @@
 #include <QGridLayout>
 #include <QMouseEvent>
 
-#include "platform/qt/ShownText.h"
-#include "ui/Resources.h"
-#include "ui/dialogs/Controls.h"
-
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
-namespace {
 
-constexpr int kWidth_characters = 60;
-
-}  // namespace
-
-DialogEdit::DialogEdit() {
-  setObjectName(u"DialogEdit"_s);
-  setWindowTitle(u"Edit Parameter"_s);
-  setWindowIcon(ProgramIcon());
-
-  labelName_ = NewLabel(this, u"LabelName"_s, u"Name"_s, true);
-  textWert_ = NewTextBox(this, u"TextWert"_s, u"Wert"_s);
-  textWert_->setText(u"Wert"_s);
+DialogEdit::DialogEdit() : ParameterEditor(u"DialogEdit"_s) {
   commandStd_ = NewButton(this, u"CommandStd"_s, u"<"_s);
   commandStd_->setAccessibleName(u"Standardwert übernehmen"_s);
   commandStd_->setAutoDefault(false);
@@ -31,10 +15,7 @@ DialogEdit::DialogEdit() {
   textVon_ = NewReadOnlyBox(this, u"TextVon"_s, u"Minimum"_s);
   textBis_ = NewReadOnlyBox(this, u"TextBis"_s, u"Maximum"_s);
   textStd_->installEventFilter(this);
-  labelHilfetext_ = NewLabel(this, u"LabelHilfetext"_s, QString(), true);
-  nr_ = NewHiddenTextBox(this, u"Nr"_s);
   treedex_ = NewHiddenTextBox(this, u"Treedex"_s);
-  const OkCancel buttons = NewOkCancel(this, u"OK"_s, u"Abbrechen"_s);
 
   auto* grid = new QGridLayout;
   const auto addRow = [&](int row, const QString& name, const QString& caption, QLineEdit* box) {
@@ -50,41 +31,30 @@ DialogEdit::DialogEdit() {
   addRow(3, u"LabelBis"_s, u"Maximum"_s, textBis_);
   grid->setColumnStretch(1, 1);
 
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(labelName_);
-  layout->addLayout(grid);
-  layout->addSpacing(Air(*this));
-  layout->addWidget(labelHilfetext_);
-  layout->addStretch();
-  layout->addLayout(buttons.row);
+  layout_->addLayout(grid);
+  AddHelpAndButtons();
   setTabOrder(textWert_, commandStd_);
   setTabOrder(commandStd_, textStd_);
   setTabOrder(textStd_, textVon_);
   setTabOrder(textVon_, textBis_);
-  setTabOrder(textBis_, buttons.ok);
-  setTabOrder(buttons.ok, buttons.cancel);
+  setTabOrder(textBis_, buttons_.ok);
 
   connect(commandStd_, &QPushButton::clicked, this, &DialogEdit::TakeStandard);
-  connect(buttons.ok, &QPushButton::clicked, this, [this] {
+  connect(buttons_.ok, &QPushButton::clicked, this, [this] {
     if (OnOk) OnOk(Content());
   });
-  connect(buttons.cancel, &QPushButton::clicked, this, &DialogEdit::reject);
 }
 
 void DialogEdit::Fill(const NumberEdit& content) {
-  labelName_->setText(content.LabelName);
   textWert_->setText(content.TextWert);
   textVon_->setText(content.TextVon);
   textBis_->setText(content.TextBis);
   textStd_->setText(content.TextStd);
   for (QLabel* unit : units_)
     unit->setText(content.LabelEinheit);
-  labelHilfetext_->setText(platform::WithPlainLineBreaks(content.LabelHilfetext));
-  nr_->setText(content.Nr);
   treedex_->setText(content.Treedex);
   commandStd_->setFixedSize(textStd_->sizeHint().height(), textStd_->sizeHint().height());
-  FitToContent(*this, kWidth_characters);
-  textWert_->setFocus();
+  FillCommon(content.LabelName, content.LabelHilfetext, content.Nr);
   textWert_->selectAll();
 }
 
@@ -110,11 +80,6 @@ bool DialogEdit::eventFilter(QObject* watched, QEvent* event) {
     TakeStandard();
   }
   return QDialog::eventFilter(watched, event);
-}
-
-// QDialog's closeEvent comes here as well. While an operation is under way the dialog stays.
-void DialogEdit::reject() {
-  if (isEnabled() && OnCancel) OnCancel();
 }
 
 }  // namespace kalivor::ui

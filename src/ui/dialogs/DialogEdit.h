@@ -1,30 +1,22 @@
 // The editor of a numeric parameter.
 #pragma once
 
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <functional>
+#include <vector>
 
 #include "core/Forms.h"
+#include "ui/dialogs/ParameterEditor.h"
 
 namespace kalivor::ui {
 
-class DialogEdit final : public QDialog {
+class DialogEdit final : public ParameterEditor {
  public:
   DialogEdit();
 
   /// "OK" with what the dialog holds then; the dialog does not hide by itself.
   std::function<void(const NumberEdit& content)> OnOk;
 
-  /// "Abbrechen", Escape and the window's frame.
-  std::function<void()> OnCancel;
-
   void Fill(const NumberEdit& content);
   [[nodiscard]] NumberEdit Content() const;
-
-  void reject() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -32,15 +24,11 @@ class DialogEdit final : public QDialog {
  private:
   void TakeStandard();
 
-  QLabel* labelName_;
-  QLineEdit* textWert_;
   QLineEdit* textVon_;
   QLineEdit* textBis_;
   QLineEdit* textStd_;
   QPushButton* commandStd_;
   std::vector<QLabel*> units_;
-  QLabel* labelHilfetext_;
-  QLineEdit* nr_;
   QLineEdit* treedex_;
 };
 

@@ -4,16 +4,12 @@
 #include <algorithm>
 
 #include "platform/gui/FixedFont.h"
-#include "platform/qt/ShownText.h"
-#include "ui/Resources.h"
-#include "ui/dialogs/Controls.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
 namespace {
 
-constexpr int kWidth_characters = 60;
 constexpr int kNoLimit = 32767;
 
 int VisibleLength(const QString& text) {
@@ -35,49 +31,28 @@ qsizetype Typed(const QString& before, const QString& text, qsizetype cursor) {
 
 }  // namespace
 
-DialogEditString::DialogEditString() {
-  setObjectName(u"DialogEditString"_s);
-  setWindowTitle(u"Edit Parameter"_s);
-  setWindowIcon(ProgramIcon());
-
-  labelName_ = NewLabel(this, u"LabelName"_s, u"Name"_s, true);
-  textWert_ = NewTextBox(this, u"TextWert"_s, u"Wert"_s);
-  textWert_->setText(u"Wert"_s);
+DialogEditString::DialogEditString() : ParameterEditor(u"DialogEditString"_s) {
   // Blanks count here, and can be counted only in a fixed pitch.
   textWert_->setFont(platform::FixedFont());
-  labelHilfetext_ = NewLabel(this, u"LabelHilfetext"_s, u"Hilfetext"_s, true);
-  nr_ = NewHiddenTextBox(this, u"Nr"_s);
-  const OkCancel buttons = NewOkCancel(this, u"OK"_s, u"Abbrechen"_s);
-
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(labelName_);
-  layout->addWidget(textWert_);
-  layout->addSpacing(Air(*this));
-  layout->addWidget(labelHilfetext_);
-  layout->addStretch();
-  layout->addLayout(buttons.row);
-  setTabOrder(textWert_, buttons.ok);
-  setTabOrder(buttons.ok, buttons.cancel);
+  layout_->addWidget(textWert_);
+  AddHelpAndButtons();
+  labelHilfetext_->setText(u"Hilfetext"_s);
+  setTabOrder(textWert_, buttons_.ok);
 
   connect(textWert_, &QLineEdit::textChanged, this, &DialogEditString::Limit);
-  connect(buttons.ok, &QPushButton::clicked, this, [this] {
+  connect(buttons_.ok, &QPushButton::clicked, this, [this] {
     if (OnOk) OnOk(Content());
   });
-  connect(buttons.cancel, &QPushButton::clicked, this, &DialogEditString::reject);
 }
 
 void DialogEditString::Fill(const TextEdit& content) {
-  labelName_->setText(content.LabelName);
   limit_ = content.MaxLength > 0 ? content.MaxLength : kNoLimit;
   before_ = content.TextWert;
   {
     const QSignalBlocker asItIs(textWert_);
     textWert_->setText(content.TextWert);
   }
-  labelHilfetext_->setText(platform::WithPlainLineBreaks(content.LabelHilfetext));
-  nr_->setText(content.Nr);
-  FitToContent(*this, kWidth_characters);
-  textWert_->setFocus();
+  FillCommon(content.LabelName, content.LabelHilfetext, content.Nr);
 }
 
 // What is typed goes on with the text, also where blanks that nobody sees fill it up. Not before it is shown:
@@ -113,11 +88,6 @@ void DialogEditString::Limit(const QString& text) {
   const QSignalBlocker once(textWert_);
   textWert_->setText(limited);
   textWert_->setCursorPosition(static_cast<int>(cursor));
-}
-
-// QDialog's closeEvent comes here as well. While an operation is under way the dialog stays.
-void DialogEditString::reject() {
-  if (isEnabled() && OnCancel) OnCancel();
 }
 
 }  // namespace kalivor::ui

@@ -1,6 +1,5 @@
 #include "ui/dialogs/DialogReport.h"
 
-#include <QBoxLayout>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QScrollBar>
@@ -9,8 +8,7 @@
 
 #include "platform/gui/FixedFont.h"
 #include "platform/qt/ShownText.h"
-#include "platform/qt/WindowPlacing.h"
-#include "ui/Resources.h"
+#include "ui/dialogs/Controls.h"
 
 using namespace Qt::StringLiterals;
 
@@ -24,11 +22,7 @@ constexpr int kLongestShowing_ms = 250;
 
 }  // namespace
 
-DialogReport::DialogReport() {
-  setObjectName(u"DialogReport"_s);
-  setWindowTitle(u"Report"_s);
-  setWindowIcon(ProgramIcon());
-
+DialogReport::DialogReport() : Form(u"DialogReport"_s, u"Report"_s) {
   textBox_ = new QPlainTextEdit(u"Textbox\n"_s);
   textBox_->setObjectName(u"TextBox"_s);
   textBox_->setAccessibleName(u"Report"_s);
@@ -41,14 +35,9 @@ DialogReport::DialogReport() {
   const QFontMetrics metrics(textBox_->font());
   textBox_->setMinimumSize(metrics.horizontalAdvance(u'0') * kColumns / 2, metrics.lineSpacing() * 5);
 
-  const auto newButton = [this](const QString& name, const QString& caption) {
-    auto* button = new QPushButton(caption, this);
-    button->setObjectName(name);
-    return button;
-  };
-  command_Abbruch_ = newButton(u"Command_Abbruch"_s, u"Abbrechen"_s);
-  commandPrint_ = newButton(u"CommandPrint"_s, u"Print"_s);
-  okButton_ = newButton(u"OKButton"_s, u"OK"_s);
+  command_Abbruch_ = NewButton(this, u"Command_Abbruch"_s, u"Abbrechen"_s);
+  commandPrint_ = NewButton(this, u"CommandPrint"_s, u"Print"_s);
+  okButton_ = NewButton(this, u"OKButton"_s, u"OK"_s);
   okButton_->setDefault(true);
   commandPrint_->setAutoDefault(false);
   command_Abbruch_->setEnabled(false);
@@ -81,9 +70,8 @@ void DialogReport::SetVisible(bool visible) {
     hide();
     return;
   }
-  if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
   const bool wasVisible = isVisible();
-  platform::ShowInFront(*this);
+  ShowAboveOwner();
   if (!wasVisible) WaitUntilShown();
 }
 

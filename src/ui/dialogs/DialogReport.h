@@ -1,17 +1,17 @@
 // The report of a transfer on the screen.
 #pragma once
 
-#include <QDialog>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <functional>
 
 #include "core/Report.h"
 #include "platform/qt/EventGuard.h"
+#include "ui/dialogs/Form.h"
 
 namespace kalivor::ui {
 
-class DialogReport final : public QDialog, public ReportView {
+class DialogReport final : public Form, public ReportView {
  public:
   DialogReport();
 
@@ -19,9 +19,6 @@ class DialogReport final : public QDialog, public ReportView {
   /// `print` prints the report's text. All must outlive the dialog.
   void Connect(Report& report, const platform::EventGuard& guard,
                const std::function<void(const QString& text)>& print);
-
-  /// The window to stay above.
-  void SetOwner(const QWidget& owner) { owner_ = &owner; }
 
   // ReportView
   void SetVisible(bool visible) override;
@@ -38,7 +35,6 @@ class DialogReport final : public QDialog, public ReportView {
   void Append(QTextCursor& cursor, const QString& text);
   void TakeContinued();
 
-  const QWidget* owner_ = nullptr;
   QString continued_;  // belongs to the end of the last line, is shown with the next pass of events
   QPlainTextEdit* textBox_;
   QPushButton* command_Abbruch_;

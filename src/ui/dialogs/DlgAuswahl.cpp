@@ -6,9 +6,6 @@
 
 #include "platform/gui/FixedFont.h"
 #include "platform/qt/ShownText.h"
-#include "platform/qt/WindowPlacing.h"
-#include "ui/Resources.h"
-#include "ui/dialogs/Controls.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,38 +41,25 @@ class LeftAlignedButton final : public QPushButton {
 
 }  // namespace
 
-DlgAuswahl::DlgAuswahl(Module1& module) : module_(module) {
-  setObjectName(u"DlgAuswahl"_s);
-  setWindowTitle(u"Wählen"_s);
-  setWindowIcon(ProgramIcon());
+DlgAuswahl::DlgAuswahl(Module1& module) : Question(module, u"DlgAuswahl"_s, u"Wählen"_s) {
   setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
 
-  label1_ = NewLabel(this, u"Label1"_s, QString(), true);
   button1_ = new LeftAlignedButton(this, u"Button1"_s);
   button2_ = new LeftAlignedButton(this, u"Button2"_s);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(label1_);
-  layout->addSpacing(6);
   for (QPushButton* button : {button1_, button2_}) {
     // The captions are laid out with blanks, one below the other.
     button->setFont(platform::FixedFont());
     button->setAutoDefault(false);
-    layout->addWidget(button);
-    connect(button, &QPushButton::clicked, this, [this, answer = button == button1_ ? 1 : 2] {
-      module_.Antwort = static_cast<qint16>(answer);
-      hide();
-    });
+    layout_->addWidget(button);
   }
+  connect(button1_, &QPushButton::clicked, this, [this] { Answer(1); });
+  connect(button2_, &QPushButton::clicked, this, [this] { Answer(2); });
 }
 
 void DlgAuswahl::Show(const QString& question, const QString& first, const QString& second) {
-  label1_->setText(platform::WithPlainLineBreaks(question));
   button1_->setText(platform::AsCaption(first));
   button2_->setText(platform::AsCaption(second));
-  FitToContent(*this, kWidth_characters);
-  setFocus();
-  if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
-  platform::ShowInFront(*this);
+  Ask(question, kWidth_characters, *this);
 }
 
 // Enter presses the button that has the focus. The toolkit does so for default buttons alone.

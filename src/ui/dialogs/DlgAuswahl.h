@@ -1,25 +1,20 @@
 // A question with two alternatives.
 #pragma once
 
-#include <QDialog>
-#include <QLabel>
 #include <QPushButton>
 
-#include "base/Module1.h"
 #include "core/Forms.h"
+#include "ui/dialogs/Question.h"
 
 namespace kalivor::ui {
 
 /// Its buttons write 1 or 2 into `Antwort` and hide it. Neither is a safe answer that closing the window
 /// could stand for, so it cannot be closed otherwise; nor does a key answer it that was meant for another
 /// window: no button has the focus until Tab gives it to one.
-class DlgAuswahl final : public QDialog, public ChoiceForm {
+class DlgAuswahl final : public Question, public ChoiceForm {
  public:
   /// `module` must outlive the dialog.
   explicit DlgAuswahl(Module1& module);
-
-  /// The window to stay above.
-  void SetOwner(const QWidget& owner) { owner_ = &owner; }
 
   void Show(const QString& question, const QString& first, const QString& second) override;
 
@@ -29,9 +24,6 @@ class DlgAuswahl final : public QDialog, public ChoiceForm {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  Module1& module_;
-  const QWidget* owner_ = nullptr;
-  QLabel* label1_;
   QPushButton* button1_;
   QPushButton* button2_;
 };

@@ -1,7 +1,6 @@
 #include "ui/dialogs/Editors.h"
 
 #include "commands/EditorCommands.h"
-#include "platform/qt/WindowPlacing.h"
 
 namespace kalivor::ui {
 
@@ -22,24 +21,24 @@ void Editors::Connect(Core& core, const platform::EventGuard& guard) {
   text.OnCancel = [this] { Hide(text); };
 }
 
+void Editors::SetOwner(const QWidget& owner) {
+  number.SetOwner(owner);
+  text.SetOwner(owner);
+}
+
 void Editors::ShowNumberEditor(const NumberEdit& content) {
   number.Fill(content);
-  Show(number);
+  number.ShowAboveOwner();
 }
 
 void Editors::ShowTextEditor(const TextEdit& content) {
   text.Fill(content);
-  Show(text);
+  text.ShowAboveOwner();
 }
 
 void Editors::HideEditors() {
   Hide(number);
   Hide(text);
-}
-
-void Editors::Show(QDialog& editor) {
-  if (owner_ != nullptr) platform::KeepAbove(editor, *owner_);
-  platform::ShowInFront(editor);
 }
 
 void Editors::Hide(QDialog& editor) {

@@ -16,7 +16,7 @@ class Editors final : public EditorForms {
   void Connect(Core& core, const platform::EventGuard& guard);
 
   /// The window to stay above.
-  void SetOwner(const QWidget& owner) { owner_ = &owner; }
+  void SetOwner(const QWidget& owner);
 
   void ShowNumberEditor(const NumberEdit& content) override;
   void ShowTextEditor(const TextEdit& content) override;
@@ -26,11 +26,9 @@ class Editors final : public EditorForms {
   DialogEditString text;
 
  private:
-  void Show(QDialog& editor);
   void Hide(QDialog& editor);
 
   Module1& module_;
-  const QWidget* owner_ = nullptr;
 };
 
 }  // namespace kalivor::ui

@@ -7,8 +7,7 @@
 #include <QStyleOptionFrame>
 
 #include "base/Numbers.h"
-#include "platform/qt/WindowPlacing.h"
-#include "ui/Resources.h"
+#include "commands/SettingsTable.h"
 #include "ui/dialogs/Controls.h"
 
 using namespace Qt::StringLiterals;
@@ -16,7 +15,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-constexpr int kLargestAddress = 255;
 constexpr int kWidth_characters = 60;
 constexpr int kShownPath_characters = 45;
 
@@ -46,11 +44,7 @@ void SetShownCharacters(QLineEdit& box, int characters) {
 
 }  // namespace
 
-frmOptions::frmOptions() {
-  setObjectName(u"frmOptions"_s);
-  setWindowTitle(u"Optionen"_s);
-  setWindowIcon(ProgramIcon());
-
+frmOptions::frmOptions() : Form(u"frmOptions"_s, u"Optionen"_s) {
   tbsOptions_ = new QTabWidget(this);
   tbsOptions_->setObjectName(u"tbsOptions"_s);
   tbsOptions_->addTab(NewPortPage(), u"Schnittstelle"_s);
@@ -83,7 +77,7 @@ frmOptions::frmOptions() {
 QWidget* frmOptions::NewPortPage() {
   QWidget* page = NewPage(u"GroupSchnittstelle"_s);
   comboSchnittstelle_ = NewList(page, u"ComboSchnittstelle"_s, u"Schnittstelle"_s);
-  for (int number = 1; number <= platform::kLargestPortNumber; ++number)
+  for (int number = kSchnittstelle.lowest; number <= kSchnittstelle.highest; ++number)
     comboSchnittstelle_->addItem(u"COM%1"_s.arg(number));
   comboSchnittstelle_->installEventFilter(this);
   auto* layout = new QFormLayout(page);
@@ -94,7 +88,7 @@ QWidget* frmOptions::NewPortPage() {
 QWidget* frmOptions::NewAddressPage() {
   QWidget* page = NewPage(u"GroupRegler"_s);
   comboAdresse_ = NewList(page, u"ComboAdresse"_s, u"Geräteadresse"_s);
-  for (int address = 0; address <= kLargestAddress; ++address)
+  for (int address = kAdresse.lowest; address <= kAdresse.highest; ++address)
     comboAdresse_->addItem(BlankNumber(address));
   auto* layout = new QFormLayout(page);
   layout->addRow(u"Geräteadresse"_s, comboAdresse_);
@@ -131,8 +125,7 @@ void frmOptions::Open(const OptionsContent& content, int page) {
   tbsOptions_->setCurrentIndex(page);
   QWidget* const fields[] = {comboSchnittstelle_, comboAdresse_, textVerzParameter_};
   fields[page]->setFocus();
-  if (owner_ != nullptr) platform::KeepAbove(*this, *owner_);
-  platform::ShowInFront(*this);
+  ShowAboveOwner();
 }
 
 OptionsContent frmOptions::Content() const {
@@ -170,11 +163,11 @@ bool frmOptions::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmOptions::NameDevices() {
-  for (int number = 1; number <= platform::kLargestPortNumber; ++number) {
+  for (int number = kSchnittstelle.lowest; number <= kSchnittstelle.highest; ++number) {
     const QString device = DeviceOfPort ? DeviceOfPort(number) : QString();
     const QString shown = device.isEmpty() ? u"nicht vorhanden"_s : device;
-    comboSchnittstelle_->setItemData(number - 1, shown, Qt::ToolTipRole);
-    comboSchnittstelle_->setItemData(number - 1, shown, Qt::AccessibleDescriptionRole);
+    comboSchnittstelle_->setItemData(number - kSchnittstelle.lowest, shown, Qt::ToolTipRole);
+    comboSchnittstelle_->setItemData(number - kSchnittstelle.lowest, shown, Qt::AccessibleDescriptionRole);
   }
 }
 

@@ -1,19 +1,19 @@
 // The options: serial port, station address, version table.
 #pragma once
 
-#include <QDialog>
 #include <QLineEdit>
 #include <QTabWidget>
 #include <functional>
 
 #include "commands/OptionsCommands.h"
 #include "platform/qt/QtListBox.h"
+#include "ui/dialogs/Form.h"
 
 namespace kalivor::ui {
 
 /// One instance. It shows the present settings whenever it opens, and keeps what was typed as long as it is
 /// open. "Abbrechen", Escape and the window's frame hide it without applying.
-class frmOptions final : public QDialog {
+class frmOptions final : public Form {
  public:
   frmOptions();
 
@@ -25,9 +25,6 @@ class frmOptions final : public QDialog {
 
   /// The device that stands behind a port number now, "" when there is none.
   std::function<QString(int number)> DeviceOfPort;
-
-  /// The window to stay above.
-  void SetOwner(const QWidget& owner) { owner_ = &owner; }
 
   /// Shows `content` unless the dialog is open already; in either case selects page 0, 1 or 2 and gives its
   /// field the focus.
@@ -49,7 +46,6 @@ class frmOptions final : public QDialog {
   bool Uebernehmen();
   void Browse();
 
-  const QWidget* owner_ = nullptr;
   QTabWidget* tbsOptions_;
   platform::DropDownList* comboSchnittstelle_ = nullptr;
   platform::DropDownList* comboAdresse_ = nullptr;

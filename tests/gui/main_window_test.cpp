@@ -486,7 +486,7 @@ TEST_F(MainWindowTest, SettingsOfTheCommandLineAreNotStored) {
   settings.values[u"Schnittstelle"_s] = u"2"_s;
   settings.values[u"Inipath"_s] = u"/anders/"_s;
   settings.values[u"Inifile"_s] = u"ANDERE.INI"_s;
-  Start({.iniPath = u"/def"_s, .iniFile = u"VF.INI"_s, .port = qint16{5}});
+  Start({.iniPath = u"/def"_s, .iniFile = u"VF.INI"_s, .port = qint16{5}, .address = {}});
   EXPECT_EQ(desktop->module.Schnittstelle, 5);
   EXPECT_EQ(Tree().Count(), 11) << "the definitions of the command line are read";
   EXPECT_TRUE(desktop->main.close());
@@ -496,7 +496,7 @@ TEST_F(MainWindowTest, SettingsOfTheCommandLineAreNotStored) {
 }
 
 TEST_F(MainWindowTest, WhatTheUserChangesDuringSuchARunIsStored) {
-  Start({.iniPath = {}, .iniFile = {}, .port = qint16{5}});
+  Start({.iniPath = {}, .iniFile = {}, .port = qint16{5}, .address = {}});
   desktop->module.Schnittstelle = 7;
   EXPECT_TRUE(desktop->main.close());
   EXPECT_EQ(settings.values[u"Schnittstelle"_s], u"7"_s);

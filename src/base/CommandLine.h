@@ -23,7 +23,7 @@ struct ValueOption {
 
 /// What a program leaves open.
 struct OptionSyntax {
-  bool valuesMayLookLikeOptions = false;  ///< "--name --value" gives the option a value
+  bool valuesMayLookLikeOptions = false;  ///< what begins with "--" may be a value
   bool unknownAsWritten = false;          ///< a word that fits no option is named with what follows its "="
 };
 

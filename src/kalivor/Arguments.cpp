@@ -7,18 +7,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-constexpr QStringView kHelp =
-    u"Aufruf: kalivor [OPTIONEN] [WERTEDATEI.qpf]\n"
-    "\n"
-    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8 oder ein Gerät (Pfad)\n"
-    "  --ini-path ORDNER Ordner der Versionstabelle und der Definitionsdateien\n"
-    "  --ini-file NAME   Dateiname der Versionstabelle\n"
-    "  --demo            mit einem simulierten Regler am mitgelieferten Beispiel\n"
-    "  --help            diese Hilfe\n"
-    "  --program-version Name und Version des Programms\n"
-    "\n"
-    "Die Optionen gelten für diesen Lauf und werden nicht gespeichert.\n";
-
 constexpr Switch<Arguments> kSwitches[] = {
     {u"--demo", [](Arguments& arguments) { arguments.demo = true; }},
     {u"--help", [](Arguments& arguments) { arguments.help = true; }},
@@ -43,6 +31,18 @@ QString TakeValueFile(const QString& path, Arguments& arguments) {
   arguments.valueFile = path;
   return {};
 }
+
+constexpr QStringView kHelp =
+    u"Aufruf: kalivor [OPTIONEN] [WERTEDATEI.qpf]\n"
+    "\n"
+    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8 oder ein Gerät (Pfad)\n"
+    "  --ini-path ORDNER Ordner der Versionstabelle und der Definitionsdateien\n"
+    "  --ini-file NAME   Dateiname der Versionstabelle\n"
+    "  --demo            mit einem simulierten Regler am mitgelieferten Beispiel\n"
+    "  --help            diese Hilfe\n"
+    "  --program-version Name und Version des Programms\n"
+    "\n"
+    "Die Optionen gelten für diesen Lauf und werden nicht gespeichert.\n";
 
 }  // namespace
 

@@ -66,7 +66,8 @@ class SerialControl {
   /// Number of received characters that Input() would return now.
   [[nodiscard]] virtual int InBufferCount() = 0;
 
-  /// Takes all received characters. One with a parity error has become "?".
+  /// Takes the received characters: all of them, or those that the last wait or count has found. One with a
+  /// parity error has become "?".
   [[nodiscard]] virtual QByteArray Input() = 0;
 
   /// Sleeps in the operating system until a character waits, `seconds` have passed or the device is gone.

@@ -246,7 +246,8 @@ int PosixSerialControl::InBufferCount() {
 }
 
 QByteArray PosixSerialControl::Input() {
-  ReadAll();
+  // Characters come one by one as a rule, and the wait has read them: there is nothing behind.
+  if (input_.isEmpty()) ReadAll();
   // A copy, so that both buffers keep their memory from exchange to exchange.
   taken_.resize(0);
   taken_.append(input_.constData(), input_.size());

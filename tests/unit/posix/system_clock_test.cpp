@@ -1,6 +1,7 @@
 // The computer's clock.
 #include "platform/posix/SystemClock.h"
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 
 #include <gtest/gtest.h>
@@ -126,6 +127,12 @@ TEST(SystemClock, DoesNotSleepForNothing) {
   clock.Sleep(-1);
   clock.Sleep(std::numeric_limits<double>::quiet_NaN());
   clock.Sleep(-std::numeric_limits<double>::infinity());
+}
+
+TEST(SystemClock, LowersTheTimerSlack) {
+  ASSERT_EQ(prctl(PR_SET_TIMERSLACK, 50000UL, 0UL, 0UL, 0UL), 0);
+  const SystemClock clock;
+  EXPECT_EQ(prctl(PR_GET_TIMERSLACK, 0UL, 0UL, 0UL, 0UL), 1);
 }
 
 TEST(MonotonicTime, RoundsUpAndBoundsDurations) {

@@ -190,7 +190,7 @@ class GuiTest : public testing::Test {
   [[nodiscard]] QString State() { return Main<QLabel>(u"state"_s).text(); }
   /// As the user sees it once the program lets the window paint.
   [[nodiscard]] QString ReportText() {
-    QCoreApplication::sendPostedEvents(&desktop->reportDialog, QEvent::MetaCall);
+    QCoreApplication::sendPostedEvents(&desktop->reportDialog, QEvent::User);
     return In<QPlainTextEdit>(desktop->reportDialog, u"TextBox"_s).toPlainText();
   }
   [[nodiscard]] QStringList ReportLines() { return ReportText().trimmed().split(u'\n'); }

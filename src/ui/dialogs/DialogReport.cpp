@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QEvent>
 #include <QScrollBar>
 #include <QWindow>
 #include <utility>
@@ -103,9 +104,12 @@ void DialogReport::AppendLine(const QString& text) {
 
 // Dots come more often than they are painted, and each would have its whole line laid out anew.
 void DialogReport::ContinueLine(const QString& text) {
-  if (continued_.isEmpty())
-    QMetaObject::invokeMethod(this, &DialogReport::TakeContinued, Qt::QueuedConnection);
+  if (continued_.isEmpty()) QCoreApplication::postEvent(this, new QEvent(QEvent::User));
   continued_ += text;
+}
+
+void DialogReport::customEvent(QEvent* /*event*/) {
+  TakeContinued();
 }
 
 void DialogReport::TakeContinued() {

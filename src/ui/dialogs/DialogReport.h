@@ -30,6 +30,10 @@ class DialogReport final : public Form, public ReportView {
 
   void reject() override;
 
+ protected:
+  /// The window's events have their turn: what continues the last line is shown.
+  void customEvent(QEvent* event) override;
+
  private:
   void WaitUntilShown();
   void Append(QTextCursor& cursor, const QString& text);

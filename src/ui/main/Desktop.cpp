@@ -84,11 +84,11 @@ void Desktop::OpenFile(const QString& path) {
 void Desktop::LoadMain(const RunSettings& run) {
   main.LoadPlace(world.settings, world.box);
   LoadSettings(module, world.settings, world.box, world.programFolder);
-  stored_ = module;
+  stored_ = static_cast<const Settings&>(module);
   TakeRunSettings(module, run);
   // The form that reading the version table gives the folder.
   if (run.iniPath) module.Inipath = WithSeparator(*run.iniPath);
-  begun_ = module;
+  begun_ = static_cast<const Settings&>(module);
   FromBusy(core);
 }
 

@@ -9,13 +9,13 @@
 //          Prints the monotonic time in nanoseconds of every change of pixels in the window with the title,
 //          until it is ended.
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/damage.h>
 #include <xcb/xcb.h>
 
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

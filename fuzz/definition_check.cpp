@@ -43,7 +43,7 @@ void CheckReadable(World& world, bool hasList) {
   world.box.texts.clear();
   ReadSelectedDefinitions(world.core);
   ReadSelectedAddresses(world.core);
-  Require(world.box.texts.size() == 0, "an accepted address list can be read");
+  Require(world.box.texts.isEmpty(), "an accepted address list can be read");
   BuildTree(world.core);
   for (int i = 1; i < world.module.ParCount; ++i)
     Require(!world.module.Par[i].VarAdresse.isEmpty(), "an accepted parameter has an address");

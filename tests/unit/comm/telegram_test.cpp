@@ -10,7 +10,6 @@ using namespace Qt::StringLiterals;
 using kalivor::test::Answer;
 using kalivor::test::Channel;
 using kalivor::test::kTimeTolerance_s;
-using kalivor::test::Request;
 using kalivor::test::Summed;
 using kalivor::test::ThrownKind;
 

@@ -104,7 +104,7 @@ TEST_F(IniSettingsStoreTest, AValueIsATextWhateverItLooksLike) {
 }
 
 TEST_F(IniSettingsStoreTest, AnEndlessFileIsNotRead) {
-  WriteFile("[Settings]\nAdresse=17\n" + QByteArray(2 * 1024 * 1024, ';'));
+  WriteFile("[Settings]\nAdresse=17\n" + QByteArray(qsizetype{2} * 1024 * 1024, ';'));
   EXPECT_EQ(ReadAnew(u"Adresse"_s, u"1"_s), u"1"_s);
 }
 

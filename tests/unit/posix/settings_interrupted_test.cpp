@@ -1,7 +1,6 @@
 // Storing the settings while the program is killed at every call of the system, or the disk takes nothing.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -10,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <csignal>
 #include <ctime>
 #include <iostream>
 

@@ -263,7 +263,7 @@ TYPED_TEST(SerialControlContract, TheEndOfSendingIsReportedOnlyWhenAskedFor) {
 TYPED_TEST(SerialControlContract, TheEndOfSendingIsReportedOnceForEachOutput) {
   this->WatchEvents();
   this->line_.SetSThreshold(1);
-  for (int connection = 1; connection <= 2; ++connection) {
+  for (std::size_t connection = 1; connection <= 2; ++connection) {
     this->Open();
     this->rig_.Answer({"x"});
     EXPECT_EQ(this->Take(1), "x");

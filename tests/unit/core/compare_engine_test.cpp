@@ -11,7 +11,7 @@ struct Comparing : Installation {
   /// Compares and checks that the table stays as it was.
   WalkResult Run() {
     const auto before = module.Par;
-    const WalkResult result = Compare(core);
+    WalkResult result = Compare(core);
     EXPECT_EQ(module.Par, before);
     return result;
   }

@@ -183,7 +183,7 @@ QString ReadAtTerminal(Station& station) {
   std::thread far([&] { (void)terminal.Run(stop); });
   platform::SystemClock clock;
   platform::PosixSerialControl line([&](int) { return terminal.DeviceName(); });
-  const QString result = Reader(line, clock).Read();
+  QString result = Reader(line, clock).Read();
   const quint64 one = 1;
   EXPECT_EQ(write(stop, &one, sizeof one), static_cast<ssize_t>(sizeof one));
   far.join();

@@ -1,6 +1,8 @@
 #include "base/Numbers.h"
 
 #include <QLocale>
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -14,64 +16,32 @@ bool IsDigit(QChar c) {
   return c >= u'0' && c <= u'9';
 }
 
-// -1 when `c` is no hexadecimal digit.
-int HexDigit(QChar c) {
-  if (IsDigit(c)) return c.unicode() - u'0';
-  const QChar upper = c.toUpper();
-  return upper >= u'A' && upper <= u'F' ? upper.unicode() - u'A' + 10 : -1;
+bool IsHexDigit(QChar c) {
+  return IsDigit(c) || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
 }
 
-// The number after "&H", `digits` being what follows it.
-double HexLiteral(QStringView digits) {
-  quint64 value = 0;
-  int count = 0;
-  for (; count < digits.size() && HexDigit(digits.at(count)) >= 0; ++count) {
-    if (count == 8) throw RuntimeError(RuntimeError::Kind::Overflow);
-    value = value * 16 + static_cast<quint64>(HexDigit(digits.at(count)));
-  }
-  return count <= 4 ? static_cast<double>(static_cast<qint16>(value))
-                    : static_cast<double>(static_cast<qint32>(value));
+// The number after "&H", `text` being what follows it.
+double HexLiteral(QStringView text) {
+  const auto end = std::find_if_not(text.begin(), text.end(), IsHexDigit);
+  const QStringView digits(text.begin(), end);
+  if (digits.size() > 8) throw RuntimeError(RuntimeError::Kind::Overflow);
+  const uint value = digits.toUInt(nullptr, 16);
+  return digits.size() <= 4 ? static_cast<double>(static_cast<qint16>(value))
+                            : static_cast<double>(static_cast<qint32>(value));
 }
 
 // The decimal number at the beginning of `text`, with `length` set to the characters it takes, 0 if none.
-// With `comma` a comma may stand for the point.
-double DecimalNumber(QStringView text, bool comma, qsizetype& length) {
-  QString plain;  // with a point, whatever the text had
-  qsizetype at = 0;
-  bool anyDigit = false;
-  const auto takeDigits = [&] {
-    const qsizetype from = at;
-    while (at < text.size() && IsDigit(text.at(at)))
-      plain.append(text.at(at++));
-    return at > from;
-  };
-  if (at < text.size() && (text.at(at) == u'+' || text.at(at) == u'-')) {
-    plain.append(text.at(at++));
-  }
-  anyDigit = takeDigits();
-  if (at < text.size() && (text.at(at) == u'.' || (comma && text.at(at) == u','))) {
-    plain.append(u'.');
-    ++at;
-    anyDigit = takeDigits() || anyDigit;
-  }
-  length = 0;
-  if (!anyDigit) return 0;
-  length = at;
-  if (at < text.size() && (text.at(at) == u'E' || text.at(at) == u'e')) {
-    const qsizetype mantissa = plain.size();
-    plain.append(u'e');
-    ++at;
-    if (at < text.size() && (text.at(at) == u'+' || text.at(at) == u'-')) {
-      plain.append(text.at(at++));
-    }
-    if (takeDigits()) {
-      length = at;
-    } else {
-      plain.truncate(mantissa);
-    }
-  }
+double DecimalNumber(QStringView text, qsizetype& length) {
+  const QByteArray plain = text.toLatin1();
+  const char* const start = plain.begin() + (plain.startsWith('+') || plain.startsWith('-') ? 1 : 0);
+  const char* end = start;
+  double unsignedNumber = 0;
+  // The words for infinity are no numbers here.
+  if (start != plain.end() && (*start == '.' || IsDigit(QLatin1Char(*start))))
+    end = std::from_chars(start, plain.end(), unsignedNumber).ptr;
+  length = end == start ? 0 : end - plain.begin();
   // Gives 0 for what is too small for a double, and infinity for what is too large.
-  const double number = QLocale::c().toDouble(plain);
+  const double number = QLocale::c().toDouble(text.first(length));
   if (!std::isfinite(number)) throw RuntimeError(RuntimeError::Kind::Overflow);
   return number;
 }
@@ -120,7 +90,7 @@ double LeadingNumber(QStringView text) {
   }
   if (dense.startsWith(u"&H", Qt::CaseInsensitive)) return HexLiteral(QStringView(dense).mid(2));
   qsizetype length = 0;
-  return DecimalNumber(dense, false, length);
+  return DecimalNumber(dense, length);
 }
 
 qint16 LeadingInt16(QStringView text) {
@@ -131,10 +101,10 @@ qint32 LeadingInt32(QStringView text) {
 }
 
 double StrictNumber(QStringView text) {
-  const QStringView trimmed = text.trimmed();
+  const QString plain = text.trimmed().toString().replace(u',', u'.');
   qsizetype length = 0;
-  const double number = DecimalNumber(trimmed, true, length);
-  if (length == 0 || length != trimmed.size()) throw RuntimeError(RuntimeError::Kind::TypeMismatch);
+  const double number = DecimalNumber(plain, length);
+  if (length == 0 || length != plain.size()) throw RuntimeError(RuntimeError::Kind::TypeMismatch);
   return number;
 }
 

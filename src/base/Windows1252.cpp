@@ -1,5 +1,6 @@
 #include "base/Windows1252.h"
 
+#include <algorithm>
 #include <array>
 
 namespace kalivor {
@@ -27,33 +28,20 @@ quint8 ByteFromCharacter(QChar character) {
 }
 
 QString TextFromBytes(QByteArrayView bytes) {
-  QString text;
-  AppendText(text, bytes);
+  // Most texts are plain ASCII but for a few letters.
+  QString text = QString::fromLatin1(bytes);
+  for (QChar& character : text) {
+    if (character >= QChar(0x80) && character <= QChar(0x9F))
+      character = CharacterFromByte(static_cast<quint8>(character.unicode()));
+  }
   return text;
 }
 
 QByteArray BytesFromText(QStringView text) {
-  QByteArray bytes;
-  AppendBytes(bytes, text);
+  QByteArray bytes(text.size(), Qt::Uninitialized);
+  std::transform(text.begin(), text.end(), bytes.begin(),
+                 [](QChar character) { return static_cast<char>(ByteFromCharacter(character)); });
   return bytes;
-}
-
-void AppendText(QString& text, QByteArrayView bytes) {
-  const qsizetype start = text.size();
-  // Most texts are plain ASCII but for a few letters.
-  text += QLatin1StringView(bytes);
-  for (QChar* character = text.data() + start; character != text.data() + text.size(); ++character) {
-    if (*character >= QChar(0x80) && *character <= QChar(0x9F))
-      *character = CharacterFromByte(static_cast<quint8>(character->unicode()));
-  }
-}
-
-void AppendBytes(QByteArray& bytes, QStringView text) {
-  const qsizetype start = bytes.size();
-  bytes.resize(start + text.size());
-  char* out = bytes.data() + start;
-  for (const QChar character : text)
-    *out++ = static_cast<char>(ByteFromCharacter(character));
 }
 
 }  // namespace kalivor

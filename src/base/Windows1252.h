@@ -16,8 +16,4 @@ namespace kalivor {
 [[nodiscard]] QString TextFromBytes(QByteArrayView bytes);
 [[nodiscard]] QByteArray BytesFromText(QStringView text);
 
-/// The same, behind what the first argument holds.
-void AppendText(QString& text, QByteArrayView bytes);
-void AppendBytes(QByteArray& bytes, QStringView text);
-
 }  // namespace kalivor

@@ -52,29 +52,16 @@ double SignedHexToNumber(QStringView text) {
   return -(sum + 1);
 }
 
-void AppendHexPad(QString& text, double value, int length) {
+QString HexPad(double value, int length) {
   const double rounded = std::nearbyint(value);  // half to even
   if (!(rounded >= -2147483648.0 && rounded < 9223372036854775808.0)) {
     throw RuntimeError(RuntimeError::Kind::Overflow);
   }
-  quint64 bits =
+  const quint64 bits =
       rounded < 0 ? static_cast<quint32>(static_cast<qint32>(rounded)) : static_cast<quint64>(rounded);
   constexpr int kZeros = 16;
-  constexpr int kMostDigits = 16;
-  std::array<char16_t, kZeros + kMostDigits> digits{};
-  digits.fill(u'0');
-  std::size_t first = digits.size();
-  do {
-    digits[--first] = u"0123456789ABCDEF"[bits % 16];
-    bits /= 16;
-  } while (bits != 0);
-  text.append(QStringView(digits).sliced(static_cast<qsizetype>(first) - kZeros).right(std::max(0, length)));
-}
-
-QString HexPad(double value, int length) {
-  QString text;
-  AppendHexPad(text, value, length);
-  return text;
+  const QString digits = QString(kZeros, u'0') + QString::number(bits, 16).toUpper();
+  return digits.right(std::max(0, length));
 }
 
 QString HexPad(QStringView value, int length) {

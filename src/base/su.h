@@ -18,9 +18,6 @@ namespace kalivor::su {
 /// Throws RuntimeError (Overflow) below -2^31 and from 2^63 on.
 [[nodiscard]] QString HexPad(double value, int length);
 
-/// The same, behind what `text` holds.
-void AppendHexPad(QString& text, double value, int length);
-
 /// The same for a text, read by LeadingNumber().
 [[nodiscard]] QString HexPad(QStringView value, int length);
 

@@ -1,7 +1,5 @@
 #include "comm/COM_A.h"
 
-#include <algorithm>
-
 #include "base/Numbers.h"
 #include "base/su.h"
 
@@ -53,21 +51,14 @@ Identification COM_A::AskVersion(qint16 slot) {
 }
 
 // Letter 0 writes, letter 1 reads; blanks without a selected version.
-QStringView COM_A::CommandLetter(int index) const {
-  return QStringView(versions_.SelectedVersion().Kennung.Padded()).mid(index, 1);
-}
-
-void COM_A::StartBody(int letter, QStringView address) {
-  body_.resize(0);
-  body_ += CommandLetter(letter);
-  body_ += address.last(std::min(address.size(), kAddressLength));
+QString COM_A::Body(int letter, QStringView address) const {
+  return versions_.SelectedVersion().Kennung.Padded().at(letter) + address.right(kAddressLength).toString();
 }
 
 bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
   if (host_.Ports[slot].Protokoll != kControllerProtocol) return true;
-  StartBody(0, address);
-  su::AppendHexPad(body_, value, kWordLength);
-  const QString result = transport_.SendWithRetry(slot, body_, true, kTries);
+  const QString body = Body(0, address) + su::HexPad(value, kWordLength);
+  const QString result = transport_.SendWithRetry(slot, body, true, kTries);
   if (!IsError(result)) return true;
   onFailure_(result);
   return false;
@@ -75,10 +66,8 @@ bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
 
 bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
   digits.clear();
-  if (host_.Ports[slot].Protokoll == kControllerProtocol) {
-    StartBody(1, address);
-    digits = transport_.SendWithRetry(slot, body_, true, kTries);
-  }
+  if (host_.Ports[slot].Protokoll == kControllerProtocol)
+    digits = transport_.SendWithRetry(slot, Body(1, address), true, kTries);
   if (IsError(digits)) {
     onFailure_(digits);
     return false;

@@ -53,8 +53,7 @@ class COM_A {
   QString Configure(qint16 slot, QStringView settings);
 
  private:
-  [[nodiscard]] QStringView CommandLetter(int index) const;
-  void StartBody(int letter, QStringView address);
+  [[nodiscard]] QString Body(int letter, QStringView address) const;
   bool ReadWord(qint16 slot, QString& digits, const QString& address);
 
   const Settings& settings_;
@@ -62,7 +61,6 @@ class COM_A {
   COM_T_frm& host_;
   COM_T transport_;
   FailureHandler onFailure_;
-  QString body_;  // kept from telegram to telegram, so that reading a word needs no new memory
 };
 
 }  // namespace kalivor

@@ -1,5 +1,6 @@
 #include "comm/COM_T.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 
 #include "base/Numbers.h"
@@ -42,13 +43,12 @@ bool IsTerminator(QChar c) {
   return c >= kLineFeed && c <= kCarriageReturn;
 }
 
-// Two hexadecimal digits of the sum of all character codes, behind what `text` holds. `characters` may be
-// that text.
-void AppendChecksum(QString& text, QStringView characters) {
+// Two hexadecimal digits of the sum of all character codes.
+QString Checksum(QStringView characters) {
   qint16 sum = 0;
   for (const QChar c : characters)
     sum = ToInt16(sum + ByteFromCharacter(c));
-  su::AppendHexPad(text, sum, 2);
+  return su::HexPad(sum, 2);
 }
 
 QString ReplyCodeText(const QString& code) {
@@ -85,26 +85,7 @@ QString LineErrorText(int event) {
   }
 }
 
-// Closes the port when an exchange ends, however it ends.
-class PortGuard {
- public:
-  explicit PortGuard(COM_T_frm& host) : host_(host) {}
-  ~PortGuard() { host_.ClosePort(); }
-  PortGuard(const PortGuard&) = delete;
-  PortGuard& operator=(const PortGuard&) = delete;
-
- private:
-  COM_T_frm& host_;
-};
-
 }  // namespace
-
-COM_T::COM_T(COM_T_frm& host) : host_(host) {
-  constexpr qsizetype kTelegram_characters = 256;
-  for (QString* text : {&frame_, &received_, &reply_, &checksum_, &payload_})
-    text->reserve(kTelegram_characters);
-  output_.reserve(kTelegram_characters);
-}
 
 QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
   QString result = Transact(slot, body, wantReply);
@@ -114,32 +95,25 @@ QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int 
 }
 
 QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
-  frame_.resize(0);
-  frame_ += u'#';
-  su::AppendHexPad(frame_, host_.Ports[slot].Adr, 2);
-  frame_ += u"02";
-  frame_ += body;
-  AppendChecksum(frame_, frame_);
-  frame_ += kCarriageReturn;
+  QString frame = u'#' + su::HexPad(host_.Ports[slot].Adr, 2) + u"02"_s;
+  frame += body;
+  frame += Checksum(frame) + kCarriageReturn;
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
 
-  QString reply = SendReceive(slot, frame_, wantReply);
+  QString reply = SendReceive(slot, frame, wantReply);
   if (!wantReply || IsError(reply)) return reply;
   if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
   if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));
   const QStringView summed = QStringView(reply).chopped(3);
-  checksum_.resize(0);
-  AppendChecksum(checksum_, summed);
-  if (checksum_ != QStringView(reply).sliced(summed.size(), 2)) return u"ERROR:  Checksumme Falsch"_s;
-  payload_.resize(0);
-  payload_ += summed.mid(6);
-  return payload_;
+  if (Checksum(summed) != QStringView(reply).sliced(summed.size(), 2)) return u"ERROR:  Checksumme Falsch"_s;
+  return summed.mid(6).toString();
 }
 
 QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
-  const PortGuard closesThePort(host_);
+  // However the exchange ends.
+  const auto close = qScopeGuard([this] { host_.ClosePort(); });
   if (IsError(host_.OpenPort(slot))) {
     return WithLineError(u"ERROR: COM"_s + BlankNumber(host_.Ports[slot].PortNr) + u" nicht verfügber"_s, {});
   }
@@ -150,12 +124,10 @@ QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
 void COM_T::Send(const QString& frame) {
   platform::SerialControl& line = host_.Control();
   line.SetRts(true);
-  output_.resize(0);
-  AppendBytes(output_, frame);
-  line.Output(output_);
+  line.Output(BytesFromText(frame));
   line.SetSThreshold(1);
   host_.SendDone = kFalse;
-  received_.resize(0);
+  received_.clear();
 }
 
 // Waits for lines until one of them is the reply.
@@ -205,13 +177,13 @@ bool COM_T::WaitForFirstCharacter(const SoftTimer& bound) {
 COM_T::LineEnd COM_T::ReceiveLine(const SoftTimer& bound) {
   platform::SerialControl& line = host_.Control();
   TH& timers = host_.Timers();
-  reply_.resize(0);
-  if (received_.isEmpty()) AppendText(received_, line.Input());
+  reply_.clear();
+  if (received_.isEmpty()) received_ = TextFromBytes(line.Input());
   while (!TakeLine()) {
     if (bound.Remaining() <= 0) return LineEnd::ExchangeOver;
     const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
     const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
-    AppendText(received_, line.Input());
+    received_ += TextFromBytes(line.Input());
     if (gone || timers.TimerExpired(kReplyTimer)) {
       (void)TakeLine();
       return LineEnd::NotInTime;

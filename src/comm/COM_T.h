@@ -11,7 +11,7 @@ namespace kalivor {
 /// returned text that begins "ERROR: ".
 class COM_T {
  public:
-  explicit COM_T(COM_T_frm& host);
+  explicit COM_T(COM_T_frm& host) : host_(host) {}
 
   /// Transact up to `maxTries` times; returns the first good result or the last failure.
   [[nodiscard]] QString SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries);
@@ -42,14 +42,8 @@ class COM_T {
   QString WithLineError(const QString& result, const QString& reply);
 
   COM_T_frm& host_;
-
-  // Kept from telegram to telegram, so that a transfer needs no new memory for each.
-  QString frame_;
-  QByteArray output_;
   QString received_;  // behind the line that was taken last
-  QString reply_;
-  QString checksum_;
-  QString payload_;
+  QString reply_;     // that line
 };
 
 }  // namespace kalivor

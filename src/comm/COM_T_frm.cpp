@@ -18,7 +18,9 @@ bool IsError(QStringView text) {
 
 COM_T_frm::COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers)
     : conversation_(conversation), control_(control), timers_(timers) {
-  control_.OnComm = [this] { OnComm(); };
+  control_.OnComm = [this] {
+    if (control_.CommEvent() == platform::kCommEventSendDone) SendDone = kTrue;
+  };
 }
 
 COM_T_frm::~COM_T_frm() {
@@ -51,8 +53,7 @@ QString COM_T_frm::OpenPort(qint16 slot) {
   PortRecord& port = Ports[slot];
   if (port.Offen != kFalse) return {};
   // There is one line; whoever has it keeps it.
-  if (control_.IsOpen()) return u"ERROR: "_s;
-  if (!control_.Open(port.PortNr, port.Settings)) return u"ERROR: "_s;
+  if (control_.IsOpen() || !control_.Open(port.PortNr, port.Settings)) return u"ERROR: "_s;
   port.Offen = kTrue;
   if (!control_.ClearOutBuffer() || !control_.ClearInBuffer()) return u"ERROR: "_s;
   return {};
@@ -73,10 +74,6 @@ void COM_T_frm::ClosePort() {
   }
   timers_.StartTimer(kPauseTimer, kPause_ms);
   timers_.StartTimer(kCloseTimer, kCloseTime_ms);
-}
-
-void COM_T_frm::OnComm() {
-  if (control_.CommEvent() == platform::kCommEventSendDone) SendDone = kTrue;
 }
 
 }  // namespace kalivor

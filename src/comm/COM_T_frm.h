@@ -70,7 +70,6 @@ class COM_T_frm {
 
  private:
   QString SetupPort(qint16 slot, qint16 address, qint16 portNumber, const QString& settings);
-  void OnComm();
 
   const Conversation& conversation_;
   platform::SerialControl& control_;

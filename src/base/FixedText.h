@@ -5,6 +5,13 @@
 
 namespace kalivor {
 
+[[nodiscard]] inline QString WithoutTrailingBlanks(const QString& text) {
+  qsizetype length = text.size();
+  while (length > 0 && text.at(length - 1) == u' ')
+    --length;
+  return text.left(length);
+}
+
 /// Always exactly Width characters: shorter texts are padded with blanks on the right, longer ones cut.
 /// Comparing with a text pads the shorter side, so "int" equals "int     ".
 template <int Width>
@@ -15,14 +22,7 @@ class FixedText {
 
   [[nodiscard]] const QString& Padded() const { return text_; }
 
-  /// Without the blanks at the end.
-  [[nodiscard]] QString Trimmed() const {
-    qsizetype length = text_.size();
-    while (length > 0 && text_.at(length - 1) == u' ')
-      --length;
-    return text_.left(length);
-  }
-
+  [[nodiscard]] QString Trimmed() const { return WithoutTrailingBlanks(text_); }
   [[nodiscard]] bool StartsWith(QStringView beginning) const { return text_.startsWith(beginning); }
 
   friend bool operator==(const FixedText&, const FixedText&) = default;

@@ -4,7 +4,6 @@
 
 #include "base/Numbers.h"
 #include "core/Busy.h"
-#include "core/Questions.h"
 #include "core/Refresh.h"
 
 using namespace Qt::StringLiterals;

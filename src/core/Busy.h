@@ -1,4 +1,5 @@
-// The busy state: entered by every long operation, left when the outermost one ends.
+// The busy state: entered by every long operation, left when the outermost one ends; and waiting for an
+// answer.
 #pragma once
 
 #include "core/Core.h"
@@ -17,28 +18,28 @@ void FromBusy(Core& core);
 void ToWaiting(Core& core);
 void FromWaiting(Core& core);
 
-/// Busy for as long as it lives.
-class BusyGuard {
+/// Calls one function now, and the other at the end of its life.
+template <void (*Enter)(Core&), void (*Leave)(Core&)>
+class StateGuard {
  public:
-  explicit BusyGuard(Core& core) : core_(core) { ToBusy(core_); }
-  ~BusyGuard() { FromBusy(core_); }
-  BusyGuard(const BusyGuard&) = delete;
-  BusyGuard& operator=(const BusyGuard&) = delete;
+  explicit StateGuard(Core& core) : core_(core) { Enter(core_); }
+  ~StateGuard() { Leave(core_); }
+  StateGuard(const StateGuard&) = delete;
+  StateGuard& operator=(const StateGuard&) = delete;
 
  private:
   Core& core_;
 };
 
-/// Waiting for as long as it lives.
-class WaitingGuard {
- public:
-  explicit WaitingGuard(Core& core) : core_(core) { ToWaiting(core_); }
-  ~WaitingGuard() { FromWaiting(core_); }
-  WaitingGuard(const WaitingGuard&) = delete;
-  WaitingGuard& operator=(const WaitingGuard&) = delete;
+using BusyGuard = StateGuard<ToBusy, FromBusy>;
+using WaitingGuard = StateGuard<ToWaiting, FromWaiting>;
 
- private:
-  Core& core_;
-};
+/// What a question returns that was given up because the session ends. The operation that asked stops then.
+inline constexpr qint16 kNoAnswer = 0;
+
+/// Shows a question with two alternatives and sleeps in the event loop until it is answered: 1 or 2, or
+/// kNoAnswer. The main window is brought back to the front afterwards.
+[[nodiscard]] qint16 AskChoice(Core& core, const QString& question, const QString& first,
+                               const QString& second);
 
 }  // namespace kalivor

@@ -10,10 +10,8 @@
 
 namespace kalivor {
 
-/// State and collaborators, wired together once by the program (or a test) and handed to the operations.
-/// Owns nothing; everything must outlive it.
-struct Core {
-  Module1& module;
+/// What a program gives the core to work with: its forms, boxes, files and events.
+struct Surroundings {
   MainForm& main;
   ReportForm& report;
   ChoiceForm& choice;
@@ -21,6 +19,12 @@ struct Core {
   platform::MessageBox& box;
   platform::FileSystem& files;
   platform::Events& events;
+};
+
+/// State and collaborators, wired together once by the program (or a test) and handed to the operations.
+/// Owns nothing; everything must outlive it.
+struct Core : Surroundings {
+  Module1& module;
   COM_A& controller;
 };
 

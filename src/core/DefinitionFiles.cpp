@@ -17,46 +17,32 @@ namespace {
 constexpr QStringView kNoList = u"-";
 constexpr qsizetype kLongestUnwrappedName = 20;
 
-// Where the column that begins at `start` ends: before two blanks or at the end of the line.
-qsizetype ColumnEnd(QStringView line, qsizetype start) {
-  // A plain loop: a general search for two characters costs several times as much, a hundred thousand times.
-  for (qsizetype end = start; end + 1 < line.size(); ++end) {
-    if (line[end] == u' ' && line[end + 1] == u' ') return end;
-  }
-  return line.size();
-}
-
-// Where the column after the one that ends at `end` begins.
-qsizetype NextColumn(QStringView line, qsizetype end) {
-  while (end < line.size() && line.at(end) == u' ')
-    ++end;
-  return end;
-}
-
-qsizetype ColumnStart(QStringView line, int n) {
-  qsizetype start = 0;
-  for (int column = 0; column < n; ++column)
-    start = NextColumn(line, ColumnEnd(line, start));
-  return start;
-}
-
 // Takes the columns of a line one after the other.
 class Columns {
  public:
-  explicit Columns(QStringView line) : line_(line) {}
+  explicit Columns(QStringView line, int skipped = 0) : rest_(line) {
+    for (; skipped > 0; --skipped)
+      (void)Next();
+  }
 
+  // Up to two blanks or the end of the line.
   QStringView Next() {
-    const qsizetype end = ColumnEnd(line_, start_);
-    const QStringView column = line_.sliced(start_, end - start_);
-    start_ = NextColumn(line_, end);
+    // A plain loop: a general search for two characters costs several times as much, a hundred thousand
+    // times.
+    qsizetype end = 0;
+    while (end < rest_.size() && !(rest_[end] == u' ' && end + 1 < rest_.size() && rest_[end + 1] == u' '))
+      ++end;
+    const QStringView column = rest_.first(end);
+    while (end < rest_.size() && rest_[end] == u' ')
+      ++end;
+    rest_ = rest_.sliced(end);
     return column;
   }
 
-  QStringView Rest() const { return line_.sliced(start_); }
+  [[nodiscard]] QStringView Rest() const { return rest_; }
 
  private:
-  QStringView line_;
-  qsizetype start_ = 0;
+  QStringView rest_;
 };
 
 QString TextUnlessDash(QStringView text) {
@@ -81,19 +67,6 @@ bool IsAddress(QStringView text) {
   return text.size() == 4 || text.size() == 8;
 }
 
-void GiveAddress(ParameterRecord& record, const QString& value) {
-  record.VarAdresse = record.Offset == 0 ? value : AddOffset(value, record.Offset);
-}
-
-// The items of a definition file; a failure names it, as it may show in the box of another file.
-TextItems ReadDefinitionItems(platform::FileSystem& files, const QString& path) {
-  try {
-    return ReadItems(files, path);
-  } catch (const RuntimeError& error) {
-    throw DefinitionError(error, path);
-  }
-}
-
 // Puts a line of the definition file where it belongs in the table.
 void TakeDefinition(ParameterTable& table, QStringView line, int lineNumber, bool hasAddressList) {
   ParameterRecord record = ParseDefinition(line, hasAddressList);
@@ -109,55 +82,24 @@ void TakeDefinition(ParameterTable& table, QStringView line, int lineNumber, boo
   if (!isPlantType) table.ParCount = ToInt16(table.ParCount + 1);
 }
 
-// Which slots bear which variable name, in table order, so that a long list needs no search per line.
-class AddressBook {
- public:
-  explicit AddressBook(ParameterTable& table) : table_(table) {
-    // Built from the end, as a QMultiHash returns the values of a key last in, first out.
-    for (int i = LastTouchedSlot(table); i >= 1; --i)
-      slots_.insert(table.Par[i].Variable, i);
-  }
-
-  void SetAddress(QStringView value, QStringView name) {
-    const auto [first, last] = slots_.equal_range(name);
-    for (auto slot = first; slot != last; ++slot)
-      GiveAddress(table_.Par[*slot], value.toString());
-  }
-
- private:
-  ParameterTable& table_;
-  QMultiHash<QStringView, int> slots_;  // the names are those in the table, which stay as they are
-};
-
-void ReadAddressLines(const std::vector<TextItem>& items, AddressBook& book) {
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    Columns columns(items[i].text);
-    const QStringView name = columns.Next();
-    const QStringView address = columns.Next();
-    if (IsAddress(address)) {
-      book.SetAddress(address, name);
-    } else if (name.size() > kLongestUnwrappedName && address.isEmpty()) {
-      // A wrapped entry: its address stands first in the next line, which is then examined for itself too.
-      if (i + 1 == items.size()) {
-        throw RuntimeError(
-            RuntimeError::Kind::FileError,
-            u"Die Datei endet nach einem umgebrochenen Namen (Zeile %1)."_s.arg(items[i].line));
-      }
-      const QStringView wrapped = Columns(items[i + 1].text).Next();
-      if (IsAddress(wrapped)) book.SetAddress(wrapped, name);
-    }
-  }
+// Which slots bear which variable name, in table order, so that a long list needs no search per line. The
+// names are those in the table, which have to stay as they are.
+QMultiHash<QStringView, int> SlotsByName(const ParameterTable& table) {
+  QMultiHash<QStringView, int> names;
+  // From the end, as a QMultiHash returns the values of a key last in, first out.
+  for (int i = LastTouchedSlot(table); i >= 1; --i)
+    names.insert(table.Par[i].Variable, i);
+  return names;
 }
 
 }  // namespace
 
 QString GetField(QStringView line, int n) {
-  const qsizetype start = ColumnStart(line, n);
-  return line.sliced(start, ColumnEnd(line, start) - start).toString();
+  return Columns(line, n).Next().toString();
 }
 
 QString GetRest(QStringView line, int n) {
-  return line.sliced(ColumnStart(line, n)).toString();
+  return Columns(line, n).Rest().toString();
 }
 
 QString AddOffset(const QString& hex, qint32 offset) {
@@ -249,19 +191,47 @@ void ReadDefinitions(ParameterTable& table, platform::FileSystem& files, const Q
   table.Par[0].VarAdresse.clear();
   table.ParLine[0] = 0;
   table.ParFile = path;
-  for (const TextItem& item : ReadDefinitionItems(files, path)) {
-    try {
-      TakeDefinition(table, item.text, item.line, hasAddressList);
-    } catch (const RuntimeError& error) {
-      throw DefinitionError(error, path, item.line);
+  int line = 0;
+  try {
+    const TextItems items = ReadItems(files, path);
+    for (const TextItem& item : items) {
+      line = item.line;
+      TakeDefinition(table, item.text, line, hasAddressList);
     }
+  } catch (const RuntimeError& error) {
+    // It may show in the box of another file.
+    throw DefinitionError(error, path, line);
   }
 }
 
 void ReadAddressList(ParameterTable& table, platform::FileSystem& files, const QString& path) {
-  const TextItems items = ReadItems(files, path);
-  AddressBook book(table);
-  ReadAddressLines(items.items, book);
+  const TextItems text = ReadItems(files, path);
+  const std::vector<TextItem>& items = text.items;
+  const QMultiHash<QStringView, int> slotsOf = SlotsByName(table);
+  const auto giveAddress = [&](QStringView name, const QString& address) {
+    const auto [first, last] = slotsOf.equal_range(name);
+    for (auto slot = first; slot != last; ++slot) {
+      ParameterRecord& record = table.Par[*slot];
+      record.VarAdresse = record.Offset == 0 ? address : AddOffset(address, record.Offset);
+    }
+  };
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    Columns columns(items[i].text);
+    const QStringView name = columns.Next();
+    const QStringView address = columns.Next();
+    if (IsAddress(address)) {
+      giveAddress(name, address.toString());
+    } else if (name.size() > kLongestUnwrappedName && address.isEmpty()) {
+      // A wrapped entry: its address stands first in the next line, which is then examined for itself too.
+      if (i + 1 == items.size()) {
+        throw RuntimeError(
+            RuntimeError::Kind::FileError,
+            u"Die Datei endet nach einem umgebrochenen Namen (Zeile %1)."_s.arg(items[i].line));
+      }
+      const QStringView wrapped = Columns(items[i + 1].text).Next();
+      if (IsAddress(wrapped)) giveAddress(name, wrapped.toString());
+    }
+  }
 }
 
 }  // namespace kalivor

@@ -71,7 +71,7 @@ const ParameterType& NumberTypeNamed(QStringView name) {
 }
 
 bool IsStringForTree(const ParameterRecord& record) {
-  return std::any_of(std::begin(kTypes), std::end(kTypes), [&record](const ParameterType& type) {
+  return std::ranges::any_of(kTypes, [&record](const ParameterType& type) {
     return type.kind == ValueKind::Text && record.Typ.StartsWith(type.name);
   });
 }

@@ -29,14 +29,11 @@ void ReportDeviation(Core& core, const ParameterRecord& record, const ParameterR
 }  // namespace
 
 int WalkResult::Failures() const {
-  return static_cast<int>(
-      std::count_if(results.begin(), results.end(), [](const ParameterResult& r) { return r.Failed(); }));
+  return static_cast<int>(std::ranges::count_if(results, &ParameterResult::Failed));
 }
 
 int WalkResult::Deviations() const {
-  return static_cast<int>(std::count_if(results.begin(), results.end(), [](const ParameterResult& r) {
-    return r.outcome == Outcome::Differs;
-  }));
+  return static_cast<int>(std::ranges::count(results, Outcome::Differs, &ParameterResult::outcome));
 }
 
 QString ShownValue(const ParameterRecord& record, const ParameterValue& value) {
@@ -55,7 +52,7 @@ void ReportResult(Core& core, const ParameterResult& result) {
       return ReportDeviation(core, record, result);
     case Outcome::NotSent:
       if (result.failedWord) core.box.Show(FailureText(record, result.failedWord));
-      return core.report.Add(FailureText(record, result.failedWord));
+      [[fallthrough]];
     case Outcome::NotRead:
       return core.report.Add(FailureText(record, result.failedWord));
     case Outcome::NoAddress:

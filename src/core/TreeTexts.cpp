@@ -1,5 +1,7 @@
 #include "core/TreeTexts.h"
 
+#include <QScopeGuard>
+
 #include "base/Numbers.h"
 #include "base/su.h"
 #include "core/DefinitionFiles.h"
@@ -19,32 +21,10 @@ QString NameColumn(const ParameterRecord& record) {
   return su::Align(record.Name, 50, u"L", u".");
 }
 
-// Marks the tree as being changed by the program and hides it for as long as it lives.
-class TreeChange {
- public:
-  explicit TreeChange(Core& core) : core_(core) {
-    core_.module.TreeUpdating = kTrue;
-    core_.main.Tree().SetVisible(false);
-  }
-  ~TreeChange() {
-    core_.main.Tree().SetVisible(true);
-    core_.module.TreeUpdating = kFalse;
-  }
-  TreeChange(const TreeChange&) = delete;
-  TreeChange& operator=(const TreeChange&) = delete;
-
- private:
-  Core& core_;
-};
-
 }  // namespace
 
 bool ShowParam(QStringView selectedPlantType, QStringView plantTypes) {
   return plantTypes.contains(selectedPlantType);
-}
-
-bool ShowParam(Core& core, const ParameterRecord& record) {
-  return ShowParam(core.module.PlantTypeList.SelectedText(), record.Zusatz);
 }
 
 QString Scaled(const ParameterRecord& record, qint32 value) {
@@ -95,7 +75,12 @@ QString ParameterKey(int index) {
 void BuildTree(Core& core) {
   Module1& module = core.module;
   platform::TreeView& tree = core.main.Tree();
-  const TreeChange change(core);
+  module.TreeUpdating = kTrue;
+  tree.SetVisible(false);
+  const auto show = qScopeGuard([&] {
+    tree.SetVisible(true);
+    module.TreeUpdating = kFalse;
+  });
   const QString plantType = core.module.PlantTypeList.SelectedText();
 
   tree.Clear();

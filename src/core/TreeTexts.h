@@ -9,7 +9,6 @@ namespace kalivor {
 
 /// True when the selected plant type occurs in `plantTypes` (a record's Zusatz). An empty one matches all.
 [[nodiscard]] bool ShowParam(QStringView selectedPlantType, QStringView plantTypes);
-[[nodiscard]] bool ShowParam(Core& core, const ParameterRecord& record);
 
 /// A number of the record (value, limit or default) in display units, as every column shows it.
 /// Throws RuntimeError (Overflow) when Zahl1 + Zahl2 is above 9.

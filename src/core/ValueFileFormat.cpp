@@ -17,13 +17,6 @@ constexpr int NameWidth(int recordLength) {
   return recordLength - kNameAt - kTypeWidth;
 }
 
-QString WithoutTrailingBlanks(const QString& text) {
-  qsizetype length = text.size();
-  while (length > 0 && text.at(length - 1) == u' ')
-    --length;
-  return text.left(length);
-}
-
 ValueRecord ParseRecord(QByteArrayView bytes) {
   const int length = static_cast<int>(bytes.size());
   ValueRecord record;

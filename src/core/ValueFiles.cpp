@@ -3,7 +3,6 @@
 #include <QHash>
 
 #include "core/Busy.h"
-#include "core/Questions.h"
 #include "core/Refresh.h"
 #include "core/ValueFileFormat.h"
 
@@ -29,33 +28,22 @@ QByteArray ComposeImage(Core& core) {
   return image;
 }
 
-// The parameter that a record of a given name goes to: the first of that name. An old file knows the first 20
-// characters of a name only.
-class ParametersByName {
- public:
-  ParametersByName(const Module1& module, bool oldLayout) {
-    for (int i = 1; i < module.ParCount; ++i) {
-      const QString& name = module.Par[i].Variable;
-      Insert(name, i);
-      if (oldLayout && name.size() > kOldNameWidth) Insert(name.left(kOldNameWidth), i);
-    }
+// The parameters by their names; the first of a name counts. An old file knows the first 20 characters of a
+// name only.
+QHash<QString, int> ParametersByName(const Module1& module, bool oldLayout) {
+  QHash<QString, int> indices;
+  for (int i = module.ParCount - 1; i >= 1; --i) {
+    const QString& name = module.Par[i].Variable;
+    indices.insert(name, i);
+    if (oldLayout) indices.insert(name.left(kOldNameWidth), i);
   }
-
-  // 0 when no parameter has the name.
-  [[nodiscard]] int Find(const QString& name) const { return indices_.value(name); }
-
- private:
-  void Insert(const QString& name, int index) {
-    if (!indices_.contains(name)) indices_.insert(name, index);
-  }
-
-  QHash<QString, int> indices_;
-};
+  return indices;
+}
 
 void TakeValues(Module1& module, const ValueFileContent& content) {
-  const ParametersByName parameters(module, content.recordLength == kOldRecord_bytes);
+  const QHash<QString, int> parameters = ParametersByName(module, content.recordLength == kOldRecord_bytes);
   for (const ValueRecord& stored : content.records) {
-    const int index = parameters.Find(stored.Variable);
+    const int index = parameters.value(stored.Variable);
     if (index == 0 || module.ParNode[index] == kFalse) continue;
     module.Par[index].Typ = stored.Typ;
     module.SetValue(index, {stored.Wert, stored.WertText}, ValueSource::Loaded);

@@ -5,17 +5,6 @@
 
 namespace kalivor {
 
-/// What a program is wired to: its forms, boxes, files and events. Everything must outlive the wiring.
-struct Surroundings {
-  MainForm& main;
-  ReportForm& report;
-  ChoiceForm& choice;
-  EditorForms& editors;
-  platform::MessageBox& box;
-  platform::FileSystem& files;
-  platform::Events& events;
-};
-
 /// The channel, the controller's commands and the core, on one set of tables and one line. A failure of the
 /// line is a line of the report.
 struct Wiring {
@@ -23,8 +12,7 @@ struct Wiring {
   Wiring(Module1& module, TH& timers, platform::SerialControl& line, const Surroundings& world)
       : host(module, line, timers),
         controller(module, module, host, [&report = world.report](const QString& text) { report.Add(text); }),
-        core{module,    world.main,  world.report, world.choice, world.editors,
-             world.box, world.files, world.events, controller} {}
+        core{world, module, controller} {}
   Wiring(const Wiring&) = delete;
   Wiring& operator=(const Wiring&) = delete;
 

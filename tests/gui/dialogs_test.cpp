@@ -3,7 +3,7 @@
 #include <QTimer>
 #include <QWindow>
 
-#include "core/Questions.h"
+#include "core/Busy.h"
 #include "gui/GuiFixture.h"
 #include "platform/qt/QtMessageBox.h"
 

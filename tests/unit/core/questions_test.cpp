@@ -1,5 +1,5 @@
 // Waiting for the user's answer.
-#include "core/Questions.h"
+#include "core/Busy.h"
 
 #include "fakes/Installation.h"
 

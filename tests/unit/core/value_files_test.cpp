@@ -536,7 +536,7 @@ class WatchingChoiceForm final : public ChoiceForm {
 TEST_F(ValueFiles, TheMainWindowTakesNoInputDuringTheQuestionOnly) {
   for (const qint16 answer : {qint16{1}, qint16{2}}) {
     WatchingChoiceForm watching(module, main, answer);
-    Core watched{module, main, report, watching, editors, box, files, events, controller};
+    Core watched{{main, report, watching, editors, box, files, events}, module, controller};
     module.Antwort = 1;  // of an earlier question
     SetImage(Current(1, {}, u"AB1-124.0"_s, {}));
     EXPECT_TRUE(ReadValueFile(watched));
@@ -627,7 +627,7 @@ class ValueFilesOnDisk : public ValueFiles {
 
   QTemporaryDir folder_;
   platform::PosixFileSystem disk_;
-  Core real_{module, main, report, choice, editors, box, disk_, events, controller};
+  Core real_{{main, report, choice, editors, box, disk_, events}, module, controller};
 };
 
 TEST_F(ValueFilesOnDisk, SavesAndLoadsByteForByte) {

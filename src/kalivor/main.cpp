@@ -26,7 +26,7 @@
 #include "platform/qt/TextPrinter.h"
 #include "print/PrintCommand.h"
 #include "ui/Resources.h"
-#include "ui/main/Launch.h"
+#include "ui/main/Desktop.h"
 #ifdef Q_OS_WIN
 #include "platform/win32/Win32Registry.h"
 #endif

@@ -1,5 +1,5 @@
 // The order of a start, as the user and the controller see it.
-#include "ui/main/Launch.h"
+#include "ui/main/Desktop.h"
 
 #include "gui/GuiFixture.h"
 

@@ -52,22 +52,11 @@ class MenuTest : public GuiTest {
 
   /// An action for every item that counts how often it ran.
   ui::MenuActions Counting() {
-    const auto counter = [this](const QString& name) { return [this, name] { runs.append(name); }; };
     ui::MenuActions actions;
-    actions.FileNew = counter(u"mnuFileNew"_s);
-    actions.FileOpen = counter(u"mnuFileOpen"_s);
-    actions.FileClose = counter(u"mnuFileClose"_s);
-    actions.FileSave = counter(u"mnuFileSave"_s);
-    actions.FileSaveAs = counter(u"mnuFileSaveAs"_s);
-    actions.FilePrint = counter(u"mnuFilePrint"_s);
-    actions.FileSend = counter(u"mnuFileSend"_s);
-    actions.DatenEdit = counter(u"mnuDatenEdit"_s);
-    actions.OptioenSchnittstelle = counter(u"mnuOptioenSchnittstelle"_s);
-    actions.OptioenRegler = counter(u"mnuOptioenRegler"_s);
-    actions.OptioenFiles = counter(u"mnuOptioenFiles"_s);
-    actions.HelpContents = counter(u"mnuHelpContents"_s);
-    actions.HelpSearchForHelpOn = counter(u"mnuHelpSearchForHelpOn"_s);
-    actions.HelpAbout = counter(u"mnuHelpAbout"_s);
+    for (const Item& item : Items()) {
+      if (item.caption.size() > 1 && item.name != u"mnuFileExit")
+        actions[item.name] = [this, name = item.name] { runs.append(name); };
+    }
     return actions;
   }
 
@@ -185,7 +174,7 @@ TEST_F(MenuTest, ShortcutsDoNothingWhileBusy) {
 TEST_F(MenuTest, AnErrorOfAnItemIsShownAndTheProgramGoesOn) {
   Start();
   ui::MenuActions actions;
-  actions.DatenEdit = [] { throw RuntimeError(RuntimeError::Kind::MissingObject); };
+  actions[u"mnuDatenEdit"_s] = [] { throw RuntimeError(RuntimeError::Kind::MissingObject); };
   desktop->main.SetMenuActions(actions);
   Action(u"mnuDatenEdit"_s).trigger();
   const auto boxes = box.Take();

@@ -2,7 +2,6 @@
 
 #include <QGridLayout>
 
-#include "ui/Resources.h"
 #include "ui/dialogs/Controls.h"
 
 using namespace Qt::StringLiterals;
@@ -18,42 +17,26 @@ QString VersionText() {
   return u"Version " KALIVOR_VERSION ""_s;
 }
 
-QString ApplicationTitle() {
-  return u"KALIVOR"_s;
-}
-
 frmAbout::frmAbout(QWidget* owner, const std::function<void()>& systemInformation) : QDialog(owner) {
   setObjectName(u"frmAbout"_s);
   setWindowTitle(u"Info"_s);
 
-  QLabel* icon = NewLabel(this, u"picIcon"_s, QString());
-  icon->setPixmap(Logo(kIcon_px, devicePixelRatioF()));
-  icon->setAccessibleName(u"Programmsymbol"_s);
-  QLabel* title = NewLabel(this, u"lblTitle"_s, ApplicationTitle());
-  QFont large = title->font();
-  large.setPointSizeF(large.pointSizeF() * 1.5);
-  large.setBold(true);
-  title->setFont(large);
-  QLabel* disclaimer = NewLabel(this, u"lblDisclaimer"_s, QString(), true);
   QPushButton* ok = NewButton(this, u"cmdOK"_s, u"OK"_s);
   ok->setDefault(true);
   QPushButton* system = NewButton(this, u"cmdSysInfo"_s, u"&Systeminfo..."_s);
   system->setAutoDefault(false);
 
   auto* texts = new QVBoxLayout;
-  texts->addWidget(title);
+  texts->addWidget(NewLargeLabel(this, u"lblTitle"_s, u"KALIVOR"_s, 1.5));
   texts->addWidget(NewLabel(this, u"lblVersion"_s, VersionText()));
   texts->addSpacing(6);
   texts->addWidget(NewLabel(this, u"lblDescription"_s, u"Parametrierung von Reglern"_s));
-  texts->addWidget(disclaimer);
-  auto* buttons = new QHBoxLayout;
+  texts->addWidget(NewLabel(this, u"lblDisclaimer"_s, QString(), true));
+  QHBoxLayout* buttons = NewButtonRow({ok, system});
   buttons->setSpacing(6);
-  buttons->addStretch();
-  buttons->addWidget(ok);
-  buttons->addWidget(system);
   auto* layout = new QGridLayout(this);
   layout->setHorizontalSpacing(16);
-  layout->addWidget(icon, 0, 0, Qt::AlignTop);
+  layout->addWidget(NewPicture(this, u"picIcon"_s, kIcon_px, u"Programmsymbol"_s), 0, 0, Qt::AlignTop);
   layout->addLayout(texts, 0, 1);
   layout->setRowMinimumHeight(1, 10);
   layout->addLayout(buttons, 2, 0, 1, 2);

@@ -15,7 +15,4 @@ class frmAbout final : public QDialog {
 /// "Version 1.2.3", the version of the program.
 [[nodiscard]] QString VersionText();
 
-/// The name under which the program appears to the user.
-[[nodiscard]] QString ApplicationTitle();
-
 }  // namespace kalivor::ui

@@ -17,28 +17,12 @@ namespace {
 constexpr int kLogo_px = 128;
 constexpr int kSmallLogo_px = 24;
 
-QLabel* NewLargeLabel(QWidget* parent, const QString& name, const QString& text, double factor) {
-  QLabel* label = NewLabel(parent, name, text);
-  QFont font = label->font();
-  font.setPointSizeF(font.pointSizeF() * factor);
-  font.setBold(true);
-  label->setFont(font);
-  return label;
-}
-
-QLabel* NewPicture(QWidget* parent, const QString& name, int size) {
-  QLabel* picture = NewLabel(parent, name, QString());
-  picture->setPixmap(Logo(size, parent->devicePixelRatioF()));
-  picture->setAccessibleName(u"KALIVOR"_s);
-  return picture;
-}
-
 }  // namespace
 
 // Not kept on top: a message box may have something to say.
 frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
   setObjectName(u"frmSplash"_s);
-  setWindowTitle(ApplicationTitle());
+  setWindowTitle(u"KALIVOR"_s);
   setWindowIcon(ProgramIcon());
 
   auto* frame = new QFrame(this);
@@ -50,8 +34,8 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
 
   auto* product = new QHBoxLayout;
   product->setSpacing(8);
-  product->addWidget(NewPicture(frame, u"Image1"_s, kSmallLogo_px));
-  product->addWidget(NewLargeLabel(frame, u"lblProductName"_s, ApplicationTitle(), 1.2));
+  product->addWidget(NewPicture(frame, u"Image1"_s, kSmallLogo_px, u"KALIVOR"_s));
+  product->addWidget(NewLargeLabel(frame, u"lblProductName"_s, u"KALIVOR"_s, 1.2));
   product->addStretch();
   product->addWidget(NewLabel(frame, u"lblVersion"_s, VersionText()));
 
@@ -66,7 +50,7 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen) {
   auto* layout = new QGridLayout(frame);
   layout->setContentsMargins(24, 20, 24, 16);
   layout->setHorizontalSpacing(28);
-  layout->addWidget(NewPicture(frame, u"picLogo"_s, kLogo_px), 0, 0, Qt::AlignTop);
+  layout->addWidget(NewPicture(frame, u"picLogo"_s, kLogo_px, u"KALIVOR"_s), 0, 0, Qt::AlignTop);
   layout->addLayout(texts, 0, 1);
   layout->setRowMinimumHeight(1, 14);
   layout->addLayout(product, 2, 0, 1, 2);

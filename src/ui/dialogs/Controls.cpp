@@ -2,6 +2,8 @@
 
 #include <QEvent>
 
+#include "ui/Resources.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
@@ -34,24 +36,37 @@ class ReadOnlyBox final : public QLineEdit {
 }  // namespace
 
 QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool wraps) {
-  auto* label = new QLabel(parent);
-  label->setObjectName(name);
+  auto* label = Named(new QLabel(parent), name);
   label->setTextFormat(Qt::PlainText);
   label->setWordWrap(wraps);
   label->setText(text);
   return label;
 }
 
+QLabel* NewLargeLabel(QWidget* parent, const QString& name, const QString& text, double factor) {
+  QLabel* label = NewLabel(parent, name, text);
+  QFont font = label->font();
+  font.setPointSizeF(font.pointSizeF() * factor);
+  font.setBold(true);
+  label->setFont(font);
+  return label;
+}
+
+QLabel* NewPicture(QWidget* parent, const QString& name, int size, const QString& accessibleName) {
+  QLabel* picture = NewLabel(parent, name, QString());
+  picture->setPixmap(Logo(size, parent->devicePixelRatioF()));
+  picture->setAccessibleName(accessibleName);
+  return picture;
+}
+
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName) {
-  auto* box = new QLineEdit(parent);
-  box->setObjectName(name);
+  auto* box = Named(new QLineEdit(parent), name);
   box->setAccessibleName(accessibleName);
   return box;
 }
 
 QLineEdit* NewReadOnlyBox(QWidget* parent, const QString& name, const QString& accessibleName) {
-  auto* box = new ReadOnlyBox(parent);
-  box->setObjectName(name);
+  auto* box = Named(new ReadOnlyBox(parent), name);
   box->setAccessibleName(accessibleName);
   return box;
 }
@@ -63,19 +78,33 @@ QLineEdit* NewHiddenTextBox(QWidget* parent, const QString& name) {
 }
 
 QPushButton* NewButton(QWidget* parent, const QString& name, const QString& caption) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(name);
-  return button;
+  return Named(new QPushButton(caption, parent), name);
+}
+
+platform::DropDownList* NewList(QWidget* parent, const QString& name, const QString& accessibleName) {
+  auto* list = Named(new platform::DropDownList(parent), name);
+  list->setAccessibleName(accessibleName);
+  return list;
+}
+
+QHBoxLayout* NewButtonRow(std::initializer_list<QPushButton*> buttons) {
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  for (QPushButton* button : buttons)
+    row->addWidget(button);
+  return row;
 }
 
 OkCancel NewOkCancel(QDialog* dialog, const QString& okCaption, const QString& cancelCaption) {
-  OkCancel buttons{NewButton(dialog, u"OKButton"_s, okCaption),
-                   NewButton(dialog, u"CancelButton"_s, cancelCaption), new QHBoxLayout};
-  buttons.ok->setDefault(true);
-  buttons.row->addStretch();
-  buttons.row->addWidget(buttons.ok);
-  buttons.row->addWidget(buttons.cancel);
-  return buttons;
+  QPushButton* ok = NewButton(dialog, u"OKButton"_s, okCaption);
+  QPushButton* cancel = NewButton(dialog, u"CancelButton"_s, cancelCaption);
+  ok->setDefault(true);
+  return {ok, cancel, NewButtonRow({ok, cancel})};
+}
+
+void SetTabOrder(std::initializer_list<QWidget*> order) {
+  for (const auto* widget = order.begin() + 1; widget < order.end(); ++widget)
+    QWidget::setTabOrder(*(widget - 1), *widget);
 }
 
 int Air(const QWidget& dialog) {

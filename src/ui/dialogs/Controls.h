@@ -6,11 +6,27 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <initializer_list>
+
+#include "platform/qt/QtListBox.h"
 
 namespace kalivor::ui {
 
+/// `widget`, with its name.
+template <typename Widget>
+Widget* Named(Widget* widget, const QString& name) {
+  widget->setObjectName(name);
+  return widget;
+}
+
 /// A label for texts that are not ours: no markup, no access keys. `wraps` lets it have several lines.
 QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool wraps = false);
+
+/// A bold label, `factor` times as large as others.
+QLabel* NewLargeLabel(QWidget* parent, const QString& name, const QString& text, double factor);
+
+/// The program's icon in `size` device-independent pixels.
+QLabel* NewPicture(QWidget* parent, const QString& name, int size, const QString& accessibleName);
 
 /// A text box with the name that screen readers say.
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName);
@@ -23,6 +39,11 @@ QLineEdit* NewHiddenTextBox(QWidget* parent, const QString& name);
 
 QPushButton* NewButton(QWidget* parent, const QString& name, const QString& caption);
 
+platform::DropDownList* NewList(QWidget* parent, const QString& name, const QString& accessibleName);
+
+/// The buttons at the right end of a row.
+QHBoxLayout* NewButtonRow(std::initializer_list<QPushButton*> buttons);
+
 /// `OKButton` and `CancelButton` in a row, the first one the default.
 struct OkCancel {
   QPushButton* ok;
@@ -30,6 +51,9 @@ struct OkCancel {
   QHBoxLayout* row;
 };
 OkCancel NewOkCancel(QDialog* dialog, const QString& okCaption, const QString& cancelCaption);
+
+/// Lets the Tab key go from one to the next.
+void SetTabOrder(std::initializer_list<QWidget*> order);
 
 /// Half a line of air, in device-independent pixels, to set a part of a dialog apart.
 int Air(const QWidget& dialog);

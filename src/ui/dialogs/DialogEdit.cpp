@@ -33,11 +33,7 @@ DialogEdit::DialogEdit() : ParameterEditor(u"DialogEdit"_s) {
 
   layout_->addLayout(grid);
   AddHelpAndButtons();
-  setTabOrder(textWert_, commandStd_);
-  setTabOrder(commandStd_, textStd_);
-  setTabOrder(textStd_, textVon_);
-  setTabOrder(textVon_, textBis_);
-  setTabOrder(textBis_, buttons_.ok);
+  SetTabOrder({textWert_, commandStd_, textStd_, textVon_, textBis_, buttons_.ok});
 
   connect(commandStd_, &QPushButton::clicked, this, &DialogEdit::TakeStandard);
   connect(buttons_.ok, &QPushButton::clicked, this, [this] {

@@ -3,6 +3,7 @@
 #include <QSignalBlocker>
 #include <algorithm>
 
+#include "base/FixedText.h"
 #include "platform/gui/FixedFont.h"
 
 using namespace Qt::StringLiterals;
@@ -11,13 +12,6 @@ namespace kalivor::ui {
 namespace {
 
 constexpr int kNoLimit = 32767;
-
-int VisibleLength(const QString& text) {
-  qsizetype length = text.size();
-  while (length > 0 && text.at(length - 1) == u' ')
-    --length;
-  return static_cast<int>(length);
-}
 
 // How many characters before the cursor are new in `text`, which was `before`.
 qsizetype Typed(const QString& before, const QString& text, qsizetype cursor) {
@@ -59,7 +53,8 @@ void DialogEditString::Fill(const TextEdit& content) {
 // the toolkit selects the whole text then.
 void DialogEditString::setVisible(bool visible) {
   QDialog::setVisible(visible);
-  if (visible) textWert_->setCursorPosition(VisibleLength(textWert_->text()));
+  if (visible)
+    textWert_->setCursorPosition(static_cast<int>(WithoutTrailingBlanks(textWert_->text()).size()));
 }
 
 TextEdit DialogEditString::Content() const {

@@ -21,11 +21,6 @@ void Editors::Connect(Core& core, const platform::EventGuard& guard) {
   text.OnCancel = [this] { Hide(text); };
 }
 
-void Editors::SetOwner(const QWidget& owner) {
-  number.SetOwner(owner);
-  text.SetOwner(owner);
-}
-
 void Editors::ShowNumberEditor(const NumberEdit& content) {
   number.Fill(content);
   number.ShowAboveOwner();

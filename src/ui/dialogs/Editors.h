@@ -15,9 +15,6 @@ class Editors final : public EditorForms {
   /// Connects the buttons. `core` and `guard` must outlive the editors.
   void Connect(Core& core, const platform::EventGuard& guard);
 
-  /// The window to stay above.
-  void SetOwner(const QWidget& owner);
-
   void ShowNumberEditor(const NumberEdit& content) override;
   void ShowTextEditor(const TextEdit& content) override;
   void HideEditors() override;

@@ -22,21 +22,19 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
       wiring(module, timers, world.line,
              {main, report, auswahl, editors, world.box, world.files, world.events}),
       files{core, world.dialogs, [this](const QString& path) { main.ShowFile(path); }} {
-  main.AddCompanion(editors.number, true);
-  main.AddCompanion(editors.text, true);
-  main.AddCompanion(options, true);
-  main.AddCompanion(reportDialog, false);
-  main.AddCompanion(auswahl, false);
-  main.AddCompanion(achtung, false);
+  const auto add = [this](Form& form, bool disabledWhileBusy) {
+    form.SetOwner(main);
+    main.AddCompanion(form, disabledWhileBusy);
+  };
+  add(editors.number, true);
+  add(editors.text, true);
+  add(options, true);
+  add(reportDialog, false);
+  add(auswahl, false);
+  add(achtung, false);
   main.Connect(core);
   editors.Connect(core, guard);
   reportDialog.Connect(report, guard, world.printText);
-  editors.SetOwner(main);
-  options.SetOwner(main);
-  auswahl.SetOwner(main);
-  achtung.SetOwner(main);
-  reportDialog.SetOwner(main);
-
   ConnectOptions();
   main.SetMenuActions(Actions());
   main.OnUnload = [this] { StoreSettings(); };
@@ -44,23 +42,23 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
 }
 
 MenuActions Desktop::Actions() {
-  MenuActions actions;
-  actions.FileNew = [this] { mnuFileNew_Click(world.box); };
-  actions.FileOpen = [this] { mnuFileOpen_Click(files); };
-  actions.FileClose = [this] { mnuFileClose_Click(files); };
-  actions.FileSave = [this] { mnuFileSave_Click(files); };
-  actions.FileSaveAs = [this] { mnuFileSaveAs_Click(files); };
-  actions.FilePrint = world.print;
-  actions.FileSend = [this] { mnuFileSend_Click(world.box); };
-  actions.FileExit = [this] { main.close(); };
-  actions.DatenEdit = mnuDatenEdit_Click;
-  actions.OptioenSchnittstelle = [this] { ShowOptions(0); };
-  actions.OptioenRegler = [this] { ShowOptions(1); };
-  actions.OptioenFiles = [this] { ShowOptions(2); };
-  actions.HelpContents = [this] { mnuHelpContents_Click(world.box, world.help); };
-  actions.HelpSearchForHelpOn = [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); };
-  actions.HelpAbout = [this] { ShowAbout(); };
-  return actions;
+  return {
+      {u"mnuFileNew"_s, [this] { mnuFileNew_Click(world.box); }},
+      {u"mnuFileOpen"_s, [this] { mnuFileOpen_Click(files); }},
+      {u"mnuFileClose"_s, [this] { mnuFileClose_Click(files); }},
+      {u"mnuFileSave"_s, [this] { mnuFileSave_Click(files); }},
+      {u"mnuFileSaveAs"_s, [this] { mnuFileSaveAs_Click(files); }},
+      {u"mnuFilePrint"_s, world.print},
+      {u"mnuFileSend"_s, [this] { mnuFileSend_Click(world.box); }},
+      {u"mnuFileExit"_s, [this] { main.close(); }},
+      {u"mnuDatenEdit"_s, mnuDatenEdit_Click},
+      {u"mnuOptioenSchnittstelle"_s, [this] { ShowOptions(0); }},
+      {u"mnuOptioenRegler"_s, [this] { ShowOptions(1); }},
+      {u"mnuOptioenFiles"_s, [this] { ShowOptions(2); }},
+      {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
+      {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
+      {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
+  };
 }
 
 void Desktop::ConnectOptions() {
@@ -117,6 +115,17 @@ void Desktop::ShowAbout() {
   // Modal, but without an event loop of its own: the menu item has done its work when the box is there.
   about->setModal(true);
   about->show();
+}
+
+std::unique_ptr<Desktop> Launch(frmSplash& splash, const World& world, const RunSettings& run,
+                                const std::function<void(Desktop&)>& loaded) {
+  splash.ShowNow();
+  auto desktop = std::make_unique<Desktop>(world, run);
+  if (loaded) loaded(*desktop);
+  desktop->Start();
+  desktop->Show();
+  splash.close();
+  return desktop;
 }
 
 }  // namespace kalivor::ui

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "comm/TH.h"
 #include "commands/EventBoundary.h"
@@ -13,6 +14,7 @@
 #include "platform/Help.h"
 #include "platform/SettingsStore.h"
 #include "ui/about/SystemInformation.h"
+#include "ui/about/frmSplash.h"
 #include "ui/dialogs/DialogReport.h"
 #include "ui/dialogs/DlgAchtung.h"
 #include "ui/dialogs/DlgAuswahl.h"
@@ -82,5 +84,11 @@ struct Desktop {
   Settings stored_;  // before the command line's were taken over
   Settings begun_;   // after that
 };
+
+/// Starts the program, in the order that the user sees: shows the splash screen, loads the main window
+/// (settings and place), reads tables and definitions, tries the port, shows the main window and takes the
+/// splash screen away. `loaded` runs between loading and reading.
+[[nodiscard]] std::unique_ptr<Desktop> Launch(frmSplash& splash, const World& world, const RunSettings& run,
+                                              const std::function<void(Desktop&)>& loaded = {});
 
 }  // namespace kalivor::ui

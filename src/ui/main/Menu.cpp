@@ -11,12 +11,9 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-using Action = std::function<void()> MenuActions::*;
-
 struct Item {
   QStringView name;
   QStringView caption;  // "-" is a separator
-  Action action = nullptr;
   bool visible = true;
   Qt::Key controlKey = Qt::Key_unknown;  // the key that works together with Ctrl
 };
@@ -34,35 +31,35 @@ const std::vector<TopMenu>& Menus() {
       {u"mnuFile",
        u"&Datei",
        true,
-       {{u"mnuFileNew", u"&Neu", &MenuActions::FileNew, false, Qt::Key_N},
-        {u"mnuFileOpen", u"Ö&ffnen...", &MenuActions::FileOpen, true, Qt::Key_O},
-        {u"mnuFileClose", u"S&chließen", &MenuActions::FileClose},
-        {u"mnuFileSave", u"&Speichern", &MenuActions::FileSave, true, Qt::Key_S},
-        {u"mnuFileSaveAs", u"Speichern &unter...", &MenuActions::FileSaveAs},
+       {{u"mnuFileNew", u"&Neu", false, Qt::Key_N},
+        {u"mnuFileOpen", u"Ö&ffnen...", true, Qt::Key_O},
+        {u"mnuFileClose", u"S&chließen"},
+        {u"mnuFileSave", u"&Speichern", true, Qt::Key_S},
+        {u"mnuFileSaveAs", u"Speichern &unter..."},
         {u"mnuFileBar0", u"-"},
-        {u"mnuFilePrint", u"Dru&cken...", &MenuActions::FilePrint, true, Qt::Key_P},
-        {u"mnuFileBar1", u"-", nullptr, false},
-        {u"mnuFileSend", u"Sen&den...", &MenuActions::FileSend, false},
+        {u"mnuFilePrint", u"Dru&cken...", true, Qt::Key_P},
+        {u"mnuFileBar1", u"-", false},
+        {u"mnuFileSend", u"Sen&den...", false},
         {u"mnuFileBar2", u"-"},
-        {u"mnuFileMRU_1", u"", nullptr, false},
-        {u"mnuFileMRU_2", u"", nullptr, false},
-        {u"mnuFileMRU_3", u"", nullptr, false},
-        {u"mnuFileBar3", u"-", nullptr, false},
-        {u"mnuFileExit", u"&Beenden", &MenuActions::FileExit}}},
-      {u"mnuDaten", u"&Daten", false, {{u"mnuDatenEdit", u"Parameter Editieren", &MenuActions::DatenEdit}}},
+        {u"mnuFileMRU_1", u"", false},
+        {u"mnuFileMRU_2", u"", false},
+        {u"mnuFileMRU_3", u"", false},
+        {u"mnuFileBar3", u"-", false},
+        {u"mnuFileExit", u"&Beenden"}}},
+      {u"mnuDaten", u"&Daten", false, {{u"mnuDatenEdit", u"Parameter Editieren"}}},
       {u"mnuOptioen",
        u"&Optionen",
        true,
-       {{u"mnuOptioenSchnittstelle", u"&Schnittstelle", &MenuActions::OptioenSchnittstelle},
-        {u"mnuOptioenRegler", u"&Regler", &MenuActions::OptioenRegler, true, Qt::Key_R},
-        {u"mnuOptioenFiles", u"&Dateien", &MenuActions::OptioenFiles}}},
+       {{u"mnuOptioenSchnittstelle", u"&Schnittstelle"},
+        {u"mnuOptioenRegler", u"&Regler", true, Qt::Key_R},
+        {u"mnuOptioenFiles", u"&Dateien"}}},
       {u"mnuHelp",
        u"&?",
        true,
-       {{u"mnuHelpContents", u"&Inhalt", &MenuActions::HelpContents, false},
-        {u"mnuHelpSearchForHelpOn", u"&Suchen in der Hilfe...", &MenuActions::HelpSearchForHelpOn, false},
-        {u"mnuHelpBar0", u"-", nullptr, false},
-        {u"mnuHelpAbout", u"Inf&o ", &MenuActions::HelpAbout}}},
+       {{u"mnuHelpContents", u"&Inhalt", false},
+        {u"mnuHelpSearchForHelpOn", u"&Suchen in der Hilfe...", false},
+        {u"mnuHelpBar0", u"-", false},
+        {u"mnuHelpAbout", u"Inf&o "}}},
   };
   return menus;
 }
@@ -85,11 +82,10 @@ void BuildMenus(QMainWindow& window, const MenuActions& actions, const platform:
     menu->setObjectName(top.name.toString());
     menu->menuAction()->setVisible(top.visible);
     for (const Item& item : top.items) {
-      QAction* action = NewAction(*menu, item);
-      if (item.action == nullptr) continue;
-      QObject::connect(action, &QAction::triggered, &window, [&actions, guard, which = item.action] {
-        if (actions.*which) guard(actions.*which);
-      });
+      const auto run = [&actions, guard, name = item.name.toString()] {
+        if (const auto action = actions.value(name)) guard(action);
+      };
+      QObject::connect(NewAction(*menu, item), &QAction::triggered, &window, run);
     }
   }
   UpdateMenus(window, actions);
@@ -99,8 +95,8 @@ void UpdateMenus(QMainWindow& window, const MenuActions& actions) {
   for (const TopMenu& top : Menus()) {
     for (const Item& item : top.items) {
       if (item.caption == u"-") continue;
-      const bool works = item.action != nullptr && actions.*item.action;
-      window.findChild<QAction*>(item.name.toString())->setEnabled(works);
+      const QString name = item.name.toString();
+      window.findChild<QAction*>(name)->setEnabled(static_cast<bool>(actions.value(name)));
     }
   }
 }

@@ -1,6 +1,7 @@
 // The menus of the main window.
 #pragma once
 
+#include <QHash>
 #include <QMainWindow>
 #include <functional>
 
@@ -8,25 +9,9 @@
 
 namespace kalivor::ui {
 
-/// What the menu items do. An item without an action is disabled. All of them run inside the event guard and
-/// not while an operation is under way.
-struct MenuActions {
-  std::function<void()> FileNew;
-  std::function<void()> FileOpen;
-  std::function<void()> FileClose;
-  std::function<void()> FileSave;
-  std::function<void()> FileSaveAs;
-  std::function<void()> FilePrint;
-  std::function<void()> FileSend;
-  std::function<void()> FileExit;
-  std::function<void()> DatenEdit;
-  std::function<void()> OptioenSchnittstelle;
-  std::function<void()> OptioenRegler;
-  std::function<void()> OptioenFiles;
-  std::function<void()> HelpContents;
-  std::function<void()> HelpSearchForHelpOn;
-  std::function<void()> HelpAbout;
-};
+/// What the menu items do, by their names. An item without an action is disabled. All of them run inside the
+/// event guard and not while an operation is under way.
+using MenuActions = QHash<QString, std::function<void()>>;
 
 /// Builds the menu bar of `window`, hidden items included; their shortcuts do nothing. `actions` is read at
 /// every use and must outlive the window.

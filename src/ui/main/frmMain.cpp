@@ -16,6 +16,7 @@
 #include "platform/gui/FixedFont.h"
 #include "platform/qt/WindowPlacing.h"
 #include "ui/Resources.h"
+#include "ui/dialogs/Controls.h"
 #include "ui/main/WindowGeometry.h"
 
 using namespace Qt::StringLiterals;
@@ -35,12 +36,6 @@ constexpr int kSmallestButton_px = 102;
 constexpr int kSmallestFrame_px = 205;
 constexpr int kSmallestTree_px = 100;
 
-template <typename Widget>
-Widget* Named(Widget* widget, const QString& name) {
-  widget->setObjectName(name);
-  return widget;
-}
-
 // A frame with a list, `title` above it.
 QGroupBox* NewFrame(QWidget* parent, const QString& name, const QString& title, QComboBox* list) {
   auto* frame = Named(new QGroupBox(title, parent), name);
@@ -50,20 +45,33 @@ QGroupBox* NewFrame(QWidget* parent, const QString& name, const QString& title, 
   return frame;
 }
 
-QComboBox* NewList(const QString& name, const QString& accessibleName, const QString& designText) {
-  auto* list = Named(new platform::DropDownList, name);
-  list->setAccessibleName(accessibleName);
+QComboBox* NewVersionList(const QString& name, const QString& accessibleName, const QString& designText) {
+  QComboBox* list = NewList(nullptr, name, accessibleName);
   list->setPlaceholderText(designText);
   list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   list->setMinimumContentsLength(10);
   return list;
 }
 
-QPushButton* NewButton(QWidget* parent, const QString& name, const QString& caption, const QString& toolTip) {
-  auto* button = Named(new QPushButton(caption, parent), name);
-  button->setToolTip(toolTip);
-  return button;
-}
+// The buttons below the tree, from the left.
+struct TransferButton {
+  QStringView name;
+  QStringView caption;
+  QStringView toolTip;
+  void (*command)(Core& core);
+};
+constexpr TransferButton kButtons[] = {
+    {u"CommandEmpfangen", u"Empfangen", u"Empfängt alle angekreuzten Parameter vom angeschlossenen Regler.",
+     [](Core& core) { (void)CommandEmpfangen_Click(core); }},
+    {u"CommandSenden", u"Senden", u"Sendet alle angekreuzten Parameter an den angeschlossenen Regler.",
+     [](Core& core) { (void)CommandSenden_Click(core); }},
+    {u"CommandStandard", u"Standard", u"Setzt alle angekreuzten Parameter auf den jeweiligen Standardwert.",
+     CommandStandard_Click},
+    {u"CommandVergleichen", u"Vergleichen",
+     u"Vergleicht alle angekreuzten Parameter mit den entsprechenden im angeschlossenen Regler und meldet "
+     "alle Abweichungen.",
+     [](Core& core) { (void)CommandVergleichen_Click(core); }},
+};
 
 double Dpi(const QWidget& widget) {
   return widget.screen()->logicalDotsPerInchX();
@@ -76,8 +84,8 @@ frmMain::frmMain(Module1& module, const platform::EventGuard& guard)
       module_(module),
       guard_(guard),
       body_(Named(new QWidget(this), u"body"_s)),
-      comboVN_(NewList(u"ComboVN"_s, u"Versionsnummer"_s, u"Versionsnummer"_s)),
-      comboArt_(NewList(u"ComboArt"_s, u"Anlageart"_s, u"Art"_s)),
+      comboVN_(NewVersionList(u"ComboVN"_s, u"Versionsnummer"_s, u"Versionsnummer"_s)),
+      comboArt_(NewVersionList(u"ComboArt"_s, u"Anlageart"_s, u"Art"_s)),
       tree_(Named(new platform::NodeTree(body_), u"TreeView"_s)),
       versions_(*comboVN_, module.VersionList, guard),
       plants_(*comboArt_, module.PlantTypeList, guard),
@@ -91,7 +99,6 @@ frmMain::frmMain(Module1& module, const platform::EventGuard& guard)
   BuildStatusBar();
   BuildMenus(*this, menuActions_, guard_);
   ShowMenuIcons();
-  SetTabOrder();
   setCentralWidget(body_);
   // The window may be smaller than what it shows.
   layout()->setSizeConstraint(QLayout::SetNoConstraint);
@@ -111,16 +118,12 @@ void frmMain::BuildControls() {
   frame2_ = NewFrame(body_, u"Frame2"_s, u"Anlageart"_s, comboArt_);
   tree_->setFont(platform::FixedFont());
   tree_->setAccessibleName(u"Parameter"_s);
-  commandEmpfangen_ = NewButton(body_, u"CommandEmpfangen"_s, u"Empfangen"_s,
-                                u"Empfängt alle angekreuzten Parameter vom angeschlossenen Regler."_s);
-  commandSenden_ = NewButton(body_, u"CommandSenden"_s, u"Senden"_s,
-                             u"Sendet alle angekreuzten Parameter an den angeschlossenen Regler."_s);
-  commandStandard_ = NewButton(body_, u"CommandStandard"_s, u"Standard"_s,
-                               u"Setzt alle angekreuzten Parameter auf den jeweiligen Standardwert."_s);
-  commandVergleichen_ =
-      NewButton(body_, u"CommandVergleichen"_s, u"Vergleichen"_s,
-                u"Vergleicht alle angekreuzten Parameter mit den entsprechenden im angeschlossenen "
-                "Regler und meldet alle Abweichungen."_s);
+  for (const TransferButton& button : kButtons) {
+    buttons_.push_back(NewButton(body_, button.name.toString(), button.caption.toString()));
+    buttons_.back()->setToolTip(button.toolTip.toString());
+  }
+  SetTabOrder({comboVN_, comboArt_, tree_, buttons_[0], buttons_[1], buttons_[2], buttons_[3]});
+  comboVN_->setFocus();
 }
 
 void frmMain::BuildStatusBar() {
@@ -143,29 +146,12 @@ void frmMain::ShowMenuIcons() {
     findChild<QAction*>(items[i])->setIcon(imlToolbarIcons[i]);
 }
 
-void frmMain::SetTabOrder() {
-  const std::array<QWidget*, 7> order{
-      comboVN_, comboArt_, tree_, commandEmpfangen_, commandSenden_, commandStandard_, commandVergleichen_};
-  for (std::size_t i = 1; i < order.size(); ++i)
-    setTabOrder(order[i - 1], order[i]);
-  comboVN_->setFocus();
-}
-
-std::vector<QPushButton*> frmMain::Buttons() const {
-  return {commandEmpfangen_, commandSenden_, commandStandard_, commandVergleichen_};
-}
-
 void frmMain::Connect(Core& core) {
   ConnectHandlers(core);
-  const auto connectButton = [this, &core](QPushButton* button, auto command) {
-    connect(button, &QPushButton::clicked, this,
-            [this, &core, command] { guard_([&core, command] { (void)command(core); }); });
-  };
-  connectButton(commandEmpfangen_, CommandEmpfangen_Click);
-  connectButton(commandSenden_, CommandSenden_Click);
-  connectButton(commandVergleichen_, CommandVergleichen_Click);
-  connect(commandStandard_, &QPushButton::clicked, this,
-          [this, &core] { guard_([&core] { CommandStandard_Click(core); }); });
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    connect(buttons_[i], &QPushButton::clicked, this,
+            [this, &core, command = kButtons[i].command] { guard_([&] { command(core); }); });
+  }
 }
 
 void frmMain::SetMenuActions(MenuActions actions) {
@@ -205,7 +191,7 @@ void frmMain::Arrange() {
 
 QSize frmMain::ComfortableSize() const {
   const Heights heights = HeightsOfStrips();
-  const int right = std::max(commandVergleichen_->geometry().right(), frame2_->geometry().right());
+  const int right = std::max(buttons_.back()->geometry().right(), frame2_->geometry().right());
   const int menu = menuBar()->sizeHint().height();
   return {right + kMargin_px, menu + heights.treeTop + kSmallestTree_px + heights.treeBottom};
 }
@@ -221,10 +207,10 @@ void frmMain::ArrangeTop(int height) {
 
 void frmMain::ArrangeButtons(int top, int height) {
   int width = kSmallestButton_px;
-  for (const QPushButton* button : Buttons())
+  for (const QPushButton* button : buttons_)
     width = std::max(width, button->sizeHint().width());
   int left = kMargin_px;
-  for (QPushButton* button : Buttons()) {
+  for (QPushButton* button : buttons_) {
     button->setGeometry(left, top, width, height);
     left += width + kButtonGap_px;
   }

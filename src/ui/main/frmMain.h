@@ -76,7 +76,6 @@ class frmMain final : public QMainWindow, public MainForm {
   void BuildControls();
   void BuildStatusBar();
   void ShowMenuIcons();
-  void SetTabOrder();
   /// Of the strips above and below the tree, in device-independent pixels.
   struct Heights {
     int bar = 0;         ///< the status bar
@@ -93,7 +92,6 @@ class frmMain final : public QMainWindow, public MainForm {
   void Arrange();
   void ArrangeTop(int height);
   void ArrangeButtons(int top, int height);
-  [[nodiscard]] std::vector<QPushButton*> Buttons() const;
 
   Module1& module_;
   const platform::EventGuard& guard_;
@@ -105,10 +103,7 @@ class frmMain final : public QMainWindow, public MainForm {
   QGroupBox* frame2_ = nullptr;
   QComboBox* comboArt_;
   platform::NodeTree* tree_;
-  QPushButton* commandEmpfangen_ = nullptr;
-  QPushButton* commandSenden_ = nullptr;
-  QPushButton* commandStandard_ = nullptr;
-  QPushButton* commandVergleichen_ = nullptr;
+  std::vector<QPushButton*> buttons_;
   QLabel* state_ = nullptr;
   QLabel* file_ = nullptr;
 

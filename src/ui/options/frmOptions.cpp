@@ -18,20 +18,6 @@ namespace {
 constexpr int kWidth_characters = 60;
 constexpr int kShownPath_characters = 45;
 
-platform::DropDownList* NewList(QWidget* parent, const QString& name, const QString& accessibleName) {
-  auto* list = new platform::DropDownList(parent);
-  list->setObjectName(name);
-  list->setAccessibleName(accessibleName);
-  return list;
-}
-
-// A page of the tab strip: one row with a label. `key` is its tab's.
-QWidget* NewPage(const QString& key) {
-  auto* page = new QWidget;
-  page->setObjectName(key);
-  return page;
-}
-
 // Makes `box` wide enough to show `characters` of a usual text.
 void SetShownCharacters(QLineEdit& box, int characters) {
   QStyleOptionFrame option;
@@ -45,8 +31,7 @@ void SetShownCharacters(QLineEdit& box, int characters) {
 }  // namespace
 
 frmOptions::frmOptions() : Form(u"frmOptions"_s, u"Optionen"_s) {
-  tbsOptions_ = new QTabWidget(this);
-  tbsOptions_->setObjectName(u"tbsOptions"_s);
+  tbsOptions_ = Named(new QTabWidget(this), u"tbsOptions"_s);
   tbsOptions_->addTab(NewPortPage(), u"Schnittstelle"_s);
   tbsOptions_->addTab(NewAddressPage(), u"Regler"_s);
   tbsOptions_->addTab(NewFilesPage(), u"Dateien"_s);
@@ -57,13 +42,9 @@ frmOptions::frmOptions() : Form(u"frmOptions"_s, u"Optionen"_s) {
   auto* cancel = NewButton(this, u"cmdCancel"_s, u"Abbrechen"_s);
   auto* apply = NewButton(this, u"cmdApply"_s, u"Übernehmen"_s);
   ok->setDefault(true);
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch();
-  for (QPushButton* button : {ok, cancel, apply})
-    buttons->addWidget(button);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(tbsOptions_);
-  layout->addLayout(buttons);
+  layout->addLayout(NewButtonRow({ok, cancel, apply}));
 
   connect(ok, &QPushButton::clicked, this, [this] {
     if (Uebernehmen()) hide();
@@ -71,11 +52,12 @@ frmOptions::frmOptions() : Form(u"frmOptions"_s, u"Optionen"_s) {
   connect(apply, &QPushButton::clicked, this, [this] { Uebernehmen(); });
   connect(cancel, &QPushButton::clicked, this, &frmOptions::reject);
   auto* nextPage = new QShortcut(QKeySequence(u"Ctrl+Tab"_s), this);
-  connect(nextPage, &QShortcut::activated, this, [this] { NextPage(); });
+  connect(nextPage, &QShortcut::activated, this,
+          [this] { tbsOptions_->setCurrentIndex((tbsOptions_->currentIndex() + 1) % tbsOptions_->count()); });
 }
 
 QWidget* frmOptions::NewPortPage() {
-  QWidget* page = NewPage(u"GroupSchnittstelle"_s);
+  auto* page = Named(new QWidget, u"GroupSchnittstelle"_s);
   comboSchnittstelle_ = NewList(page, u"ComboSchnittstelle"_s, u"Schnittstelle"_s);
   for (int number = kSchnittstelle.lowest; number <= kSchnittstelle.highest; ++number)
     comboSchnittstelle_->addItem(u"COM%1"_s.arg(number));
@@ -86,7 +68,7 @@ QWidget* frmOptions::NewPortPage() {
 }
 
 QWidget* frmOptions::NewAddressPage() {
-  QWidget* page = NewPage(u"GroupRegler"_s);
+  auto* page = Named(new QWidget, u"GroupRegler"_s);
   comboAdresse_ = NewList(page, u"ComboAdresse"_s, u"Geräteadresse"_s);
   for (int address = kAdresse.lowest; address <= kAdresse.highest; ++address)
     comboAdresse_->addItem(BlankNumber(address));
@@ -96,7 +78,7 @@ QWidget* frmOptions::NewAddressPage() {
 }
 
 QWidget* frmOptions::NewFilesPage() {
-  QWidget* page = NewPage(u"GroupVerzeichnisse"_s);
+  auto* page = Named(new QWidget, u"GroupVerzeichnisse"_s);
   textVerzParameter_ = NewTextBox(page, u"TextVerzParameter"_s, u"Versionstabelle"_s);
   auto* browse = NewButton(page, u"CommandBrowse"_s, u"Browse"_s);
   auto* row = new QHBoxLayout;
@@ -146,10 +128,6 @@ void frmOptions::Browse() {
   textVerzParameter_->setText(path);
   // Also where it is the old path: the file may be a new one.
   pathChanged_ = true;
-}
-
-void frmOptions::NextPage() {
-  tbsOptions_->setCurrentIndex((tbsOptions_->currentIndex() + 1) % tbsOptions_->count());
 }
 
 // The devices are looked up when the list opens: adapters come and go.

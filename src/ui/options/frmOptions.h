@@ -42,7 +42,6 @@ class frmOptions final : public Form {
   QWidget* NewAddressPage();
   QWidget* NewFilesPage();
   void NameDevices();
-  void NextPage();
   bool Uebernehmen();
   void Browse();
 

@@ -24,7 +24,7 @@
 #include "platform/qt/QtMessageBox.h"
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/TextPrinter.h"
-#include "print/PrintCommand.h"
+#include "print/MDIFormPrint.h"
 #include "ui/Resources.h"
 #include "ui/main/Desktop.h"
 #ifdef Q_OS_WIN

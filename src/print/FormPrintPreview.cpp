@@ -16,7 +16,7 @@ constexpr double kTwipsPerInch = 1440;
 QString SpokenText(const PageView& page) {
   QStringList lines{page.header};
   for (int line = page.lines.first; line <= page.lines.last; ++line)
-    lines.append(page.list.nodes[static_cast<std::size_t>(line - 1)].text);
+    lines.append(page.list.Node(line).text);
   lines.append(page.footer);
   return lines.join(u'\n');
 }
@@ -73,7 +73,7 @@ void FormPrintPreview::Click(const QPointF& place) {
   for (int node = page.lines.first; node <= page.lines.last; ++node) {
     const int line = node - page.lines.first;
     if (!PagePainter::LineArea(page.geometry, line).contains(place)) continue;
-    const int level = page.list.nodes[static_cast<std::size_t>(node - 1)].level;
+    const int level = page.list.Node(node).level;
     if (PagePainter::SignArea(page.list, page.geometry, line, level).contains(place)) {
       TreeView_Collapse(node);
     } else {

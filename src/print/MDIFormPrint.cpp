@@ -5,12 +5,15 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QToolBar>
 #include <array>
 #include <memory>
+
+#include "base/Numbers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -35,29 +38,6 @@ constexpr std::array<Item, 3> kScales{{{u"eins", u"1:1"}, {u"zwei", u"1:2"}, {u"
 
 // The page's distance from the edge of the frame: 240 twips.
 constexpr int kPageMargin_px = 16;
-
-// Takes the input away from the frame and the main window. What the user did meanwhile is lost: a second
-// click out of impatience must not print twice.
-class InputHold {
- public:
-  InputHold(QWidget& frame, MainForm& main) : frame_(frame), main_(main), focus_(frame.focusWidget()) {
-    frame_.setEnabled(false);
-    main_.SetEnabled(false);
-  }
-  ~InputHold() {
-    QGuiApplication::sync();
-    main_.SetEnabled(true);
-    frame_.setEnabled(true);
-    if (focus_) focus_->setFocus();
-  }
-  InputHold(const InputHold&) = delete;
-  InputHold& operator=(const InputHold&) = delete;
-
- private:
-  QWidget& frame_;
-  MainForm& main_;
-  QPointer<QWidget> focus_;
-};
 
 }  // namespace
 
@@ -175,8 +155,7 @@ void MDIFormPrint::Toolbar1_ButtonClick(const QString& key) {
   } else if (key == u"Ausrichtung") {
     preview_->CommandAusrichtung();
   } else if (key == u"Format") {
-    NextScale();
-    ShowScale();
+    SetScale(preview_->Masstab == 1 ? 2 : 1);
   } else if (key == u"Abbrechen") {
     hide();
   } else if (key == u"back") {
@@ -188,23 +167,13 @@ void MDIFormPrint::Toolbar1_ButtonClick(const QString& key) {
 
 // 1:4 is listed but never reached: that entry does what the button does.
 void MDIFormPrint::Toolbar1_ButtonMenuClick(const QString& key) {
-  if (key == u"eins") {
-    preview_->Masstab = 1;
-  } else if (key == u"zwei") {
-    preview_->Masstab = 2;
-  } else {
-    NextScale();
-  }
-  ShowScale();
+  if (key == u"vier") return Toolbar1_ButtonClick(u"Format"_s);
+  SetScale(key == u"eins" ? 1 : 2);
 }
 
-void MDIFormPrint::NextScale() {
-  preview_->Masstab *= 2;
-  if (preview_->Masstab > 2) preview_->Masstab = 1;
-}
-
-void MDIFormPrint::ShowScale() {
-  format_->setText(u"1:"_s + BlankDouble(preview_->Masstab).right(1) + u"  "_s);
+void MDIFormPrint::SetScale(double divisor) {
+  preview_->Masstab = divisor;
+  format_->setText(u"1:"_s + BlankDouble(divisor).right(1) + u"  "_s);
   preview_->DoLayout();
 }
 
@@ -217,9 +186,19 @@ void MDIFormPrint::Turn(int pages) {
   preview_->DoLayout();
 }
 
+// Neither the frame nor the main window takes input meanwhile, and what the user does then is lost: a second
+// click out of impatience must not print twice.
 void MDIFormPrint::PrintWith(void (PreviewPages::*command)()) {
   ShowFile(QString());
-  const InputHold hold(*this, world_.core.main);
+  const QPointer<QWidget> focus = focusWidget();
+  setEnabled(false);
+  world_.core.main.SetEnabled(false);
+  const auto enable = qScopeGuard([&] {
+    QGuiApplication::sync();
+    world_.core.main.SetEnabled(true);
+    setEnabled(true);
+    if (focus) focus->setFocus();
+  });
   (preview_->*command)();
   ShowFile(preview_->PrintedFile());
 }
@@ -230,10 +209,19 @@ void MDIFormPrint::ShowFile(const QString& path) {
 }
 
 void MDIFormPrint::closeEvent(QCloseEvent* event) {
-  if (isEnabled()) {
-    event->accept();
-  } else {
-    event->ignore();
+  event->setAccepted(isEnabled());
+}
+
+void mnuFilePrint_Click(MDIFormPrint& frame) {
+  const PrintWorld& world = frame.World();
+  try {
+    const std::optional<int> copies = world.printer.Choose(kPrintDialogFlags);
+    if (!copies) return;
+    world.core.module.Kopien = ToInt16(*copies);
+    frame.ShowForm();
+    frame.Initialize_MDIPP();
+  } catch (const RuntimeError&) {
+    // The command ends without a word, as it does when the user cancels the dialog.
   }
 }
 

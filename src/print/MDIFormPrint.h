@@ -44,8 +44,7 @@ class MDIFormPrint final : public QMainWindow {
   void AddKeys();
   void Load();
   void FitToPage();
-  void NextScale();
-  void ShowScale();
+  void SetScale(double divisor);
   void Turn(int pages);
   void ShowFile(const QString& path);
   void PrintWith(void (PreviewPages::*command)());
@@ -58,5 +57,12 @@ class MDIFormPrint final : public QMainWindow {
   QLabel* panel1_;
   platform::ElidedLabel* panel2_;  // the file that was written
 };
+
+/// What the print dialog offers: 1048576, 8 and 4, their digits joined (not their sum).
+inline constexpr qint32 kPrintDialogFlags = 104857684;
+
+/// The print command of the main window: asks for printer, copies and orientation, and shows the preview in
+/// `frame`. Any error ends it silently.
+void mnuFilePrint_Click(MDIFormPrint& frame);
 
 }  // namespace kalivor::print

@@ -1,5 +1,5 @@
 // The print command of the main window.
-#include "print/PrintCommand.h"
+#include "print/MDIFormPrint.h"
 
 #include "print/WindowSite.h"
 

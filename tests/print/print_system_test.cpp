@@ -2,8 +2,8 @@
 #include <QRadioButton>
 
 #include "platform/qt/TextPrinter.h"
+#include "print/MDIFormPrint.h"
 #include "print/Pictures.h"
-#include "print/PrintCommand.h"
 #include "print/PrintDialog.h"
 #include "print/PrintServer.h"
 #include "print/WindowSite.h"

@@ -9,41 +9,33 @@ namespace {
 constexpr double kPitch = 0.6025;
 constexpr double kCentimetresPerPoint = 2.54 / 72;
 
-Geometry Portrait() {
-  Geometry page;
-  page.Orientation = kPortrait;
-  page.FormWidth_twips = 12000;
-  page.FormHeight_twips = 16630;
-  page.ScaleWidth = 21.0;
-  page.ScaleHeight = 29.7;
-  page.TreeLeft = 1.6;
-  page.TreeTop = 2.2;
-  page.TreeWidth = page.ScaleWidth;
-  page.TreeHeight = page.ScaleHeight - 5.0;
-  page.HeaderLeft = 2.0;
-  page.HeaderTop = 1.2;
-  page.FooterLeft = 2.0;
-  page.FooterTop = page.ScaleHeight - 1.5 - 0.3;
-  return page;
-}
+constexpr Geometry kPortraitPage{.Orientation = kPortrait,
+                                 .FormWidth_twips = 12000,
+                                 .FormHeight_twips = 16630,
+                                 .ScaleWidth = 21.0,
+                                 .ScaleHeight = 29.7,
+                                 .TreeLeft = 1.6,
+                                 .TreeTop = 2.2,
+                                 .TreeWidth = 21.0,
+                                 .TreeHeight = 29.7 - 5.0,
+                                 .HeaderLeft = 2.0,
+                                 .HeaderTop = 1.2,
+                                 .FooterLeft = 2.0,
+                                 .FooterTop = 29.7 - 1.5 - 0.3};
 
-Geometry Landscape() {
-  Geometry page;
-  page.Orientation = kLandscape;
-  page.FormWidth_twips = 16630;
-  page.FormHeight_twips = 12000;
-  page.ScaleWidth = 29.7;
-  page.ScaleHeight = 21.0;
-  page.TreeLeft = 0.8;
-  page.TreeTop = 3.0;
-  page.TreeWidth = page.ScaleWidth - 3.0;
-  page.TreeHeight = page.ScaleHeight - 2.5 - 2.0 - 1.5;
-  page.HeaderLeft = 1.2;
-  page.HeaderTop = 2.0;
-  page.FooterLeft = 1.2;
-  page.FooterTop = page.ScaleHeight - 1.5 - 0.5;
-  return page;
-}
+constexpr Geometry kLandscapePage{.Orientation = kLandscape,
+                                  .FormWidth_twips = 16630,
+                                  .FormHeight_twips = 12000,
+                                  .ScaleWidth = 29.7,
+                                  .ScaleHeight = 21.0,
+                                  .TreeLeft = 0.8,
+                                  .TreeTop = 3.0,
+                                  .TreeWidth = 29.7 - 3.0,
+                                  .TreeHeight = 21.0 - 2.5 - 2.0 - 1.5,
+                                  .HeaderLeft = 1.2,
+                                  .HeaderTop = 2.0,
+                                  .FooterLeft = 1.2,
+                                  .FooterTop = 21.0 - 1.5 - 0.5};
 
 }  // namespace
 
@@ -56,7 +48,7 @@ FontSizes StandardFontSizes() {
 }
 
 Geometry GeometryFor(int orientation, double Masstab, const FontSizes& sizes) {
-  Geometry page = orientation == kLandscape ? Landscape() : Portrait();
+  Geometry page = orientation == kLandscape ? kLandscapePage : kPortraitPage;
   page.MaxLine = static_cast<qint16>(LinesPerPage(orientation));
   page.FormLeft_twips = page.FormTop_twips = 240;
   page.FormWidth_twips /= Masstab;

@@ -20,7 +20,7 @@ class TextPages final : public PreviewPages {
     AddLine(u"=== Seite %1 von %2"_s.arg(static_cast<int>(Page)).arg(MaxPage.value_or(0)));
     AddLine(page.header);
     for (int line = page.lines.first; line <= page.lines.last; ++line) {
-      const PrintNode& node = page.list.nodes[static_cast<std::size_t>(line - 1)];
+      const PrintNode& node = page.list.Node(line);
       AddLine(QString(qsizetype{node.level} * kIndentation_characters, u' ') + node.text);
     }
     AddLine(page.footer);

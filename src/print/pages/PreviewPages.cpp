@@ -10,22 +10,16 @@ using namespace Qt::StringLiterals;
 namespace kalivor::print {
 namespace {
 
-// Marks the tree as being changed by the program for as long as it lives.
-class Updating {
- public:
-  explicit Updating(Module1& module) : module_(module) { module_.TreeUpdating = kTrue; }
-  ~Updating() { module_.TreeUpdating = kFalse; }
-  Updating(const Updating&) = delete;
-  Updating& operator=(const Updating&) = delete;
-
- private:
-  Module1& module_;
-};
+// Marks the tree as being changed by the program for as long as the result lives.
+auto Updating(Module1& module) {
+  module.TreeUpdating = kTrue;
+  return qScopeGuard([&module] { module.TreeUpdating = kFalse; });
+}
 
 }  // namespace
 
 void PreviewPages::MakeTree() {
-  const Updating updating(world_.core.module);
+  const auto updating = Updating(world_.core.module);
   const auto show = qScopeGuard([this] { Changed(); });
   firstLine_ = 1;
   list_.Make(world_.core.module, world_.core.module.PlantTypeList.SelectedText(),
@@ -37,7 +31,7 @@ void PreviewPages::selectPage() {
   const qint16 height = RoundToInt16(treeHeight_);
   const qint16 first = RoundToInt16((Page - 1) * MaxLine + 1);
   {
-    const Updating updating(world_.core.module);
+    const auto updating = Updating(world_.core.module);
     // The last page is made only as high as its lines need, and never less than nothing.
     if (Page == MaxPage.value_or(0))
       treeHeight_ = std::max(0.0, static_cast<double>(list_.Count() - first) * height / MaxLine);
@@ -90,45 +84,40 @@ void PreviewPages::CommandAusrichtung() {
   MakeTree();
 }
 
-// Neither command goes back to the scale of before.
-void PreviewPages::PreparePrinting() {
+// Does not go back to the scale of before.
+void PreviewPages::Print(const std::function<void()>& pages) {
+  auto abort = qScopeGuard([this] { world_.printer.AbortDoc(); });
   printedFile_.clear();
   Masstab = 1;
   DoLayout();
+  pages();
+  printedFile_ = world_.printer.EndPrinting();
+  abort.dismiss();
 }
 
 void PreviewPages::CommandDrucken() {
-  auto abort = qScopeGuard([this] { world_.printer.AbortDoc(); });
-  PreparePrinting();
-  // The footers stay what they are now: no layout between the pages.
-  for (int copy = 1; copy <= world_.core.module.Kopien; ++copy) {
-    for (Page = 1; Page <= MaxPage.value_or(0); ++Page) {
-      selectPage();
-      ProcessPending();
-      PrintForm();
+  Print([this] {
+    // The footers stay what they are now: no layout between the pages.
+    for (int copy = 1; copy <= world_.core.module.Kopien; ++copy) {
+      for (Page = 1; Page <= MaxPage.value_or(0); ++Page) {
+        selectPage();
+        ProcessPending();
+        PrintForm();
+      }
     }
-  }
-  world_.printer.EndDoc();
-  printedFile_ = world_.printer.EndPrinting();
-  abort.dismiss();
+    world_.printer.EndDoc();
+  });
 }
 
 void PreviewPages::CommandSeiteDrucken() {
-  auto abort = qScopeGuard([this] { world_.printer.AbortDoc(); });
-  PreparePrinting();
-  selectPage();
-  ProcessPending();
-  for (int copy = 1; copy <= world_.core.module.Kopien; ++copy) {
-    PrintForm();
-    world_.printer.EndDoc();
-  }
-  printedFile_ = world_.printer.EndPrinting();
-  abort.dismiss();
-}
-
-PrintNode& PreviewPages::Node(int node) {
-  if (node < 1 || node > list_.Count()) throw RuntimeError(RuntimeError::Kind::Bounds);
-  return list_.nodes[static_cast<std::size_t>(node - 1)];
+  Print([this] {
+    selectPage();
+    ProcessPending();
+    for (int copy = 1; copy <= world_.core.module.Kopien; ++copy) {
+      PrintForm();
+      world_.printer.EndDoc();
+    }
+  });
 }
 
 // The numbers are those of the printed groups, which the main window counts differently when some parameters
@@ -138,19 +127,21 @@ qint16& PreviewPages::StateOf(const PrintNode& group) {
 }
 
 void PreviewPages::TreeView_Collapse(int node) {
-  if (!Node(node).IsGroup()) return;
-  StateOf(Node(node)) = kFalse;
+  const PrintNode& clicked = list_.Node(node);
+  if (!clicked.IsGroup()) return;
+  StateOf(clicked) = kFalse;
   MakeTree();
 }
 
 void PreviewPages::TreeView_Expand(int node) {
-  if (!Node(node).IsGroup() || world_.core.module.TreeUpdating != kFalse) return;
-  StateOf(Node(node)) = kTrue;
+  const PrintNode& clicked = list_.Node(node);
+  if (!clicked.IsGroup() || world_.core.module.TreeUpdating != kFalse) return;
+  StateOf(clicked) = kTrue;
   MakeTree();
 }
 
 void PreviewPages::TreeView_NodeClick(int node) {
-  const PrintNode& clicked = Node(node);
+  const PrintNode& clicked = list_.Node(node);
   if (clicked.IsGroup()) StateOf(clicked) = clicked.expanded ? kTrue : kFalse;
 }
 

@@ -108,8 +108,7 @@ class PreviewPages {
 
  private:
   void ShowPageText();
-  void PreparePrinting();
-  [[nodiscard]] PrintNode& Node(int node);
+  void Print(const std::function<void()>& pages);
   [[nodiscard]] qint16& StateOf(const PrintNode& group);
 
   PrintWorld world_;

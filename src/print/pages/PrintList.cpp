@@ -40,6 +40,11 @@ void PrintList::Make(const Module1& module, QStringView plantType, int orientati
   MaxPage = static_cast<qint16>(Count() / lines + 1);
 }
 
+const PrintNode& PrintList::Node(int number) const {
+  if (number < 1 || number > Count()) throw RuntimeError(RuntimeError::Kind::Bounds);
+  return nodes[static_cast<std::size_t>(number - 1)];
+}
+
 LineRange PrintList::From(int first, int lines) const {
   return {first, std::min(first + lines - 1, Count())};
 }

@@ -42,6 +42,9 @@ struct PrintList {
 
   [[nodiscard]] int Count() const { return static_cast<int>(nodes.size()); }
 
+  /// Line `number`. Throws RuntimeError (Bounds) when there is none.
+  [[nodiscard]] const PrintNode& Node(int number) const;
+
   /// The lines that show when line `first` is the uppermost of `lines` lines. None beyond the end.
   [[nodiscard]] LineRange From(int first, int lines) const;
 };

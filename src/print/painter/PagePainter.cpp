@@ -122,7 +122,7 @@ class BranchDrawer {
 
   // The branches before line `number` of the list.
   void Draw(int number, const QRectF& area) const {
-    const PrintNode& node = page_.list.nodes[static_cast<std::size_t>(number - 1)];
+    const PrintNode& node = page_.list.Node(number);
     painter_.setPen(QPen(Qt::gray, kLineWidth));
     if (node.level > 0) {
       const double y = area.center().y();
@@ -138,11 +138,9 @@ class BranchDrawer {
 
  private:
   [[nodiscard]] double X(int level) const { return page_.geometry.TreeLeft + (level + 0.5) * step_; }
-  [[nodiscard]] int LevelOf(int number) const {
-    return page_.list.nodes[static_cast<std::size_t>(number - 1)].level;
-  }
   [[nodiscard]] bool HasNext(int number, int level) const {
-    return level == 1 ? number < lastOnTop_ : number < page_.list.Count() && LevelOf(number + 1) == level;
+    return level == 1 ? number < lastOnTop_
+                      : number < page_.list.Count() && page_.list.Node(number + 1).level == level;
   }
 
   void DrawSign(const QRectF& box) const {
@@ -192,7 +190,7 @@ void PagePainter::Draw(QPainter& painter, const PageView& page) const {
   const TextDrawer bold(painter, bold_, boldPitch_, geometry.FontSize_pt * scale);
   const BranchDrawer branches(painter, page, scale);
   for (int number = page.lines.first; number <= page.lines.last; ++number) {
-    const PrintNode& node = page.list.nodes[static_cast<std::size_t>(number - 1)];
+    const PrintNode& node = page.list.Node(number);
     const QRectF area = LineArea(geometry, number - page.lines.first);
     branches.Draw(number, area);
     painter.setPen(Qt::black);

@@ -25,7 +25,7 @@ WindowSite::WindowSite(int parameters) {
                                                     [] {}},
                                           run);
   desktop->Start();
-  desktop->Show();
+  desktop->main.show();
   QApplication::processEvents();
 }
 

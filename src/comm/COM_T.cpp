@@ -69,8 +69,7 @@ QString LineErrorText(int event) {
       return u" Datenblockfehler (Framing Error). Die Hardware hat einen Datenblockfehler entdeckt."_s;
     case platform::kCommEventOverrun:
       return u" Anschlußüberlauf (Port Overrun). Es ist ein Zeichen verlorengegangen, da die Hardware nicht "
-             u"in "
-             "der Lage war, dieses Zeichen zu lesen, bevor das nächste Zeichen eintraf."_s;
+             "in der Lage war, dieses Zeichen zu lesen, bevor das nächste Zeichen eintraf."_s;
     case platform::kCommEventReceiveOverflow:
       return u" Überlauf des Empfangspuffers (Receive Buffer Overflow). Der Empfangspuffer ist voll."_s;
     case platform::kCommEventParity:
@@ -160,18 +159,13 @@ QString COM_T::Receive(qint16 slot, qsizetype frameLength, bool wantReply) {
 }
 
 bool COM_T::WaitForFirstCharacter(const SoftTimer& bound) {
-  if (!received_.isEmpty()) return true;
-  for (;;) {
+  while (received_.isEmpty()) {
     const double left = std::min(host_.Timers().Remaining(kReplyTimer), bound.Remaining());
-    switch (host_.Control().WaitForInput(left)) {
-      case platform::InputWait::Input:
-        return true;
-      case platform::InputWait::LineGone:
-        return false;
-      case platform::InputWait::TimedOut:
-        if (left <= 0) return false;
-    }
+    const platform::InputWait wait = host_.Control().WaitForInput(left);
+    if (wait == platform::InputWait::Input) break;
+    if (wait == platform::InputWait::LineGone || left <= 0) return false;
   }
+  return true;
 }
 
 COM_T::LineEnd COM_T::ReceiveLine(const SoftTimer& bound) {

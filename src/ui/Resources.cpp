@@ -13,11 +13,7 @@ static void LinkPictures() {
 namespace kalivor::ui {
 namespace {
 
-constexpr std::array kSizes = {16, 24, 32, 48, 64, 128, 256};
-constexpr std::array kCommandSizes = {16, 24, 32};
-
-template <typename Sizes>
-QIcon IconOf(const QString& name, const Sizes& sizes) {
+QIcon IconOf(const QString& name, std::initializer_list<int> sizes) {
   LinkPictures();
   QIcon icon;
   for (const int size : sizes)
@@ -26,15 +22,18 @@ QIcon IconOf(const QString& name, const Sizes& sizes) {
   return icon;
 }
 
+QIcon CommandIcon(const QString& name) {
+  return IconOf(name, {16, 24, 32});
+}
+
 }  // namespace
 
 QIcon ProgramIcon() {
-  return IconOf(u"kalivor"_s, kSizes);
+  return IconOf(u"kalivor"_s, {16, 24, 32, 48, 64, 128, 256});
 }
 
 std::array<QIcon, 3> CommandIcons() {
-  return {IconOf(u"open"_s, kCommandSizes), IconOf(u"save"_s, kCommandSizes),
-          IconOf(u"print"_s, kCommandSizes)};
+  return {CommandIcon(u"open"_s), CommandIcon(u"save"_s), CommandIcon(u"print"_s)};
 }
 
 QPixmap Logo(int size, double scale) {

@@ -166,7 +166,7 @@ class GuiTest : public testing::Test {
   void Start(const RunSettings& run = {}) {
     Load(run);
     desktop->Start();
-    desktop->Show();
+    desktop->main.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&desktop->main));
     files.reads.clear();
   }

@@ -243,8 +243,9 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
       ++checks_;
     };
     const auto ok = desktop->editors.number.OnOk;
-    desktop->editors.number.OnOk = [this, ok](const NumberEdit& content) {
-      ok(content);
+    desktop->editors.number.OnOk = [this, ok] {
+      const NumberEdit content = desktop->editors.number.Content();
+      ok();
       const double value = LeadingNumber(content.TextWert);
       if (LeadingNumber(content.TextVon) > value || LeadingNumber(content.TextBis) < value) return;
       const QString key = u"sK "_s + content.Nr;

@@ -36,9 +36,6 @@ DialogEdit::DialogEdit() : ParameterEditor(u"DialogEdit"_s) {
   SetTabOrder({textWert_, commandStd_, textStd_, textVon_, textBis_, buttons_.ok});
 
   connect(commandStd_, &QPushButton::clicked, this, &DialogEdit::TakeStandard);
-  connect(buttons_.ok, &QPushButton::clicked, this, [this] {
-    if (OnOk) OnOk(Content());
-  });
 }
 
 void DialogEdit::Fill(const NumberEdit& content) {

@@ -12,9 +12,6 @@ class DialogEdit final : public ParameterEditor {
  public:
   DialogEdit();
 
-  /// "OK" with what the dialog holds then; the dialog does not hide by itself.
-  std::function<void(const NumberEdit& content)> OnOk;
-
   void Fill(const NumberEdit& content);
   [[nodiscard]] NumberEdit Content() const;
 

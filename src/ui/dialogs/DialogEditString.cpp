@@ -34,9 +34,6 @@ DialogEditString::DialogEditString() : ParameterEditor(u"DialogEditString"_s) {
   setTabOrder(textWert_, buttons_.ok);
 
   connect(textWert_, &QLineEdit::textChanged, this, &DialogEditString::Limit);
-  connect(buttons_.ok, &QPushButton::clicked, this, [this] {
-    if (OnOk) OnOk(Content());
-  });
 }
 
 void DialogEditString::Fill(const TextEdit& content) {

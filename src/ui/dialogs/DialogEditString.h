@@ -10,9 +10,6 @@ class DialogEditString final : public ParameterEditor {
  public:
   DialogEditString();
 
-  /// "OK" with what the dialog holds then; the dialog does not hide by itself.
-  std::function<void(const TextEdit& content)> OnOk;
-
   void Fill(const TextEdit& content);
   [[nodiscard]] TextEdit Content() const;
 

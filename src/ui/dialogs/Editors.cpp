@@ -5,15 +5,15 @@
 namespace kalivor::ui {
 
 void Editors::Connect(Core& core, const platform::EventGuard& guard) {
-  number.OnOk = [this, &core, &guard](const NumberEdit& content) {
+  number.OnOk = [this, &core, &guard] {
     guard([&] {
-      DialogEdit_OK(core, content);
+      DialogEdit_OK(core, number.Content());
       Hide(number);
     });
   };
-  text.OnOk = [this, &core, &guard](const TextEdit& content) {
+  text.OnOk = [this, &core, &guard] {
     guard([&] {
-      DialogEditString_OK(core, content);
+      DialogEditString_OK(core, text.Content());
       Hide(text);
     });
   };

@@ -28,6 +28,9 @@ void ParameterEditor::AddHelpAndButtons() {
   layout_->addStretch();
   layout_->addLayout(buttons_.row);
   setTabOrder(buttons_.ok, buttons_.cancel);
+  connect(buttons_.ok, &QPushButton::clicked, this, [this] {
+    if (OnOk) OnOk();
+  });
   connect(buttons_.cancel, &QPushButton::clicked, this, &ParameterEditor::reject);
 }
 

@@ -14,6 +14,9 @@ namespace kalivor::ui {
 /// Name, value and help text of a parameter, with "OK" and "Abbrechen". It does not hide by itself.
 class ParameterEditor : public Form {
  public:
+  /// "OK" and the Enter key.
+  std::function<void()> OnOk;
+
   /// "Abbrechen", Escape and the window's frame.
   std::function<void()> OnCancel;
 

@@ -94,10 +94,6 @@ void Desktop::Start() {
   StartUp(core);
 }
 
-void Desktop::Show() {
-  main.show();
-}
-
 void Desktop::StoreSettings() {
   main.SavePlace(world.settings);
   // What the command line set for this run is not stored, unless the user has changed it since.
@@ -123,7 +119,7 @@ std::unique_ptr<Desktop> Launch(frmSplash& splash, const World& world, const Run
   auto desktop = std::make_unique<Desktop>(world, run);
   if (loaded) loaded(*desktop);
   desktop->Start();
-  desktop->Show();
+  desktop->main.show();
   splash.close();
   return desktop;
 }

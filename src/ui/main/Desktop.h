@@ -51,9 +51,6 @@ struct Desktop {
   /// Reads the definitions, builds the tree, configures the port. Errors are shown in boxes.
   void Start();
 
-  /// Shows the main window.
-  void Show();
-
   /// Opens a value file as the Open command does once the user has chosen it.
   void OpenFile(const QString& path);
 

@@ -5,6 +5,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "print/painter/PagePainter.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::print {
@@ -33,7 +35,7 @@ FormPrintPreview::FormPrintPreview(const PrintWorld& world, platform::EventGuard
 
 void FormPrintPreview::PrintForm() {
   // The list itself stays what it is until the job is sent off: there is no input meanwhile.
-  World().printer.PrintPage([this, page = View()](QPainter& painter) { pagePainter_.Draw(painter, page); });
+  World().printer.PrintPage([page = View()](QPainter& painter) { DrawPage(painter, page); });
 }
 
 void FormPrintPreview::Changed() {
@@ -56,7 +58,7 @@ void FormPrintPreview::paintEvent(QPaintEvent*) {
   if (MaxLine == 0) return;
   painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
   painter.scale(width() / Layout().ScaleWidth, height() / Layout().ScaleHeight);
-  pagePainter_.Draw(painter, View());
+  DrawPage(painter, View());
 }
 
 void FormPrintPreview::mouseReleaseEvent(QMouseEvent* event) {
@@ -72,9 +74,9 @@ void FormPrintPreview::Click(const QPointF& place) {
   const PageView page = View();
   for (int node = page.lines.first; node <= page.lines.last; ++node) {
     const int line = node - page.lines.first;
-    if (!PagePainter::LineArea(page.geometry, line).contains(place)) continue;
+    if (!LineArea(page.geometry, line).contains(place)) continue;
     const int level = page.list.Node(node).level;
-    if (PagePainter::SignArea(page.list, page.geometry, line, level).contains(place)) {
+    if (SignArea(page.list, page.geometry, line, level).contains(place)) {
       TreeView_Collapse(node);
     } else {
       TreeView_NodeClick(node);

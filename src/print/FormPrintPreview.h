@@ -6,7 +6,6 @@
 
 #include "platform/qt/EventGuard.h"
 #include "print/pages/PreviewPages.h"
-#include "print/painter/PagePainter.h"
 
 namespace kalivor::print {
 
@@ -32,7 +31,6 @@ class FormPrintPreview final : public QWidget, public PreviewPages {
   void Click(const QPointF& place);
 
   platform::EventGuard guard_;
-  PagePainter pagePainter_;
 };
 
 }  // namespace kalivor::print

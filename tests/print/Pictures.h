@@ -3,6 +3,7 @@
 
 #include "print/FormPrintPreview.h"
 #include "print/Poppler.h"
+#include "print/painter/PagePainter.h"
 
 namespace kalivor::test {
 
@@ -39,8 +40,7 @@ inline void ExpectSamePlaces(print::FormPrintPreview& preview, const QString& fi
   for (int line = view.lines.first; line <= view.lines.last; ++line) {
     // The text only.
     const int level = view.list.nodes[static_cast<std::size_t>(line - 1)].level;
-    areas.push_back(
-        print::PagePainter::LineArea(geometry, line - view.lines.first).adjusted(level + 0.95, 0, 0, 0));
+    areas.push_back(print::LineArea(geometry, line - view.lines.first).adjusted(level + 0.95, 0, 0, 0));
   }
   for (std::size_t i = 0; i < areas.size(); ++i) {
     const QRect area = Pixels(areas[i], geometry, screen.size());

@@ -7,7 +7,7 @@ namespace kalivor::test {
 namespace {
 
 using print::Geometry;
-using print::PagePainter;
+using print::SignArea;
 
 struct PictureSite : WindowSite {
   QTemporaryDir folder;
@@ -124,7 +124,7 @@ struct ClickSite : WindowSite {
     const print::PageView page = Preview().View();
     const int row = node - page.lines.first;
     const int level = page.list.nodes[static_cast<std::size_t>(node - 1)].level;
-    const QRectF sign = PagePainter::SignArea(page.list, page.geometry, row, level);
+    const QRectF sign = SignArea(page.list, page.geometry, row, level);
     const QPointF place = onSign ? sign.center() : sign.center() + QPointF(2, 0);
     const QSizeF scale(Preview().width() / page.geometry.ScaleWidth,
                        Preview().height() / page.geometry.ScaleHeight);

@@ -48,7 +48,7 @@ double ListScale(const PrintList& list, const Geometry& geometry) {
 QRectF Sign(const Geometry& geometry, double scale, int line, int level) {
   const double size = kSignSize * scale;
   const QPointF middle(geometry.TreeLeft + (level + 0.5) * geometry.TreeIndentation * scale,
-                       PagePainter::LineArea(geometry, line).center().y());
+                       LineArea(geometry, line).center().y());
   return {middle.x() - size / 2, middle.y() - size / 2, size, size};
 }
 
@@ -59,27 +59,17 @@ QString Printable(QString text) {
   return text;
 }
 
-QFont FontFor(bool bold) {
-  QFont font = platform::FixedFont();
-  font.setBold(bold);
-  font.setKerning(false);
-  font.setHintingPreference(QFont::PreferNoHinting);
-  return font;
-}
-
-// The width of a character as a part of the font's size.
-double PitchOf(QFont font) {
-  constexpr int kTrial = 1000;
-  font.setPixelSize(kTrial);
-  return QFontMetricsF(font).horizontalAdvance(u'0') / kTrial;
-}
-
-// Text in one font, on a painter in centimetres.
+// Text in the fixed-pitch font, on a painter in centimetres.
 class TextDrawer {
  public:
   // In the size in which the characters have the pitch of the layout.
-  TextDrawer(QPainter& painter, const QFont& font, double pitch, double size_pt)
-      : painter_(painter), font_(font) {
+  TextDrawer(QPainter& painter, bool bold, double size_pt) : painter_(painter), font_(platform::FixedFont()) {
+    font_.setBold(bold);
+    font_.setKerning(false);
+    font_.setHintingPreference(QFont::PreferNoHinting);
+    constexpr int kTrial = 1000;
+    font_.setPixelSize(kTrial);
+    const double pitch = QFontMetricsF(font_).horizontalAdvance(u'0') / kTrial;
     font_.setPixelSize(std::max(1, static_cast<int>(TextWidth_cm(1, size_pt) * kUnitsPerCentimetre / pitch)));
     height_ = QFontMetricsF(font_).height() / kUnitsPerCentimetre;
   }
@@ -161,33 +151,27 @@ class BranchDrawer {
 
 }  // namespace
 
-PagePainter::PagePainter()
-    : plain_(FontFor(false)),
-      bold_(FontFor(true)),
-      plainPitch_(PitchOf(plain_)),
-      boldPitch_(PitchOf(bold_)) {}
-
-QRectF PagePainter::LineArea(const Geometry& geometry, int line) {
+QRectF LineArea(const Geometry& geometry, int line) {
   return {geometry.TreeLeft, geometry.TreeTop + line * geometry.LinePitch(), UsableWidth(geometry),
           geometry.LinePitch()};
 }
 
-QRectF PagePainter::SignArea(const PrintList& list, const Geometry& geometry, int line, int level) {
+QRectF SignArea(const PrintList& list, const Geometry& geometry, int line, int level) {
   return Sign(geometry, ListScale(list, geometry), line, level);
 }
 
-void PagePainter::Draw(QPainter& painter, const PageView& page) const {
+void DrawPage(QPainter& painter, const PageView& page) {
   const Geometry& geometry = page.geometry;
   painter.save();
   painter.setPen(Qt::black);
-  const TextDrawer label(painter, plain_, plainPitch_, geometry.FontSize_pt);
+  const TextDrawer label(painter, false, geometry.FontSize_pt);
   label.Draw(geometry.HeaderLeft, geometry.HeaderTop,
              geometry.ScaleWidth - geometry.HeaderLeft - kPaperMargin, page.header);
   label.Draw(geometry.FooterLeft, geometry.FooterTop, geometry.FooterRoom(), page.footer);
 
   const double scale = ListScale(page.list, geometry);
-  const TextDrawer plain(painter, plain_, plainPitch_, geometry.FontSize_pt * scale);
-  const TextDrawer bold(painter, bold_, boldPitch_, geometry.FontSize_pt * scale);
+  const TextDrawer plain(painter, false, geometry.FontSize_pt * scale);
+  const TextDrawer bold(painter, true, geometry.FontSize_pt * scale);
   const BranchDrawer branches(painter, page, scale);
   for (int number = page.lines.first; number <= page.lines.last; ++number) {
     const PrintNode& node = page.list.Node(number);

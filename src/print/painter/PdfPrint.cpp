@@ -25,13 +25,12 @@ class PdfPages final : public PreviewPages {
     const bool landscape = page.geometry.Orientation == kLandscape;
     const QPageLayout paper(QPageSize(QPageSize::A4),
                             landscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF());
-    document_.AddPage(paper, [&](QPainter& painter) { painter_.Draw(painter, page); });
+    document_.AddPage(paper, [&](QPainter& painter) { DrawPage(painter, page); });
     ++printed;
   }
 
  private:
   platform::PdfFile document_{u"Parameterliste"_s};
-  PagePainter painter_;
 };
 
 // Standard error is for the program's own messages, not for the toolkit's remarks on its surroundings.

@@ -1,5 +1,5 @@
 // The serial port with a controller behind it, in virtual time.
-#include "sim/SimulatedLine.h"
+#include "fakes/SimulatedLine.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +10,10 @@
 
 using namespace Qt::StringLiterals;
 
-namespace kalivor::sim {
+namespace kalivor::test {
 namespace {
 
+using namespace sim;
 using platform::InputWait;
 
 const QByteArray kRequest = Sealed("#0102R1F00");
@@ -25,7 +26,7 @@ class SimulatedLineTest : public ::testing::Test {
   Memory memory;
   Controller controller{memory, 1, FixedText<2>(u"WR"_s), "HZL-0078"};
   Faults faults;
-  test::FakeClock clock;
+  FakeClock clock;
 
   void SetUp() override { memory.SetWord(0x1F00, 0x0ABC); }
 
@@ -207,4 +208,4 @@ TEST_F(SimulatedLineTest, ServesTheTelegramLayer) {
 }
 
 }  // namespace
-}  // namespace kalivor::sim
+}  // namespace kalivor::test

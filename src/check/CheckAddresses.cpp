@@ -7,8 +7,6 @@
 
 #include "core/DefinitionFiles.h"
 
-using namespace Qt::StringLiterals;
-
 namespace kalivor {
 namespace {
 
@@ -33,25 +31,25 @@ bool IsAddress(QStringView text) {
 // Where the parameters of a file lie in the controller's memory.
 class MemoryCheck {
  public:
-  MemoryCheck(const QString& file, Findings& findings) : file_(file), findings_(findings) {}
+  explicit MemoryCheck(const FileFindings& findings) : findings_(findings) {}
 
   // `address`: 4 or 8 hexadecimal digits, the parameter's own offset included.
   void Place(const CheckedParameter& parameter, const QString& address) {
     if (address.size() > kSentDigits &&
         address.chopped(kSentDigits).count(u'0') != address.size() - kSentDigits) {
-      findings_.Warning(file_, parameter.line,
-                        u"Von der Adresse %1 werden nur die letzten vier Ziffern gesendet."_s.arg(address));
+      findings_.Warning(parameter.line, u"Von der Adresse %1 werden nur die letzten vier Ziffern gesendet.",
+                        QStringView(address));
     }
     if (parameter.size == 0) return;
     const int start = address.right(kSentDigits).toInt(nullptr, 16);
     if (parameter.sharesWord) {
       CheckChar(parameter, start);
     } else if (start % 2 != 0) {
-      findings_.Error(file_, parameter.line,
-                      u"Adresse %1 ist ungerade; nur char darf dort liegen."_s.arg(address));
+      findings_.Error(parameter.line, u"Adresse %1 ist ungerade; nur char darf dort liegen.",
+                      QStringView(address));
     }
     if (start + parameter.size > kMemory_bytes) {
-      findings_.Error(file_, parameter.line, u"Von Adresse %1 an reicht der Speicher nicht."_s.arg(address));
+      findings_.Error(parameter.line, u"Von Adresse %1 an reicht der Speicher nicht.", QStringView(address));
     }
     places_.push_back({start, start + parameter.size, &parameter});
   }
@@ -79,34 +77,31 @@ class MemoryCheck {
     const int highest = address % 2 == 0 ? 127 : 255;
     if (parameter.lowest < 0 || parameter.highest > highest) {
       findings_.Warning(
-          file_, parameter.line,
-          u"Typ char an einer %1 Adresse: Werte außerhalb von 0 bis %2 werden verfälscht empfangen."_s
-              .arg(address % 2 == 0 ? u"geraden"_s : u"ungeraden"_s)
-              .arg(highest));
+          parameter.line,
+          u"Typ char an einer %1 Adresse: Werte außerhalb von 0 bis %2 werden verfälscht empfangen.",
+          address % 2 == 0 ? u"geraden" : u"ungeraden", highest);
     }
   }
 
   void Report(const CheckedParameter& a, const CheckedParameter& b) {
-    const CheckedParameter& first = a.line < b.line ? a : b;
-    const CheckedParameter& second = a.line < b.line ? b : a;
-    findings_.Warning(file_, second.line,
-                      u"Die Adressen von %1 überschneiden sich mit denen von %2 in Zeile %3."_s.arg(
-                          Quoted(second.name), Quoted(first.name), QString::number(first.line)));
+    const auto& [first, second] =
+        std::minmax(a, b, [](const auto& one, const auto& other) { return one.line < other.line; });
+    findings_.Warning(second.line, u"Die Adressen von %1 überschneiden sich mit denen von %2 in Zeile %3.",
+                      second.name, first.name, first.line);
   }
 
-  const QString& file_;
-  Findings& findings_;
+  const FileFindings& findings_;
   std::vector<Area> places_;
 };
 
 // The address list, as far as the parameters need it.
 class ListCheck {
  public:
-  ListCheck(const CheckedText& list, const QString& file, const QSet<QString>& needed, Findings& findings)
-      : items_(list.items.items), file_(file), needed_(needed), findings_(findings) {
+  ListCheck(const CheckedText& list, const QSet<QString>& needed)
+      : items_(list.items.items), findings_(list.findings), needed_(needed) {
     if (IsAddress(GetField(list.heading, 1))) {
       Report(GetField(list.heading, 0), 1,
-             u"Die erste Zeile gilt als Überschrift; diese Adresse wird nicht gelesen."_s);
+             u"Die erste Zeile gilt als Überschrift; diese Adresse wird nicht gelesen.");
     }
     for (std::size_t i = 0; i < items_.size(); ++i)
       CheckEntry(i);
@@ -130,13 +125,12 @@ class ListCheck {
     if (HasAddressLength(address)) {
       Take(name, address, line);
     } else if (!address.isEmpty()) {
-      Report(name, line,
-             u"Adresse %1 hat %2 Zeichen statt 4 oder 8 und wird nicht gelesen."_s.arg(
-                 Quoted(address), QString::number(address.size())));
+      Report(name, line, u"Adresse %1 hat %2 Zeichen statt 4 oder 8 und wird nicht gelesen.", address,
+             address.size());
     } else if (name.size() > kLongestUnwrappedName) {
       CheckWrapped(i, name);
     } else if (!isTakenByPrevious_) {
-      Report(name, line, u"Name %1 ohne Adresse."_s.arg(Quoted(name)));
+      Report(name, line, u"Name %1 ohne Adresse.", name);
     }
     isTakenByPrevious_ = takesNext_;
     takesNext_ = false;
@@ -146,51 +140,50 @@ class ListCheck {
   void CheckWrapped(std::size_t i, const QString& name) {
     const int line = items_[i].line;
     if (i + 1 == items_.size()) {
-      findings_.Error(file_, line, u"Die Datei endet nach dem umgebrochenen Namen %1."_s.arg(Quoted(name)));
+      findings_.Error(line, u"Die Datei endet nach dem umgebrochenen Namen %1.", name);
       return;
     }
     const TextItem& next = items_[i + 1];
     const QString wrapped = GetField(next.text, 0);
     if (!HasAddressLength(wrapped)) {
-      Report(name, line, u"Umgebrochener Name %1 ohne Adresse in der nächsten Zeile."_s.arg(Quoted(name)));
+      Report(name, line, u"Umgebrochener Name %1 ohne Adresse in der nächsten Zeile.", name);
       return;
     }
     takesNext_ = true;
     if (!GetField(next.text, 1).isEmpty()) {
       Report(name, line,
-             u"Als Adresse des umgebrochenen Namens %1 wird der Name %2 der nächsten Zeile gelesen."_s.arg(
-                 Quoted(name), Quoted(wrapped)));
+             u"Als Adresse des umgebrochenen Namens %1 wird der Name %2 der nächsten Zeile gelesen.", name,
+             wrapped);
     }
     Take(name, wrapped, next.line);
   }
 
   void Take(const QString& name, const QString& address, int line) {
     if (!IsHexadecimal(address)) {
-      Report(name, line, u"Adresse %1 ist nicht hexadezimal."_s.arg(Quoted(address)));
+      Report(name, line, u"Adresse %1 ist nicht hexadezimal.", address);
     }
     if (!needed_.contains(name)) return;
     const auto known = entries_.constFind(name);
     if (known != entries_.constEnd() && known->address != address) {
-      findings_.Warning(file_, line,
-                        u"%1 steht schon in Zeile %2 mit einer anderen Adresse; die letzte gilt."_s.arg(
-                            Quoted(name), QString::number(known->line)));
+      findings_.Warning(line, u"%1 steht schon in Zeile %2 mit einer anderen Adresse; die letzte gilt.", name,
+                        known->line);
     }
     entries_.insert(name, {address, line});
   }
 
   // A list holds much that no parameter needs; there a fault does no harm.
-  void Report(const QString& name, int line, const QString& text) {
+  template <typename... Values>
+  void Report(const QString& name, int line, QStringView text, const Values&... values) {
     if (needed_.contains(name)) {
-      findings_.Error(file_, line, text);
+      findings_.Error(line, text, values...);
     } else {
-      findings_.Warning(file_, line, text);
+      findings_.Warning(line, text, values...);
     }
   }
 
   const std::vector<TextItem>& items_;
-  const QString& file_;
+  const FileFindings& findings_;
   const QSet<QString>& needed_;
-  Findings& findings_;
   QHash<QString, Entry> entries_;
   bool takesNext_ = false;
   bool isTakenByPrevious_ = false;
@@ -198,18 +191,16 @@ class ListCheck {
 
 }  // namespace
 
-void CheckOwnAddresses(const CheckedDefinitions& definitions, const QString& file, Findings& findings) {
-  MemoryCheck memory(file, findings);
+void CheckOwnAddresses(const CheckedDefinitions& definitions, const FileFindings& findings) {
+  MemoryCheck memory(findings);
   for (const CheckedParameter& parameter : definitions.parameters) {
     const QString& address = parameter.address;
     if (address == u"-") {
-      findings.Error(file, parameter.line, u"Adresse fehlt."_s);
+      findings.Error(parameter.line, u"Adresse fehlt.");
     } else if (!IsHexadecimal(address)) {
-      findings.Error(file, parameter.line, u"Adresse %1 ist nicht hexadezimal."_s.arg(Quoted(address)));
+      findings.Error(parameter.line, u"Adresse %1 ist nicht hexadezimal.", address);
     } else if (!HasAddressLength(address)) {
-      findings.Error(file, parameter.line,
-                     u"Adresse %1 hat %2 Zeichen statt 4 oder 8."_s.arg(Quoted(address),
-                                                                        QString::number(address.size())));
+      findings.Error(parameter.line, u"Adresse %1 hat %2 Zeichen statt 4 oder 8.", address, address.size());
     } else {
       memory.Place(parameter, address);
     }
@@ -217,21 +208,20 @@ void CheckOwnAddresses(const CheckedDefinitions& definitions, const QString& fil
   memory.CheckOverlaps();
 }
 
-void CheckListedAddresses(const CheckedDefinitions& definitions, const QString& file, const CheckedText& list,
-                          const QString& listFile, Findings& findings) {
+void CheckListedAddresses(const CheckedDefinitions& definitions, const FileFindings& findings,
+                          const CheckedText& list) {
   QSet<QString> needed;
   for (const CheckedParameter& parameter : definitions.parameters) {
     if (!parameter.isPlantType) needed.insert(parameter.variable);
   }
-  const ListCheck entries(list, listFile, needed, findings);
-  MemoryCheck memory(file, findings);
+  const ListCheck entries(list, needed);
+  MemoryCheck memory(findings);
   for (const CheckedParameter& parameter : definitions.parameters) {
     if (parameter.isPlantType) continue;
     const QString* listed = entries.Find(parameter.variable);
     if (listed == nullptr) {
-      findings.Error(file, parameter.line,
-                     u"Variable %1 steht nicht mit einer Adresse in %2."_s.arg(Quoted(parameter.variable),
-                                                                               Quoted(listFile)));
+      findings.Error(parameter.line, u"Variable %1 steht nicht mit einer Adresse in %2.", parameter.variable,
+                     list.findings.File());
     } else if (IsHexadecimal(*listed)) {
       memory.Place(parameter, parameter.offset == 0 ? *listed : AddOffset(*listed, parameter.offset));
     }

@@ -18,11 +18,6 @@ QString Printable(QStringView text, qsizetype most) {
 
 }  // namespace
 
-QString Quoted(QStringView text) {
-  constexpr qsizetype most = 60;
-  return u"„"_s + Printable(text, most) + u"“"_s;
-}
-
 void Findings::Add(Finding finding) {
   constexpr qsizetype longestFileName = 255;
   finding.file = Printable(finding.file, longestFileName);
@@ -44,6 +39,11 @@ std::vector<Finding> Findings::Take(const QString& table) {
     found_.push_back({table, 0, moreErrors_, text.arg(kMost)});
   }
   return std::exchange(found_, {});
+}
+
+QString FileFindings::Shown(const QString& text) {
+  constexpr qsizetype most = 60;
+  return u"„"_s + Printable(text, most) + u"“"_s;
 }
 
 }  // namespace kalivor

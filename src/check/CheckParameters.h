@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 #include <vector>
 
 #include "check/CheckText.h"
@@ -23,22 +22,20 @@ struct CheckedParameter {
   qint32 highest = 0;
 };
 
-/// A plant name in the column Zusatz, and the line where it stands first.
-struct UsedPlant {
-  QString name;
+/// A content of the column Zusatz, and the line where it stands first.
+struct PlantColumn {
+  QString text;
   int line = 0;
 };
 
 struct CheckedDefinitions {
   std::vector<CheckedParameter> parameters;  ///< those whose line has enough columns
-  std::vector<UsedPlant> plants;             ///< each name once
-  QStringList plantColumns;                  ///< each content of the column Zusatz once
+  std::vector<PlantColumn> plants;           ///< each once
   bool complete = true;                      ///< no line was left out
 };
 
-/// Checks every line of the definition file `file`; `hasAddressList` decides what column 9 means. Addresses
-/// are not looked at.
-[[nodiscard]] CheckedDefinitions CheckParameters(const CheckedText& text, const QString& file,
-                                                 bool hasAddressList, Findings& findings);
+/// Checks every line of a definition file; `hasAddressList` decides what column 9 means. Addresses are not
+/// looked at.
+[[nodiscard]] CheckedDefinitions CheckParameters(const CheckedText& text, bool hasAddressList);
 
 }  // namespace kalivor

@@ -6,8 +6,6 @@
 #include "base/Windows1252.h"
 #include "core/DefinitionFiles.h"
 
-using namespace Qt::StringLiterals;
-
 namespace kalivor {
 namespace {
 
@@ -30,58 +28,50 @@ bool HoldsText(QByteArrayView bytes) {
 }
 
 // Reports what is wrong with a line as such. True when its items are not what its author meant.
-bool IsTorn(QByteArrayView line, const QString& file, int number, Findings& findings) {
+bool IsTorn(QByteArrayView line, int number, const FileFindings& findings) {
   if (line.contains('\t')) {
-    findings.Warning(file, number, u"Tabulator: er trennt keine Spalten und gehört zum Text."_s);
+    findings.Warning(number, u"Tabulator: er trennt keine Spalten und gehört zum Text.");
   }
   const QByteArrayView text = line.trimmed();
   if (text.startsWith('"')) {
     const qsizetype closing = text.indexOf('"', 1);
     if (closing == text.size() - 1 && closing > 0) return false;
-    findings.Error(file, number,
-                   closing < 0 ? u"Anführungszeichen am Zeilenanfang ohne Gegenstück."_s
-                               : u"Text hinter dem schließenden Anführungszeichen; er wird nicht gelesen."_s);
+    findings.Error(number, closing < 0
+                               ? u"Anführungszeichen am Zeilenanfang ohne Gegenstück."
+                               : u"Text hinter dem schließenden Anführungszeichen; er wird nicht gelesen.");
     return true;
   }
   if (text.contains('"')) {
-    findings.Warning(file, number, u"Anführungszeichen im Text; es wird mit angezeigt."_s);
+    findings.Warning(number, u"Anführungszeichen im Text; es wird mit angezeigt.");
   }
   if (!text.contains(',')) return false;
-  findings.Error(file, number, u"Komma: der Rest der Zeile wird als neue Zeile gelesen."_s);
+  findings.Error(number, u"Komma: der Rest der Zeile wird als neue Zeile gelesen.");
   return true;
 }
 
 }  // namespace
 
-CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path, const QString& file,
-                            Findings& findings) {
-  CheckedText text;
-  text.items = ReadItems(files, path);
+CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path, const FileFindings& findings) {
+  CheckedText text{findings, {}, ReadItems(files, path)};
   QByteArray bytes = files.Read(path).bytes;
   const bool holdsMore = HoldsText(QByteArrayView(bytes).sliced(TextLength(bytes)));
   bytes.truncate(TextLength(bytes));
+  const QByteArrayList lines = bytes.split('\n');
   if (holdsMore) {
-    findings.Warning(file, static_cast<int>(bytes.count('\n')) + 1,
-                     u"Hinter dem Zeichen 1A steht noch etwas; es wird nicht gelesen."_s);
+    findings.Warning(static_cast<int>(lines.size()),
+                     u"Hinter dem Zeichen 1A steht noch etwas; es wird nicht gelesen.");
   }
   if (IsUnmarkedUtf8(bytes)) {
     findings.Warning(
-        file, 0, u"Die Datei ist als UTF-8 ohne Kennung (BOM) gespeichert; Umlaute werden falsch gelesen."_s);
+        0, u"Die Datei ist als UTF-8 ohne Kennung (BOM) gespeichert; Umlaute werden falsch gelesen.");
   }
 
+  QByteArrayView heading = lines.first();
+  if (heading.startsWith(kUtf8Mark)) heading = heading.sliced(kUtf8Mark.size());
+  text.heading = TextFromBytes(heading.trimmed());
   QSet<int> torn;
-  int number = 0;
-  for (qsizetype start = 0; start < bytes.size();) {
-    qsizetype end = bytes.indexOf('\n', start);
-    if (end < 0) end = bytes.size();
-    const QByteArrayView line = QByteArrayView(bytes).sliced(start, end - start);
-    if (++number == 1) {
-      const bool marked = line.startsWith(kUtf8Mark);
-      text.heading = TextFromBytes((marked ? line.sliced(kUtf8Mark.size()) : line).trimmed());
-    } else if (IsTorn(line, file, number, findings)) {
-      torn.insert(number);
-    }
-    start = end + 1;
+  for (int number = 2; number <= lines.size(); ++number) {
+    if (IsTorn(lines[number - 1], number, findings)) torn.insert(number);
   }
   text.torn = !torn.isEmpty();
   std::erase_if(text.items.items, [&torn](const TextItem& item) { return torn.contains(item.line); });

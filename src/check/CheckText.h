@@ -1,9 +1,7 @@
 // Reading a definition text for its check: the items, and what disturbs them.
 #pragma once
 
-#include <QSet>
 #include <QString>
-#include <vector>
 
 #include "check/CheckFindings.h"
 #include "core/TextFile.h"
@@ -12,16 +10,16 @@ namespace kalivor {
 
 /// A definition text as the program sees it.
 struct CheckedText {
-  QString heading;    ///< the first line, which the program drops
-  TextItems items;    ///< without those of lines that commas or quotes have torn apart
-  bool torn = false;  ///< there were such lines
+  FileFindings findings;  ///< where what is wrong with it goes
+  QString heading;        ///< the first line, which the program drops
+  TextItems items;        ///< without those of lines that commas or quotes have torn apart
+  bool torn = false;      ///< there were such lines
 };
 
-/// Reads the text at `path` and reports, under the name `file`, what disturbs its lines: commas, quotes,
-/// tabs, a wrong encoding, what stands behind the text's end. Throws RuntimeError (FileError) like
-/// ReadItems().
+/// Reads the text at `path` and reports what disturbs its lines: commas, quotes, tabs, a wrong encoding, what
+/// stands behind the text's end. Throws RuntimeError (FileError) like ReadItems().
 [[nodiscard]] CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path,
-                                          const QString& file, Findings& findings);
+                                          const FileFindings& findings);
 
 /// How many columns `line` has, counted up to `most`. Blanks at its end do not begin a column.
 [[nodiscard]] int ColumnCount(QStringView line, int most);

@@ -1,10 +1,12 @@
 #include "check/DefinitionCheck.h"
 
-#include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
+#include <algorithm>
 #include <limits>
+#include <map>
 #include <optional>
+#include <set>
 
 #include "base/Paths.h"
 #include "check/CheckAddresses.h"
@@ -35,20 +37,21 @@ bool IsControllerVersion(const QString& version) {
 
 class TableCheck {
  public:
-  TableCheck(platform::FileSystem& files, const QString& inipath, const QString& inifile) : files_(files) {
+  TableCheck(platform::FileSystem& files, const QString& inipath, const QString& inifile)
+      : files_(files), table_(findings_, inifile) {
     where_.Inipath = WithSeparator(inipath);
     where_.Inifile = inifile;
   }
 
   std::vector<Finding> Run() {
-    const CheckedText table = ReadCheckedText(files_, VersionTablePath(where_), where_.Inifile, findings_);
+    const CheckedText table = ReadCheckedText(files_, VersionTablePath(where_), table_);
     if (IsControllerVersion(GetField(table.heading, 0))) {
-      TableError(1, u"Die erste Zeile gilt als Überschrift; diese Version wird nicht gelesen."_s);
+      table_.Error(1, u"Die erste Zeile gilt als Überschrift; diese Version wird nicht gelesen.");
     }
-    if (table.items.items.empty() && !table.torn) TableError(0, u"Die Tabelle enthält keine Version."_s);
+    if (table.items.items.empty() && !table.torn) table_.Error(0, u"Die Tabelle enthält keine Version.");
     for (const TextItem& item : table.items) {
       if (rows_.size() == kMostVersions) {
-        TableError(item.line, u"Mehr als %1 Versionen."_s.arg(kMostVersions));
+        table_.Error(item.line, u"Mehr als %1 Versionen.", kMostVersions);
         break;
       }
       CheckRow(item);
@@ -61,18 +64,14 @@ class TableCheck {
   }
 
  private:
-  void TableError(int line, const QString& text) { findings_.Error(where_.Inifile, line, text); }
-  void TableWarning(int line, const QString& text) { findings_.Warning(where_.Inifile, line, text); }
-
   void CheckRow(const TextItem& item) {
     const int columns = ColumnCount(item.text, kVersionColumns + 1);
     if (columns < kVersionColumns) {
-      TableError(item.line,
-                 u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen."_s.arg(columns).arg(
-                     kVersionColumns));
+      table_.Error(item.line, u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen.", columns,
+                   kVersionColumns);
       return;
     }
-    if (columns > kVersionColumns) TableWarning(item.line, u"Hinter der Kennung steht noch etwas."_s);
+    if (columns > kVersionColumns) table_.Warning(item.line, u"Hinter der Kennung steht noch etwas.");
     Row row{item.line, ParseVersion(item.text), {}};
     CheckVersion(row);
     CheckKennung(GetField(item.text, kVersionColumns - 1).trimmed(), item.line);
@@ -83,26 +82,23 @@ class TableCheck {
   void CheckVersion(const Row& row) {
     const QString& version = row.version.Version;
     if (version.size() > kLongestVersion) {
-      TableError(row.line, u"Version %1 ist für eine Wertedatei zu lang; sie fasst %2 Zeichen."_s.arg(
-                               Quoted(version), QString::number(kLongestVersion)));
+      table_.Error(row.line, u"Version %1 ist für eine Wertedatei zu lang; sie fasst %2 Zeichen.", version,
+                   kLongestVersion);
     } else if (!IsControllerVersion(version)) {
-      TableWarning(row.line, u"Version %1 kann kein Regler melden; gemeint ist etwas wie ABC-012.3."_s.arg(
-                                 Quoted(version)));
+      table_.Warning(row.line, u"Version %1 kann kein Regler melden; gemeint ist etwas wie ABC-012.3.",
+                     version);
     }
-    const auto known = versions_.constFind(version);
-    if (known == versions_.constEnd()) {
-      versions_.insert(version, row.line);
-    } else {
-      TableError(row.line,
-                 u"Version %1 steht schon in Zeile %2."_s.arg(Quoted(version), QString::number(*known)));
+    const auto [known, isNew] = versions_.try_emplace(version, row.line);
+    if (!isNew) {
+      table_.Error(row.line, u"Version %1 steht schon in Zeile %2.", version, known->second);
     }
   }
 
   void CheckKennung(const QString& kennung, int line) {
     if (kennung.size() != 2) {
-      TableError(line, u"Kennung %1 hat nicht zwei Zeichen (Schreiben und Lesen)."_s.arg(Quoted(kennung)));
+      table_.Error(line, u"Kennung %1 hat nicht zwei Zeichen (Schreiben und Lesen).", kennung);
     } else if (kennung.front() == kennung.back()) {
-      TableWarning(line, u"Kennung %1 schreibt und liest mit demselben Zeichen."_s.arg(Quoted(kennung)));
+      table_.Warning(line, u"Kennung %1 schreibt und liest mit demselben Zeichen.", kennung);
     }
   }
 
@@ -111,35 +107,35 @@ class TableCheck {
     // The list takes a name when a blank follows it.
     const QString dropped = row.plants.takeLast();
     if (dropped != u"-") {
-      TableWarning(row.line, u"Die letzte Anlage %1 wird nicht übernommen; dahinter fehlt noch „-“."_s.arg(
-                                 Quoted(dropped)));
+      table_.Warning(row.line, u"Die letzte Anlage %1 wird nicht übernommen; dahinter fehlt noch „-“.",
+                     dropped);
     }
     // Hostile lines aside, nobody has more plant types than this.
     constexpr qsizetype mostPlants = 100;
     if (row.plants.size() > mostPlants) {
-      TableWarning(row.line, u"Mehr als %1 Anlagen."_s.arg(mostPlants));
+      table_.Warning(row.line, u"Mehr als %1 Anlagen.", mostPlants);
       row.plants = row.plants.first(mostPlants);
     }
     for (qsizetype i = 0; i < row.plants.size(); ++i) {
       for (qsizetype j = 0; j < row.plants.size(); ++j) {
         if (i == j || !row.plants[j].contains(row.plants[i])) continue;
         if (row.plants[i] != row.plants[j]) {
-          TableWarning(row.line,
-                       u"Anlage %1 zeigt auch die Parameter von %2, denn ihr Name ist darin enthalten."_s.arg(
-                           Quoted(row.plants[i]), Quoted(row.plants[j])));
+          table_.Warning(row.line,
+                         u"Anlage %1 zeigt auch die Parameter von %2, denn ihr Name ist darin enthalten.",
+                         row.plants[i], row.plants[j]);
         } else if (i < j) {
-          TableWarning(row.line, u"Anlage %1 steht mehrfach in der Zeile."_s.arg(Quoted(row.plants[i])));
+          table_.Warning(row.line, u"Anlage %1 steht mehrfach in der Zeile.", row.plants[i]);
         }
       }
     }
   }
 
   // Reads a file that the table names; one that cannot be read is the table's fault.
-  std::optional<CheckedText> Read(const QString& file, int line, const QString& kind) {
+  std::optional<CheckedText> Read(const QString& file, int line, QStringView kind) {
     try {
-      return ReadCheckedText(files_, DefinitionPath(where_, file), file, findings_);
+      return ReadCheckedText(files_, DefinitionPath(where_, file), FileFindings(findings_, file));
     } catch (const RuntimeError& error) {
-      TableError(line, u"%1 %2 lässt sich nicht lesen: %3"_s.arg(kind, Quoted(file), error.Description()));
+      table_.Error(line, u"%1 %2 lässt sich nicht lesen: %3", kind, file, QStringView(error.Description()));
       return std::nullopt;
     }
   }
@@ -147,57 +143,60 @@ class TableCheck {
   void CheckFiles(const Row& row) {
     const QString& file = row.version.DefDatei;
     const QString& list = row.version.AdrDatei;
-    if (checked_.contains(file + u'\n' + list)) return;
-    checked_.insert(file + u'\n' + list);
-    const std::optional<CheckedText> text = Read(file, row.line, u"Definitionsdatei"_s);
-    const bool hasAddressList = list != u"-";
+    if (!checked_.insert({file, list}).second) return;
+    const std::optional<CheckedText> text = Read(file, row.line, u"Definitionsdatei");
+    const bool hasAddressList = HasAddressList(row.version);
     const std::optional<CheckedText> listText =
-        hasAddressList ? Read(list, row.line, u"Adressliste"_s) : std::nullopt;
+        hasAddressList ? Read(list, row.line, u"Adressliste") : std::nullopt;
     if (!text) return;
-    const CheckedDefinitions definitions = CheckParameters(*text, file, hasAddressList, findings_);
+    const CheckedDefinitions definitions = CheckParameters(*text, hasAddressList);
     if (listText) {
-      CheckListedAddresses(definitions, file, *listText, list, findings_);
+      CheckListedAddresses(definitions, text->findings, *listText);
     } else if (!hasAddressList) {
-      CheckOwnAddresses(definitions, file, findings_);
+      CheckOwnAddresses(definitions, text->findings);
     }
-    CheckPlantsListed(definitions, file);
+    CheckPlantsListed(definitions, text->findings);
     // What stands in a line that was left out is not known.
-    if (definitions.complete) plantColumns_.insert(file, definitions.plantColumns);
+    if (definitions.complete) plants_[file] = definitions.plants;
   }
 
-  // Plants of parameters that no version with these definitions offers.
-  void CheckPlantsListed(const CheckedDefinitions& definitions, const QString& file) {
-    QSet<QString> listed;
+  // Plants of parameters that no version with these definitions offers, each once.
+  void CheckPlantsListed(const CheckedDefinitions& definitions, const FileFindings& findings) {
+    QSet<QString> known{u"-"_s};
     for (const Row& row : rows_) {
-      if (row.version.DefDatei == file) listed.unite(QSet<QString>(row.plants.begin(), row.plants.end()));
+      if (row.version.DefDatei != findings.File()) continue;
+      known.unite(QSet<QString>(row.plants.begin(), row.plants.end()));
     }
-    for (const UsedPlant& plant : definitions.plants) {
-      if (plant.name == u"-" || listed.contains(plant.name)) continue;
-      findings_.Warning(file, plant.line,
-                        u"Anlage %1 nennt keine Version mit dieser Datei."_s.arg(Quoted(plant.name)));
+    for (const PlantColumn& column : definitions.plants) {
+      for (const QString& plant : column.text.split(u' ', Qt::SkipEmptyParts)) {
+        if (known.contains(plant)) continue;
+        findings.Warning(column.line, u"Anlage %1 nennt keine Version mit dieser Datei.", plant);
+        known.insert(plant);
+      }
     }
   }
 
   // Plants of a version that none of its parameters has.
   void CheckPlantsUsed(const Row& row) {
-    if (findings_.IsFull()) return;
-    const auto columns = plantColumns_.constFind(row.version.DefDatei);
-    if (columns == plantColumns_.constEnd()) return;
+    const auto columns = plants_.find(row.version.DefDatei);
+    if (findings_.IsFull() || columns == plants_.end()) return;
     for (const QString& plant : row.plants) {
-      if (columns->filter(plant).isEmpty()) {
-        TableWarning(row.line, u"Anlage %1 hat keinen Parameter in %2."_s.arg(Quoted(plant),
-                                                                              Quoted(row.version.DefDatei)));
-      }
+      const bool used =
+          std::any_of(columns->second.begin(), columns->second.end(),
+                      [&plant](const PlantColumn& column) { return column.text.contains(plant); });
+      if (used) continue;
+      table_.Warning(row.line, u"Anlage %1 hat keinen Parameter in %2.", plant, row.version.DefDatei);
     }
   }
 
   platform::FileSystem& files_;
   Settings where_;  ///< folder and version table
   Findings findings_;
+  FileFindings table_;  ///< those of the version table
   std::vector<Row> rows_;
-  QHash<QString, int> versions_;              ///< with the line of each
-  QSet<QString> checked_;                     ///< pairs of files
-  QHash<QString, QStringList> plantColumns_;  ///< by definition file
+  std::map<QString, int> versions_;                     ///< with the line of each
+  std::set<std::pair<QString, QString>> checked_;       ///< definition files with their address lists
+  std::map<QString, std::vector<PlantColumn>> plants_;  ///< by definition file
 };
 
 }  // namespace

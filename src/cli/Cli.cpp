@@ -1,5 +1,6 @@
 #include "cli/Cli.h"
 
+#include <QJsonDocument>
 #include <QScopeGuard>
 
 #include "check/DefinitionCheck.h"
@@ -55,20 +56,19 @@ class Session {
   // The commands; each returns an ExitStatus.
 
   int Versions() {
-    (void)Print(VersionsText(module_), [this] { return VersionsJson(module_); });
+    Print(VersionTableOf(module_));
     return VersionsRead() ? kDone : kBadInput;
   }
 
-  int Plants() {
-    return Print(PlantsText(core_), [this] { return PlantsJson(core_); });
-  }
+  int Plants() { return Print(PlantTableOf(module_.PlantTypeList)); }
 
   int Parameters() {
-    return Print(ParametersText(module_), [this] { return ParametersJson(module_); });
+    if (!arguments_.json) Print(NamesLine(ParameterRow(module_, 0)));
+    return Print(ParameterTableOf(module_));
   }
 
-  int Tree() { return Print(TreeText(core_), {}); }
-  int Pages() { return Print(print::PagesText(core_, Printed()), {}); }
+  int Tree() { return Print(TreeText(main_.Tree())); }
+  int Pages() { return Print(print::PagesText(core_, Printed())); }
   int Receive() { return RunTransfer(RunReceive); }
   int Send() { return RunTransfer(RunSend); }
   int Compare() { return RunTransfer(RunCompare); }
@@ -91,7 +91,12 @@ class Session {
     if (!file.Ok()) throw BadInput{failed + file.error};
     const ValueFileContent content = ParseValueFile(file.bytes);
     if (!content.hasHeader) throw BadInput{failed + u"Die Datei ist keine Wertedatei."_s};
-    return Print(ValueFileText(content), [&content] { return ValueFileJson(content); });
+    const Row head = ValueFileHead(content);
+    const Table records = RecordTableOf(content);
+    if (!arguments_.json) return Print(ToText(head) + ToText(records));
+    QJsonObject all = ToJson(head);
+    all.insert(u"records"_s, ToJson(records));
+    return Print(QJsonDocument(all));
   }
 
   int PrintToPdf() {
@@ -105,11 +110,8 @@ class Session {
   int CheckDefinitionFiles() {
     bool errors = false;
     for (const Finding& finding : CheckDefinitions(world_.files, module_.Inipath, module_.Inifile)) {
-      const QString severity = finding.error ? u"Fehler"_s : u"Warnung"_s;
-      world_.out << u"%1\t%2\t%3\t%4\n"_s.arg(finding.file)
-                        .arg(finding.line)
-                        .arg(severity, finding.text)
-                        .toStdString();
+      Print(u"%1\t%2\t%3\t%4\n"_s.arg(finding.file, QString::number(finding.line),
+                                      finding.error ? u"Fehler"_s : u"Warnung"_s, finding.text));
       errors = errors || finding.error;
     }
     return errors ? kFindings : kDone;
@@ -186,13 +188,15 @@ class Session {
     return position;
   }
 
-  int Print(const QString& text, const std::function<QJsonDocument()>& json) {
-    if (arguments_.json) {
-      world_.out << json().toJson().toStdString();
-    } else {
-      world_.out << text.toStdString();
-    }
+  int Print(const QString& text) {
+    world_.out << text.toStdString();
     return kDone;
+  }
+
+  int Print(const QJsonDocument& json) { return Print(QString::fromUtf8(json.toJson())); }
+
+  int Print(const Table& table) {
+    return arguments_.json ? Print(QJsonDocument(ToJson(table))) : Print(ToText(table));
   }
 
   [[nodiscard]] print::PrintInput Printed() const {
@@ -200,21 +204,14 @@ class Session {
             arguments_.landscape ? platform::kLandscape : platform::kPortrait};
   }
 
-  // Runs the command; the last line of its report is ended before anything else is written.
-  TransferOutcome ReportedTransfer(void (*command)(Core&, TransferOutcome&)) {
-    const auto finish = qScopeGuard([this] { view_.Finish(); });
-    TransferOutcome outcome;
-    RunHandler(box_, [&] { command(core_, outcome); });
-    return outcome;
-  }
-
   int RunTransfer(void (*command)(Core&, TransferOutcome&)) {
     // A port that cannot be opened shows in the first query.
     (void)core_.controller.Configure(kSlot, kSettings9600);
-    const TransferOutcome outcome = ReportedTransfer(command);
-    if (arguments_.json) {
-      world_.out << CompareJson(module_, outcome, report_.Text()).toJson().toStdString();
-    }
+    TransferOutcome outcome;
+    // The report's last line is still open when this is left.
+    const auto finish = qScopeGuard([this] { view_.Finish(); });
+    RunHandler(box_, [&] { command(core_, outcome); });
+    if (arguments_.json) Print(QJsonDocument(CompareJson(module_, outcome, report_.Text())));
     if (!outcome.transferred) return kNoTransfer;
     return outcome.walk.Failures() > 0 || outcome.walk.Deviations() > 0 ? kFindings : kDone;
   }

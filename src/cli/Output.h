@@ -1,30 +1,46 @@
-// The tables that the commands print, as text and as JSON.
+// What the commands print, as text and as JSON.
 #pragma once
 
-#include <QJsonDocument>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QString>
+#include <utility>
+#include <vector>
 
 #include "commands/TransferCommands.h"
 #include "core/ValueFileFormat.h"
 
 namespace kalivor::cli {
 
+/// One line of a table: its columns with their names. Numbers are numbers.
+using Row = std::vector<std::pair<QString, QJsonValue>>;
+using Table = std::vector<Row>;
+
+[[nodiscard]] Table VersionTableOf(const Module1& module);
+[[nodiscard]] Table PlantTableOf(const SelectionList& plants);
+
+/// The parameters; element 0 comes first when a plant-type record was read.
+[[nodiscard]] Table ParameterTableOf(const Module1& module);
+[[nodiscard]] Row ParameterRow(const Module1& module, int index);
+
+/// Layout, stored count and version, and the records, numbered from 2.
+[[nodiscard]] Row ValueFileHead(const ValueFileContent& content);
+[[nodiscard]] Table RecordTableOf(const ValueFileContent& content);
+
 /// Columns are separated by TAB, lines end with LF; TAB, CR, LF and backslash inside a text are written as
 /// a backslash and t, r, n or a second backslash.
-[[nodiscard]] QString VersionsText(const Module1& module);
-[[nodiscard]] QString PlantsText(Core& core);
-[[nodiscard]] QString ParametersText(const Module1& module);
-[[nodiscard]] QString TreeText(Core& core);
-/// Layout, stored count and version in the first line, then the records, numbered from 2.
-[[nodiscard]] QString ValueFileText(const ValueFileContent& content);
+[[nodiscard]] QString NamesLine(const Row& row);
+[[nodiscard]] QString ToText(const Row& row);
+[[nodiscard]] QString ToText(const Table& table);
 
-[[nodiscard]] QJsonDocument VersionsJson(const Module1& module);
-[[nodiscard]] QJsonDocument PlantsJson(Core& core);
-[[nodiscard]] QJsonDocument ParametersJson(const Module1& module);
-[[nodiscard]] QJsonDocument ValueFileJson(const ValueFileContent& content);
+[[nodiscard]] QJsonObject ToJson(const Row& row);
+[[nodiscard]] QJsonArray ToJson(const Table& table);
+
+/// The nodes of the tree: key and text.
+[[nodiscard]] QString TreeText(const platform::TreeView& tree);
 
 /// A comparison; `report` are its lines, separated by CR LF.
-[[nodiscard]] QJsonDocument CompareJson(const Module1& module, const TransferOutcome& outcome,
-                                        const QString& report);
+[[nodiscard]] QJsonObject CompareJson(const Module1& module, const TransferOutcome& outcome,
+                                      const QString& report);
 
 }  // namespace kalivor::cli

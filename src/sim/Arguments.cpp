@@ -2,6 +2,7 @@
 #include "sim/Arguments.h"
 
 #include <QSet>
+#include <limits>
 
 #include "base/CommandLine.h"
 
@@ -10,41 +11,28 @@ using namespace Qt::StringLiterals;
 namespace kalivor::sim {
 namespace {
 
-// A number in decimal within its limits.
-std::optional<qint64> NumberWithin(const QString& text, qint64 lowest, qint64 highest) {
-  bool valid = false;
-  const qint64 number = text.toLongLong(&valid);
-  if (!valid || number < lowest || number > highest) return {};
-  return number;
-}
-
 // Each of the following takes one option's value and returns "" or what is wrong with it.
 
-QString TakeAddress(Arguments& arguments, const QString& value) {
-  const std::optional<qint64> number = NumberWithin(value, 0, 255);
-  if (!number) return NoAddress(value);
-  arguments.address = static_cast<int>(*number);
+// A number in decimal; its type decides which.
+template <typename Number, auto Member>
+QString TakeNumber(Arguments& arguments, const QString& value) {
+  using Limits = std::numeric_limits<Number>;
+  bool valid = false;
+  const qint64 number = value.toLongLong(&valid);
+  if (!valid || number < Limits::min() || number > Limits::max()) {
+    return u"keine Zahl von %1 bis %2: "_s.arg(Limits::min()).arg(Limits::max()) + value;
+  }
+  arguments.*Member = static_cast<Number>(number);
   return {};
+}
+
+QString TakeAddress(Arguments& arguments, const QString& value) {
+  return TakeNumber<quint8, &Arguments::address>(arguments, value).isEmpty() ? QString() : NoAddress(value);
 }
 
 QString TakeRate(Arguments& arguments, const QString& value) {
   if (value != u"9600" && value != u"19200") return u"erwartet 9600 oder 19200 statt "_s + value;
   arguments.line.rate = value.toInt();
-  return {};
-}
-
-QString TakePlant(Arguments& arguments, const QString& value) {
-  const std::optional<qint64> number = NumberWithin(value, -32768, 32767);
-  if (!number) return u"keine Zahl von -32768 bis 32767: "_s + value;
-  arguments.plant = static_cast<qint16>(*number);
-  arguments.plantGiven = true;
-  return {};
-}
-
-QString TakeSeed(Arguments& arguments, const QString& value) {
-  const std::optional<qint64> number = NumberWithin(value, 0, 4294967295);
-  if (!number) return u"keine Zahl von 0 bis 4294967295: "_s + value;
-  arguments.seed = static_cast<quint32>(*number);
   return {};
 }
 
@@ -71,8 +59,8 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--dump", TakeText<&Arguments::dump>},
     {u"--address", TakeAddress},
     {u"--rate", TakeRate},
-    {u"--plant", TakePlant},
-    {u"--seed", TakeSeed},
+    {u"--plant", TakeNumber<qint16, &Arguments::plant>},
+    {u"--seed", TakeNumber<quint32, &Arguments::seed>},
     {u"--fault", TakeFault},
 };
 

@@ -19,8 +19,7 @@ struct Arguments {
   QString dump;
   int address = 1;
   LineOptions line;
-  qint16 plant = 0;
-  bool plantGiven = false;
+  std::optional<qint16> plant;
   quint32 seed = 0;
   std::vector<FaultRule> faults;
   bool trace = false;

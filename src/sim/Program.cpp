@@ -17,40 +17,48 @@ using namespace Qt::StringLiterals;
 namespace kalivor::sim {
 namespace {
 
-// Reads the definitions and the values. Returns "" or the fault in German.
-QString Prepare(const Arguments& arguments, platform::FileSystem& files, const Console& console,
-                Module1& module, Memory& memory) {
+// Something is wrong with what the user has given; the program cannot go on.
+struct BadInput {
+  QString message;  // German
+};
+
+// `fault`: in German, "" where there is none.
+void RequireNone(const QString& fault) {
+  if (!fault.isEmpty()) throw BadInput{fault};
+}
+
+// Reads the definitions and the values.
+void Prepare(const Arguments& arguments, platform::FileSystem& files, const Console& console, Module1& module,
+             Memory& memory) {
   module.Inipath = arguments.iniPath;
   module.Inifile = arguments.iniFile;
-  QString error = LoadDefinitions(module, files, arguments.controller);
-  if (!error.isEmpty()) return error;
-
+  RequireNone(LoadDefinitions(module, files, arguments.controller));
   memory.LoadStandards(module);
   if (!arguments.values.isEmpty()) {
     const platform::FileContent file = files.Read(arguments.values);
-    if (!file.Ok()) return u"Fehler beim Lesen von "_s + arguments.values + u": "_s + file.error;
+    if (!file.Ok()) throw BadInput{u"Fehler beim Lesen von "_s + arguments.values + u": "_s + file.error};
     if (memory.LoadValues(module, ParseValueFile(file.bytes)) == 0) {
-      return u"Die Wertedatei "_s + arguments.values + u" enthält keinen Parameter dieser Reglerversion."_s;
+      throw BadInput{u"Die Wertedatei "_s + arguments.values +
+                     u" enthält keinen Parameter dieser Reglerversion."_s};
     }
   }
-  if (!memory.SetPlantNumber(module, arguments.plant) && arguments.plantGiven) {
+  if (!memory.SetPlantNumber(module, arguments.plant.value_or(0)) && arguments.plant) {
     console.error(
         u"Hinweis: Diese Reglerversion hat keine Adresse für die Anlagennummer; --plant wirkt nicht."_s);
   }
-  return {};
 }
 
-QString WriteDump(const QString& path, const Memory& memory) {
+void WriteDump(const QString& path, const Memory& memory) {
   QSaveFile file(path);
   const QByteArray text = memory.Dump().toLatin1();
   // Unbuffered: with a buffer a full disk is not told of.
   if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(text) == text.size() &&
       file.commit())
-    return {};
+    return;
   // The toolkit's own reason would be English. It tells of a folder without asking the system.
   const int error = errno;
-  return u"Fehler beim Schreiben von "_s + path + u": "_s +
-         platform::DescribeWriting(QFileInfo(path).isDir() ? EISDIR : error);
+  throw BadInput{u"Fehler beim Schreiben von "_s + path + u": "_s +
+                 platform::DescribeWriting(QFileInfo(path).isDir() ? EISDIR : error)};
 }
 
 QString TraceLine(double seconds, const TraceEvent& event) {
@@ -75,54 +83,27 @@ QString TraceLine(double seconds, const TraceEvent& event) {
   return {};
 }
 
-int Serve(const Arguments& arguments, const Console& console, PtyLine& line, int stopDescriptor) {
-  QString error = line.Open();
-  if (error.isEmpty() && !arguments.link.isEmpty()) error = line.Link(arguments.link);
-  if (!error.isEmpty()) {
-    console.error(error);
-    return kBadInput;
-  }
+// Opens the line and answers on it until the user ends the program or the line vanishes.
+void Serve(const Arguments& arguments, const Console& console, PtyLine& line, int stopDescriptor) {
+  RequireNone(line.Open());
+  if (!arguments.link.isEmpty()) RequireNone(line.Link(arguments.link));
   console.out(line.DeviceName());
-  switch (line.Run(stopDescriptor)) {
-    case PtyLine::End::Stopped:
-      return kDone;
-    case PtyLine::End::Unplugged:
-      console.error(u"Die Leitung wurde getrennt."_s);
-      return kDone;
-    case PtyLine::End::Failed:
-      break;
-  }
-  console.error(u"Das Pseudo-Terminal ist ausgefallen."_s);
-  return kBadInput;
+  const PtyLine::End end = line.Run(stopDescriptor);
+  if (end == PtyLine::End::Failed) throw BadInput{u"Das Pseudo-Terminal ist ausgefallen."_s};
+  if (end == PtyLine::End::Unplugged) console.error(u"Die Leitung wurde getrennt."_s);
 }
 
-}  // namespace
-
-int Run(const QStringList& list, platform::FileSystem& files, const Console& console, int stopDescriptor) {
-  const Arguments arguments = ParseArguments(list);
-  if (!arguments.error.isEmpty()) {
-    console.error(arguments.error);
-    return kBadInput;
-  }
-  if (arguments.help || arguments.programVersion) {
-    console.out(arguments.help ? HelpText() : u"kalivor-sim " KALIVOR_VERSION ""_s);
-    return kDone;
-  }
-
+void Simulate(const Arguments& arguments, platform::FileSystem& files, const Console& console,
+              int stopDescriptor) {
   Module1 module;
   Memory memory;
-  const QString fault = Prepare(arguments, files, console, module, memory);
-  if (!fault.isEmpty()) {
-    console.error(fault);
-    return kBadInput;
-  }
+  Prepare(arguments, files, console, module, memory);
   const VersionRecord& version = module.VersionRow(module.VersionIndex);
   const std::optional<QByteArray> payload = VersionPayload(version.Version);
   if (!payload) {
-    console.error(
+    throw BadInput{
         u"Kein Regler kann sich mit der Version „"_s + version.Version +
-        u"“ melden: Sie muss aus drei oder vier Zeichen, „-“ und einer Nummer wie 012.0 bestehen."_s);
-    return kBadInput;
+        u"“ melden: Sie muss aus drei oder vier Zeichen, „-“ und einer Nummer wie 012.0 bestehen."_s};
   }
 
   Controller controller(memory, arguments.address, version.Kennung, *payload);
@@ -130,19 +111,33 @@ int Run(const QStringList& list, platform::FileSystem& files, const Console& con
   for (const FaultRule& rule : arguments.faults)
     faults.Add(rule);
   LineModel model(controller, faults, arguments.line);
-  const double start = PtyLine::Seconds();
   if (arguments.trace) {
-    model.OnTrace = [&console, start](const TraceEvent& event) {
+    model.OnTrace = [&console, start = PtyLine::Seconds()](const TraceEvent& event) {
       console.error(TraceLine(event.time - start, event));
     };
   }
   PtyLine line(model);
-  const int status = Serve(arguments, console, line, stopDescriptor);
+  Serve(arguments, console, line, stopDescriptor);
   line.Close();
-  if (status != kDone || arguments.dump.isEmpty()) return status;
-  const QString dumpFault = WriteDump(arguments.dump, memory);
-  if (!dumpFault.isEmpty()) console.error(dumpFault);
-  return dumpFault.isEmpty() ? kDone : kBadInput;
+  if (!arguments.dump.isEmpty()) WriteDump(arguments.dump, memory);
+}
+
+}  // namespace
+
+int Run(const QStringList& list, platform::FileSystem& files, const Console& console, int stopDescriptor) {
+  try {
+    const Arguments arguments = ParseArguments(list);
+    RequireNone(arguments.error);
+    if (arguments.help || arguments.programVersion) {
+      console.out(arguments.help ? HelpText() : u"kalivor-sim " KALIVOR_VERSION ""_s);
+    } else {
+      Simulate(arguments, files, console, stopDescriptor);
+    }
+    return kDone;
+  } catch (const BadInput& bad) {
+    console.error(bad.message);
+    return kBadInput;
+  }
 }
 
 }  // namespace kalivor::sim

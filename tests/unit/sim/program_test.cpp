@@ -260,7 +260,7 @@ TEST(SimArguments, HaveDefaults) {
   EXPECT_EQ(arguments.line.rate, 0);
   EXPECT_FALSE(arguments.line.paced);
   EXPECT_FALSE(arguments.line.echo);
-  EXPECT_EQ(arguments.plant, 0);
+  EXPECT_FALSE(arguments.plant);
   EXPECT_FALSE(arguments.trace);
 }
 

@@ -1,7 +1,9 @@
 // Checking a request and carrying out its command.
 #include "sim/Controller.h"
 
+#include <QRegularExpression>
 #include <algorithm>
+#include <cctype>
 
 #include "base/Windows1252.h"
 #include "sim/Telegram.h"
@@ -14,16 +16,8 @@ namespace {
 constexpr char kVersionLetter = 'v';
 constexpr int kShortestRequest = 8;
 
-bool IsDigit(QChar c) {
-  return c >= u'0' && c <= u'9';
-}
-
-bool IsPrintable(QChar c) {
-  return c >= u' ' && c <= u'~';
-}
-
 bool IsHex(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+  return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
 quint16 WordFromHex(const QByteArray& digits) {
@@ -33,19 +27,12 @@ quint16 WordFromHex(const QByteArray& digits) {
 }  // namespace
 
 std::optional<QByteArray> VersionPayload(const QString& version) {
-  constexpr int kNumberLength = 5;  // "012.0"
-  const QString type = version.chopped(std::min<qsizetype>(kNumberLength, version.size()));
-  QString number = version.mid(type.size());
-  if (number.size() != kNumberLength || number.at(3) != u'.') return {};
-  number.remove(3, 1);
-  if (!std::all_of(number.cbegin(), number.cend(), IsDigit)) return {};
-  if (!std::all_of(type.cbegin(), type.cend(), IsPrintable)) return {};
-
   // The PC puts a "-" behind four characters that do not end in one.
-  const bool shortType = type.size() == 4 && type.at(3) == u'-';
-  const bool longType = type.size() == 5 && type.at(4) == u'-' && type.at(3) != u'-';
-  if (!shortType && !longType) return {};
-  return type.left(4).toLatin1() + Hex(number.toUInt(), 4);
+  static const QRegularExpression form(uR"(^([ -~]{3}-|[ -~]{3}[ -,.-~]-)([0-9]{3})\.([0-9])\z)"_s);
+  const QRegularExpressionMatch match = form.match(version);
+  if (!match.hasMatch()) return {};
+  const unsigned number = (match.captured(2) + match.captured(3)).toUInt();
+  return match.captured(1).left(4).toLatin1() + Hex(number, 4);
 }
 
 Controller::Controller(Memory& memory, int address, const FixedText<2>& commands,

@@ -1,6 +1,8 @@
 // How parameter values lie in words and bytes.
 #include "sim/Memory.h"
 
+#include <QtEndian>
+
 #include "base/Windows1252.h"
 #include "base/su.h"
 #include "core/ParameterTypes.h"
@@ -79,26 +81,16 @@ QString Memory::Dump() const {
 void Memory::Set(const ParameterRecord& record, qint32 value, const QString& text) {
   if (record.VarAdresse.isEmpty()) return;
   const ParameterType& type = TypeOf(record.Typ);
+  QByteArray bytes(sizeof value, '\0');
+  qToBigEndian(value, bytes.data());
+  bytes = bytes.right(type.bytes);
   if (type.kind == ValueKind::Text) {
-    SetText(record, text);
-  } else {
-    SetNumber(record, value, type.bytes);
+    bytes = BytesFromText(text).leftJustified(StringLength(record) / 2 * 2, ' ', true);
   }
-}
-
-void Memory::SetNumber(const ParameterRecord& record, qint32 value, int size) {
   // Only a single byte may lie in the second half of a word.
-  const int address = size == 1 ? AddressOf(record) : AddressOf(record) & 0xFFFE;
-  for (int i = 0; i < size; ++i)
-    SetByte(static_cast<quint16>(address + i), static_cast<quint8>(value >> 8 * (size - 1 - i)));
-}
-
-void Memory::SetText(const ParameterRecord& record, const QString& text) {
-  const auto address = static_cast<quint16>(AddressOf(record) & 0xFFFEU);  // texts begin with a whole word
-  const int length = StringLength(record) / 2 * 2;
-  const QByteArray bytes = BytesFromText(text).leftJustified(length, ' ');
-  for (int i = 0; i < length; ++i)
-    SetByte(static_cast<quint16>(address + i), static_cast<quint8>(bytes.at(i)));
+  const quint16 first = AddressOf(record) & (type.SharesWord() ? 0xFFFF : 0xFFFE);
+  for (int i = 0; i < bytes.size(); ++i)
+    SetByte(static_cast<quint16>(first + i), static_cast<quint8>(bytes.at(i)));
 }
 
 }  // namespace kalivor::sim

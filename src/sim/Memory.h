@@ -32,8 +32,6 @@ class Memory {
   [[nodiscard]] QString Dump() const;
 
  private:
-  void SetNumber(const ParameterRecord& record, qint32 value, int size);
-  void SetText(const ParameterRecord& record, const QString& text);
   void Set(const ParameterRecord& record, qint32 value, const QString& text);
 
   std::vector<quint8> bytes_ = std::vector<quint8>(65536);

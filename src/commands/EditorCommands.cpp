@@ -33,28 +33,24 @@ QString HelpText(const ParameterRecord& record) {
 NumberEdit NumberEditOf(const Module1& module, int index, int node) {
   const ParameterRecord& record = module.Par[index];
   const double scale = std::pow(10.0, ScaleOf(record));
-  NumberEdit edit;
-  edit.LabelName = record.Name;
-  edit.TextWert = Displayed(record.Wert, scale);
-  edit.TextVon = Displayed(record.Min, scale);
-  edit.TextBis = Displayed(record.Max, scale);
-  edit.TextStd = Displayed(record.Standard, scale);
-  edit.LabelEinheit = record.Einheit.Padded();
-  edit.LabelHilfetext = HelpText(record);
-  edit.Nr = QString::number(index);
-  edit.Treedex = QString::number(node);
-  return edit;
+  return {.LabelName = record.Name,
+          .TextWert = Displayed(record.Wert, scale),
+          .TextVon = Displayed(record.Min, scale),
+          .TextBis = Displayed(record.Max, scale),
+          .TextStd = Displayed(record.Standard, scale),
+          .LabelEinheit = record.Einheit.Padded(),
+          .LabelHilfetext = HelpText(record),
+          .Nr = QString::number(index),
+          .Treedex = QString::number(node)};
 }
 
 TextEdit TextEditOf(const Module1& module, int index) {
   const ParameterRecord& record = module.Par[index];
-  TextEdit edit;
-  edit.LabelName = record.Name;
-  edit.TextWert = record.WertText;
-  edit.MaxLength = StringLength(record);
-  edit.LabelHilfetext = HelpText(record);
-  edit.Nr = QString::number(index);
-  return edit;
+  return {.LabelName = record.Name,
+          .TextWert = record.WertText,
+          .MaxLength = StringLength(record),
+          .LabelHilfetext = HelpText(record),
+          .Nr = QString::number(index)};
 }
 
 std::optional<qint32> EditedValue(const ParameterRecord& record, const QString& von, const QString& wert,

@@ -11,8 +11,11 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-void AddPlantNumberTooLarge(Core& core, qint16 number) {
+// A number equal to the count passes here and fails at the selection.
+bool PlantNumberFits(Core& core, qint16 number) {
+  if (number <= core.module.PlantTypeList.Count()) return true;
   core.report.Add(u"Empfangene Anlagennummer ("_s + BlankNumber(number) + u") zu gross"_s);
+  return false;
 }
 
 // Asks for the controller's version and keeps the answer.
@@ -35,11 +38,7 @@ bool FollowPlantType(Core& core, qint16 number) {
   // A single plant type needs no number.
   if (number <= -1) return plants.Count() < 2;
   if (plants.Position() == number) return true;
-  // A number equal to the count passes here and fails at the selection.
-  if (plants.Count() < number) {
-    AddPlantNumberTooLarge(core, number);
-    return false;
-  }
+  if (!PlantNumberFits(core, number)) return false;
   core.module.SetNumber(0, number, ValueSource::PlantType);
   plants.Select(number);
   Refresh(core, 3);
@@ -215,10 +214,7 @@ bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
   const qint16 number = QueryPlantNumber(core, outcome);
   if (number <= -1) return false;
   if (plants.Position() == number) return true;
-  if (plants.Count() < number) {
-    AddPlantNumberTooLarge(core, number);
-    return false;
-  }
+  if (!PlantNumberFits(core, number)) return false;
   const qint16 answer =
       AskChoice(core,
                 u"Die Anlageart auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"

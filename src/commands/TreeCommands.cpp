@@ -17,25 +17,20 @@ bool IsParameter(const QString& key) {
   return key.startsWith(u"sK");
 }
 
-qint16 GroupNumber(const QString& key) {
-  return LeadingInt16(QStringView(key).sliced(1));
-}
-
 qint16 NumberInKey(const QString& key) {
   return IsRoot(key) ? qint16{0} : LeadingInt16(QStringView(key).mid(2));
 }
 
-void SetMark(Core& core, int node, bool checked) {
-  core.main.Tree().SetChecked(node, checked);
-  core.module.ParNode[Nummer(core, node)] = checked ? kTrue : kFalse;
-}
-
-// The nodes from the first to the last child, those between them of deeper levels included.
-template <typename Do>
-void ForChildren(Core& core, int node, Do&& act) {
-  const int last = core.main.Tree().LastChild(node);
-  for (int child = core.main.Tree().FirstChild(node); child != 0 && child <= last; ++child)
-    act(child);
+// Marks the nodes from the first to the last child, those between them of deeper levels included, and what is
+// below the groups among them.
+void MarkBelow(Core& core, int node, bool checked) {
+  platform::TreeView& tree = core.main.Tree();
+  const int last = tree.LastChild(node);
+  for (int child = tree.FirstChild(node); child != 0 && child <= last; ++child) {
+    tree.SetChecked(child, checked);
+    core.module.ParNode[Nummer(core, child)] = checked ? kTrue : kFalse;
+    if (IsGroup(tree.Key(child))) MarkBelow(core, child, checked);
+  }
 }
 
 }  // namespace
@@ -46,36 +41,27 @@ qint16 Nummer(Core& core, int node) {
 
 void TreeView_Collapse(Core& core, int node) {
   const QString key = core.main.Tree().Key(node);
-  if (IsGroup(key)) core.module.NodeState[GroupNumber(key)] = kFalse;
+  if (IsGroup(key)) core.module.NodeState[NumberInKey(key)] = kFalse;
 }
 
 void TreeView_Expand(Core& core, int node) {
   if (core.module.TreeUpdating != kFalse) return;
   const QString key = core.main.Tree().Key(node);
-  if (IsGroup(key)) core.module.NodeState[GroupNumber(key)] = kTrue;
+  if (IsGroup(key)) core.module.NodeState[NumberInKey(key)] = kTrue;
 }
 
 void TreeView_NodeCheck(Core& core, int node) {
   const QString key = core.main.Tree().Key(node);
   const bool checked = core.main.Tree().Checked(node);
   core.module.ParNode[NumberInKey(key)] = checked ? kTrue : kFalse;
-  if (IsGroup(key)) {
-    ForChildren(core, node, [&](int child) { SetMark(core, child, checked); });
-  } else if (IsRoot(key)) {
-    ForChildren(core, node, [&](int child) {
-      SetMark(core, child, checked);
-      if (IsGroup(core.main.Tree().Key(child))) {
-        ForChildren(core, child, [&](int parameter) { SetMark(core, parameter, checked); });
-      }
-    });
-  }
+  if (!IsParameter(key)) MarkBelow(core, node, checked);
 }
 
 void TreeView_NodeClick(Core& core, int node) {
   Module1& module = core.module;
   const QString key = core.main.Tree().Key(node);
   if (!IsParameter(key)) {
-    if (IsGroup(key)) module.NodeState[GroupNumber(key)] = core.main.Tree().Expanded(node) ? kTrue : kFalse;
+    if (IsGroup(key)) module.NodeState[NumberInKey(key)] = core.main.Tree().Expanded(node) ? kTrue : kFalse;
     return;
   }
   const qint16 index = NumberInKey(key);

@@ -6,6 +6,7 @@
 #include "base/Module1.h"
 #include "cli/Arguments.h"
 #include "commands/EditorCommands.h"
+#include "commands/SettingsTable.h"
 #include "kalivor/Arguments.h"
 #include "sim/Arguments.h"
 
@@ -49,11 +50,12 @@ bool SameMarks(const std::vector<cli::MarkChange>& a, const std::vector<cli::Mar
 
 bool Same(const cli::Arguments& a, const cli::Arguments& b) {
   return a.command == b.command && a.file == b.file && a.help == b.help &&
-         a.programVersion == b.programVersion && a.json == b.json && a.run == b.run &&
-         a.controller == b.controller && a.plant == b.plant && a.port == b.port && a.load == b.load &&
-         a.save == b.save && a.landscape == b.landscape && a.statusPath == b.statusPath && a.date == b.date &&
-         a.pdf == b.pdf && a.copies == b.copies && a.page == b.page && a.set == b.set &&
-         SameMarks(a.marks, b.marks) && a.answers == b.answers && a.error == b.error;
+         a.programVersion == b.programVersion && a.json == b.json && a.iniPath == b.iniPath &&
+         a.iniFile == b.iniFile && a.address == b.address && a.controller == b.controller &&
+         a.plant == b.plant && a.port == b.port && a.load == b.load && a.save == b.save &&
+         a.landscape == b.landscape && a.statusPath == b.statusPath && a.date == b.date && a.pdf == b.pdf &&
+         a.copies == b.copies && a.page == b.page && a.set == b.set && SameMarks(a.marks, b.marks) &&
+         a.answers == b.answers && a.error == b.error;
 }
 
 void CheckCli(const cli::Arguments& arguments) {
@@ -63,7 +65,7 @@ void CheckCli(const cli::Arguments& arguments) {
       u"compare"_s,  u"show"_s,   u"standard"_s, u"pages"_s, u"print"_s,    u"check-definitions"_s};
   Require(arguments.help || arguments.programVersion || commands.contains(arguments.command),
           "a known command");
-  Require(!arguments.run.address || kAdresse.Offers(*arguments.run.address), "an address from 0 to 255");
+  Require(!arguments.address || kAdresse.Offers(*arguments.address), "an address from 0 to 255");
   Require(!arguments.copies || *arguments.copies >= 0, "a number of copies");
   Require(!arguments.page || *arguments.page >= 1, "a page from 1 on");
   Require(!arguments.date || arguments.date->isValid(), "a valid date");

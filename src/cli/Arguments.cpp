@@ -3,6 +3,7 @@
 #include "base/CommandLine.h"
 #include "base/Numbers.h"
 #include "cli/Commands.h"
+#include "commands/SettingsTable.h"
 #include "platform/RuntimeError.h"
 
 using namespace Qt::StringLiterals;
@@ -19,19 +20,12 @@ QString TakeText(Arguments& arguments, const QString& value) {
   return {};
 }
 
-template <std::optional<QString> RunSettings::*Member>
-QString TakeSetting(Arguments& arguments, const QString& value) {
-  if (arguments.run.*Member) return Repeated();
-  arguments.run.*Member = value;
-  return {};
-}
-
 QString TakeAddress(Arguments& arguments, const QString& value) {
-  if (arguments.run.address) return Repeated();
+  if (arguments.address) return Repeated();
   try {
     const qint16 address = StrictInt16(value);
     if (!kAdresse.Offers(address)) return NoAddress(value);
-    arguments.run.address = address;
+    arguments.address = address;
   } catch (const RuntimeError&) {
     return NoAddress(value);
   }
@@ -76,8 +70,8 @@ QString TakeDate(Arguments& arguments, const QString& value) {
 }
 
 constexpr ValueOption<Arguments> kValueOptions[] = {
-    {u"--ini-path", TakeSetting<&RunSettings::iniPath>},
-    {u"--ini-file", TakeSetting<&RunSettings::iniFile>},
+    {u"--ini-path", TakeText<&Arguments::iniPath>},
+    {u"--ini-file", TakeText<&Arguments::iniFile>},
     {u"--controller", TakeText<&Arguments::controller>},
     {u"--plant", TakeText<&Arguments::plant>},
     {u"--port", TakeText<&Arguments::port>},
@@ -103,18 +97,24 @@ constexpr Switch<Arguments> kSwitches[] = {
 };
 
 // Options that only some commands understand; returns a German complaint or "".
-QString MisplacedOption(const Arguments& arguments) {
+QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool pages = arguments.command == u"pages";
   const bool print = arguments.command == u"print";
-  const auto complain = [&](QStringView option) {
-    return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
-  };
-  if (arguments.landscape && !pages && !print) return complain(u"--landscape");
-  if (arguments.statusPath && !pages) return complain(u"--status-path");
-  if (arguments.date && !pages) return complain(u"--date");
-  if (arguments.pdf && !print) return complain(u"--pdf");
-  if (arguments.copies && !print) return complain(u"--copies");
-  if (arguments.page && !print) return complain(u"--page");
+  const struct {
+    QStringView option;
+    bool given;
+    bool understood;
+  } options[] = {{u"--json", arguments.json, json},
+                 {u"--landscape", arguments.landscape, pages || print},
+                 {u"--status-path", arguments.statusPath.has_value(), pages},
+                 {u"--date", arguments.date.has_value(), pages},
+                 {u"--pdf", arguments.pdf.has_value(), print},
+                 {u"--copies", arguments.copies.has_value(), print},
+                 {u"--page", arguments.page.has_value(), print}};
+  for (const auto& [option, given, understood] : options) {
+    if (given && !understood)
+      return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
+  }
   if (print && !arguments.pdf) return u"Es fehlt die Option --pdf zum Befehl print."_s;
   return {};
 }
@@ -133,11 +133,10 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
     arguments.error = u"Es fehlt die Datei zum Befehl "_s + arguments.command + u'.';
   } else if (words.size() > expected) {
     arguments.error = u"Überzähliges Argument: "_s + words.at(expected);
-  } else if (arguments.json && !command->json) {
-    arguments.error = u"Option --json gilt nicht für den Befehl "_s + arguments.command + u'.';
+  } else {
+    arguments.file = words.value(1);
+    arguments.error = MisplacedOption(arguments, command->json);
   }
-  if (expected == 2) arguments.file = words.value(1);
-  if (arguments.error.isEmpty()) arguments.error = MisplacedOption(arguments);
 }
 
 }  // namespace

@@ -6,8 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include "commands/SettingsTable.h"
-
 namespace kalivor::cli {
 
 /// `--check` or `--uncheck`, in the order given.
@@ -22,10 +20,12 @@ struct Arguments {
   bool help = false;
   bool programVersion = false;
   bool json = false;
-  RunSettings run;  ///< without the port, which may be a device
+  std::optional<QString> iniPath;
+  std::optional<QString> iniFile;
   std::optional<QString> controller;
   std::optional<QString> plant;
-  std::optional<QString> port;
+  std::optional<QString> port;    ///< a number 1..8 or a device
+  std::optional<qint16> address;  ///< 0..255
   std::optional<QString> load;
   std::optional<QString> save;
   bool landscape = false;  ///< of `pages` and `print`, like all that follow here

@@ -10,6 +10,7 @@
 #include "cli/Output.h"
 #include "cli/TextForms.h"
 #include "commands/EventBoundary.h"
+#include "commands/SettingsTable.h"
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
@@ -120,7 +121,7 @@ class Session {
  private:
   // The options that stand for stored settings.
   void TakeSettings() {
-    RunSettings run = arguments_.run;
+    RunSettings run{arguments_.iniPath, arguments_.iniFile, {}, arguments_.address};
     QString device;
     if (arguments_.port) {
       const QString fault = TakePort(*arguments_.port, run, device);

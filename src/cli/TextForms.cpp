@@ -3,9 +3,10 @@
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
+namespace {
 
-QString OnOneLine(const QString& text) {
-  QString line = text;
+// `line` as one: its line breaks become " | ", those at the end are dropped, other control characters "?".
+QString OnOneLine(QString line) {
   line.replace(u"\n\r"_s, u"\n"_s).replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
   while (line.endsWith(u'\n'))
     line.chop(1);
@@ -16,6 +17,8 @@ QString OnOneLine(const QString& text) {
   }
   return line;
 }
+
+}  // namespace
 
 void TextReportView::AppendLine(const QString& text) {
   if (out_ == nullptr) return;

@@ -14,10 +14,6 @@
 
 namespace kalivor::cli {
 
-/// `text` on one line: its line breaks become " | ", those at the end are dropped, other control characters
-/// "?".
-[[nodiscard]] QString OnOneLine(const QString& text);
-
 class TextMainForm final : public MainForm {
  public:
   [[nodiscard]] platform::TreeView& Tree() override { return tree_; }

@@ -16,8 +16,6 @@ struct RunSettings {
   std::optional<QString> iniFile;
   std::optional<qint16> port;
   std::optional<qint16> address;
-
-  bool operator==(const RunSettings&) const = default;
 };
 
 /// A stored setting. Its default is that of the member in Settings, unless it is the program's folder; its

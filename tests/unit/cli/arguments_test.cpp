@@ -71,12 +71,12 @@ TEST(CommandLine, OptionsStandBeforeAndAfterTheCommandWithBlankOrEqualsSign) {
                       u"AB1-123.4"_s, u"--plant=#2"_s, u"--port"_s, u"3"_s, u"--address=17"_s});
   EXPECT_EQ(arguments.error, QString());
   EXPECT_EQ(arguments.command, u"send"_s);
-  EXPECT_EQ(arguments.run.iniPath, u"/opt/d"_s);
-  EXPECT_EQ(arguments.run.iniFile, u"V.INI"_s);
+  EXPECT_EQ(arguments.iniPath, u"/opt/d"_s);
+  EXPECT_EQ(arguments.iniFile, u"V.INI"_s);
   EXPECT_EQ(arguments.controller, u"AB1-123.4"_s);
   EXPECT_EQ(arguments.plant, u"#2"_s);
   EXPECT_EQ(arguments.port, u"3"_s);
-  EXPECT_EQ(arguments.run.address, qint16{17});
+  EXPECT_EQ(arguments.address, qint16{17});
 }
 
 TEST(CommandLine, RepeatedOptionsKeepTheirOrder) {

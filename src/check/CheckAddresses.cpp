@@ -129,11 +129,9 @@ class ListCheck {
              address.size());
     } else if (name.size() > kLongestUnwrappedName) {
       CheckWrapped(i, name);
-    } else if (!isTakenByPrevious_) {
+    } else if (&items_[i] != wrappedAddress_) {
       Report(name, line, u"Name %1 ohne Adresse.", name);
     }
-    isTakenByPrevious_ = takesNext_;
-    takesNext_ = false;
   }
 
   // The address of a wrapped entry is the first column of the next line.
@@ -149,7 +147,7 @@ class ListCheck {
       Report(name, line, u"Umgebrochener Name %1 ohne Adresse in der nächsten Zeile.", name);
       return;
     }
-    takesNext_ = true;
+    wrappedAddress_ = &next;
     if (!GetField(next.text, 1).isEmpty()) {
       Report(name, line,
              u"Als Adresse des umgebrochenen Namens %1 wird der Name %2 der nächsten Zeile gelesen.", name,
@@ -185,8 +183,7 @@ class ListCheck {
   const FileFindings& findings_;
   const QSet<QString>& needed_;
   QHash<QString, Entry> entries_;
-  bool takesNext_ = false;
-  bool isTakenByPrevious_ = false;
+  const TextItem* wrappedAddress_ = nullptr;  // the last item that holds the address of the one before it
 };
 
 }  // namespace

@@ -52,10 +52,8 @@ const QRegularExpression& NumberForm() {
 // One line under check.
 class LineCheck {
  public:
-  LineCheck(const TextItem& item, bool hasAddressList, const FileFindings& findings)
-      : hasAddressList_(hasAddressList), line_(item.line), findings_(findings) {
-    for (int column = 0; column < kColumns - 1; ++column)
-      columns_.append(GetField(item.text, column));
+  LineCheck(const QStringList& columns, int line, bool hasAddressList, const FileFindings& findings)
+      : columns_(columns), line_(line), hasAddressList_(hasAddressList), findings_(findings) {
     result_.line = line_;
     result_.name = columns_[kName];
     result_.variable = columns_[kVariable];
@@ -235,10 +233,10 @@ class LineCheck {
     }
   }
 
-  const bool hasAddressList_;
+  const QStringList& columns_;
   const int line_;
+  const bool hasAddressList_;
   const FileFindings& findings_;
-  QStringList columns_;
   ParameterType type_;  // Unknown where the column names none
   int textLength_ = 0;
   CheckedParameter result_;
@@ -252,23 +250,23 @@ class FileCheck {
 
   // False when the program would read no further.
   bool Check(const TextItem& item) {
-    const bool isPlantType = GetField(item.text, kRubrik) == u"NoRubrik";
+    const QStringList columns = ColumnsOf(item.text, kColumns);
+    const bool isPlantType = columns.value(kRubrik) == u"NoRubrik";
     if (!isPlantType && ++count_ > kLastParameter) {
       findings_.Error(item.line, u"Mehr als %1 Parameter.", kLastParameter);
       return false;
     }
     if (isPlantType) CheckPlantType(item.line);
-    const int columns = ColumnCount(item.text, kColumns);
-    if (columns < kColumns) {
+    if (columns.size() < kColumns) {
       result_.complete = false;
       findings_.Error(item.line,
                       u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen, leere füllt „-“.",
-                      columns, kColumns);
+                      columns.size(), kColumns);
       return true;
     }
-    result_.parameters.push_back(LineCheck(item, hasAddressList_, findings_).Run());
+    result_.parameters.push_back(LineCheck(columns, item.line, hasAddressList_, findings_).Run());
     if (!isPlantType) CheckDuplicate(result_.parameters.back());
-    const QString plants = GetField(item.text, kZusatz);
+    const QString& plants = columns.at(kZusatz);
     if (plants_.insert(plants).second) result_.plants.push_back({plants, item.line});
     return true;
   }

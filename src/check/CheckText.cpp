@@ -78,11 +78,11 @@ CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path, co
   return text;
 }
 
-int ColumnCount(QStringView line, int most) {
-  int count = 0;
-  while (count < most && !GetRest(line, count).isEmpty())
-    ++count;
-  return count;
+QStringList ColumnsOf(QStringView line, int most) {
+  QStringList columns;
+  while (columns.size() < most && !GetRest(line, static_cast<int>(columns.size())).isEmpty())
+    columns.append(GetField(line, static_cast<int>(columns.size())));
+  return columns;
 }
 
 }  // namespace kalivor

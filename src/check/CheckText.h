@@ -1,7 +1,7 @@
 // Reading a definition text for its check: the items, and what disturbs them.
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include "check/CheckFindings.h"
 #include "core/TextFile.h"
@@ -21,7 +21,7 @@ struct CheckedText {
 [[nodiscard]] CheckedText ReadCheckedText(platform::FileSystem& files, const QString& path,
                                           const FileFindings& findings);
 
-/// How many columns `line` has, counted up to `most`. Blanks at its end do not begin a column.
-[[nodiscard]] int ColumnCount(QStringView line, int most);
+/// The columns of `line`, `most` of them at most. Blanks at its end do not begin a column.
+[[nodiscard]] QStringList ColumnsOf(QStringView line, int most);
 
 }  // namespace kalivor

@@ -65,16 +65,16 @@ class TableCheck {
 
  private:
   void CheckRow(const TextItem& item) {
-    const int columns = ColumnCount(item.text, kVersionColumns + 1);
-    if (columns < kVersionColumns) {
-      table_.Error(item.line, u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen.", columns,
-                   kVersionColumns);
+    const QStringList columns = ColumnsOf(item.text, kVersionColumns + 1);
+    if (columns.size() < kVersionColumns) {
+      table_.Error(item.line, u"Nur %1 Spalten statt %2; Spalten trennt man mit zwei Leerzeichen.",
+                   columns.size(), kVersionColumns);
       return;
     }
-    if (columns > kVersionColumns) table_.Warning(item.line, u"Hinter der Kennung steht noch etwas.");
+    if (columns.size() > kVersionColumns) table_.Warning(item.line, u"Hinter der Kennung steht noch etwas.");
     Row row{item.line, ParseVersion(item.text), {}};
     CheckVersion(row);
-    CheckKennung(GetField(item.text, kVersionColumns - 1).trimmed(), item.line);
+    CheckKennung(columns.at(kVersionColumns - 1).trimmed(), item.line);
     CheckPlants(row);
     rows_.push_back(row);
   }

@@ -72,26 +72,24 @@ constexpr Switch<Arguments> kSwitches[] = {
     {u"--program-version", [](Arguments& arguments) { arguments.programVersion = true; }},
 };
 
-// Takes the option at `at` and leaves `at` on its last word. Returns "" or the fault in German.
-QString TakeWord(Arguments& arguments, const QStringList& list, qsizetype& at, QSet<QString>& seen) {
-  const QString& word = list.at(at);
-  if (!word.startsWith(u"--")) return u"Überzähliges Argument: "_s + word;
-  const QString name = OptionWord(word).name;
-  if (name != u"--fault" && seen.contains(name)) return OptionFault(name, Repeated());
-  seen.insert(name);
-  return TakeOption(kSwitches, kValueOptions, list, at, arguments);
-}
-
 }  // namespace
 
 Arguments ParseArguments(const QStringList& list) {
   Arguments arguments;
   QSet<QString> seen;
-  for (qsizetype at = 0; at < list.size(); ++at) {
-    arguments.error = TakeWord(arguments, list, at, seen);
-    if (!arguments.error.isEmpty()) return arguments;
+  for (qsizetype at = 0; at < list.size() && arguments.error.isEmpty(); ++at) {
+    const QString name = OptionWord(list.at(at)).name;
+    if (!name.startsWith(u"--")) {
+      arguments.error = u"Überzähliges Argument: "_s + list.at(at);
+    } else if (name != u"--fault" && seen.contains(name)) {
+      arguments.error = OptionFault(name, Repeated());
+    } else {
+      arguments.error = TakeOption(kSwitches, kValueOptions, list, at, arguments);
+    }
+    seen.insert(name);
   }
-  if (arguments.iniPath.isEmpty() && !arguments.help && !arguments.programVersion) {
+  const bool needsPath = !arguments.help && !arguments.programVersion;
+  if (arguments.error.isEmpty() && needsPath && arguments.iniPath.isEmpty()) {
     arguments.error = u"Es fehlt die Option --ini-path."_s;
   }
   return arguments;

@@ -20,10 +20,6 @@ bool IsHex(char c) {
   return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-quint16 WordFromHex(const QByteArray& digits) {
-  return digits.toUShort(nullptr, 16);
-}
-
 }  // namespace
 
 std::optional<QByteArray> VersionPayload(const QString& version) {
@@ -72,9 +68,9 @@ QByteArray Controller::Answer(const QByteArray& body) {
   if (!std::all_of(operands.cbegin(), operands.cend(), IsHex)) return "?06";
   if (operands.size() == 2) return "?07";
 
-  const quint16 address = WordFromHex(operands.left(4));
+  const quint16 address = operands.left(4).toUShort(nullptr, 16);
   if (operands.size() == 4) return letter + Hex(memory_.Word(address), 4);
-  memory_.SetWord(address, WordFromHex(operands.mid(4)));
+  memory_.SetWord(address, operands.mid(4).toUShort(nullptr, 16));
   return QByteArray(1, letter);
 }
 

@@ -34,15 +34,15 @@ void LineModel::ReceiveCharacter(double time, char byte, bool understood, double
 
 // The controller has one transmitter: a reply waits until the one before is out.
 void LineModel::Answer(double time, double character_s) {
-  Trace({time, TraceEvent::Kind::Request, request_, {}});
+  OnTrace({time, TraceEvent::Kind::Request, request_, {}});
   const std::optional<QByteArray> reply = controller_.Reply(request_);
   if (!reply) {
-    Trace({time, TraceEvent::Kind::NoReply, {}, {}});
+    OnTrace({time, TraceEvent::Kind::NoReply, {}, {}});
     return;
   }
   Response response = faults_.Apply(request_, *reply, options_.echo);
-  if (OnResponse) OnResponse(request_, response);
-  if (response.fault) Trace({time, TraceEvent::Kind::Fault, {}, FaultName(*response.fault)});
+  OnResponse(request_, response);
+  if (response.fault) OnTrace({time, TraceEvent::Kind::Fault, {}, FaultName(*response.fault)});
 
   double arrival = time;
   for (const Chunk& chunk : response.chunks) {
@@ -52,11 +52,11 @@ void LineModel::Answer(double time, double character_s) {
       Schedule(arrival, byte);
     }
     replyFree_ = arrival;
-    Trace({arrival, TraceEvent::Kind::Reply, chunk.bytes, {}});
+    OnTrace({arrival, TraceEvent::Kind::Reply, chunk.bytes, {}});
   }
   if (response.unplug) {
     unplugTime_ = arrival;
-    Trace({arrival, TraceEvent::Kind::Unplug, {}, {}});
+    OnTrace({arrival, TraceEvent::Kind::Unplug, {}, {}});
   }
 }
 
@@ -87,10 +87,6 @@ void LineModel::PlugIn() {
   unplugTime_.reset();
   outgoing_.clear();
   request_.clear();
-}
-
-void LineModel::Trace(const TraceEvent& event) const {
-  if (OnTrace) OnTrace(event);
 }
 
 }  // namespace kalivor::sim

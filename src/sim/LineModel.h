@@ -59,10 +59,10 @@ class LineModel {
   void PlugIn();
 
   /// Called for everything that a trace shows, at the moment it becomes known.
-  std::function<void(const TraceEvent&)> OnTrace;
+  std::function<void(const TraceEvent&)> OnTrace = [](const TraceEvent&) {};
 
   /// Called with every response before it goes out; may change it.
-  std::function<void(const QByteArray& request, Response&)> OnResponse;
+  std::function<void(const QByteArray& request, Response&)> OnResponse = [](const QByteArray&, Response&) {};
 
  private:
   struct TimedByte {
@@ -73,7 +73,6 @@ class LineModel {
   void ReceiveCharacter(double time, char byte, bool understood, double character_s);
   void Answer(double time, double character_s);
   void Schedule(double time, char byte);
-  void Trace(const TraceEvent& event) const;
 
   Controller& controller_;
   Faults& faults_;

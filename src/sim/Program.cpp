@@ -5,11 +5,12 @@
 #include <QSaveFile>
 #include <cerrno>
 
+#include "base/Paths.h"
+#include "core/DefinitionFiles.h"
 #include "core/ValueFileFormat.h"
 #include "platform/posix/FileErrors.h"
 #include "sim/Arguments.h"
 #include "sim/Controller.h"
-#include "sim/Definitions.h"
 #include "sim/PtyLine.h"
 
 using namespace Qt::StringLiterals;
@@ -25,6 +26,10 @@ struct BadInput {
 // `fault`: in German, "" where there is none.
 void RequireNone(const QString& fault) {
   if (!fault.isEmpty()) throw BadInput{fault};
+}
+
+QString OnOneLine(const QString& box) {
+  return box.trimmed().replace(u"\r\n"_s, u" | "_s);
 }
 
 // Reads the definitions and the values.
@@ -98,7 +103,7 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
   Module1 module;
   Memory memory;
   Prepare(arguments, files, console, module, memory);
-  const VersionRecord& version = module.VersionRow(module.VersionIndex);
+  const VersionRecord& version = module.SelectedVersion();
   const std::optional<QByteArray> payload = VersionPayload(version.Version);
   if (!payload) {
     throw BadInput{
@@ -123,6 +128,34 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
 }
 
 }  // namespace
+
+QString LoadDefinitions(Module1& module, platform::FileSystem& files, const QString& controller) {
+  module.Inipath = WithSeparator(module.Inipath);
+  try {
+    ReadVersionTable(module, files, VersionTablePath(module));
+  } catch (const RuntimeError& error) {
+    return OnOneLine(VersionTableFailure(VersionTablePath(module), error));
+  }
+  const int position = controller.isEmpty() ? 0 : module.VersionList.Find(controller);
+  if (position < 0 || position >= module.VersionList.Count()) {
+    return u"Unbekannte Reglerversion: "_s + controller;
+  }
+  module.VersionList.Select(position);
+  const VersionRecord& version = module.SelectedVersion();
+  try {
+    ReadDefinitions(module, files, DefinitionPath(module, version.DefDatei), HasAddressList(version));
+  } catch (const RuntimeError& error) {
+    return u"Fehler beim Lesen der Definitionen: "_s + error.Description();
+  }
+  if (!HasAddressList(version)) return {};
+  const QString path = DefinitionPath(module, version.AdrDatei);
+  try {
+    ReadAddressList(module, files, path);
+  } catch (const RuntimeError& error) {
+    return OnOneLine(ReadFailure(path, error));
+  }
+  return {};
+}
 
 int Run(const QStringList& list, platform::FileSystem& files, const Console& console, int stopDescriptor) {
   try {

@@ -33,12 +33,6 @@ bool MakeRaw(int terminal) {
   return tcsetattr(terminal, TCSANOW, &settings) == 0;
 }
 
-QString LinkTarget(const QByteArray& path) {
-  std::array<char, 256> target{};
-  const ssize_t length = readlink(path.constData(), target.data(), target.size());
-  return length < 0 ? QString() : QFile::decodeName(QByteArray(target.data(), length));
-}
-
 }  // namespace
 
 int StopSignalDescriptor() {
@@ -167,11 +161,8 @@ void PtyLine::ReleaseStaleExclusiveUse() {
 }
 
 void PtyLine::Close() {
-  if (!link_.isEmpty()) {
-    const QByteArray name = QFile::encodeName(link_);
-    if (LinkTarget(name) == deviceName_) unlink(name.constData());
-    link_.clear();
-  }
+  if (!link_.isEmpty() && QFile::symLinkTarget(link_) == deviceName_) QFile::remove(link_);
+  link_.clear();
   for (int* descriptor : {&slave_, &master_}) {
     if (*descriptor >= 0) close(*descriptor);
     *descriptor = -1;

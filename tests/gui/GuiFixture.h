@@ -21,7 +21,7 @@
 #include "fakes/SimulatedLine.h"
 #include "platform/qt/QtEvents.h"
 #include "sim/Controller.h"
-#include "sim/Definitions.h"
+#include "sim/Program.h"
 #include "ui/main/Desktop.h"
 
 namespace kalivor::test {
@@ -83,7 +83,7 @@ struct SimulatedController {
     EXPECT_EQ(sim::LoadDefinitions(definitions, files, version), QString());
     memory.LoadStandards(definitions);
     controller = std::make_unique<sim::Controller>(
-        memory, 1, definitions.VersionRow(definitions.VersionIndex).Kennung, *sim::VersionPayload(version));
+        memory, 1, definitions.SelectedVersion().Kennung, *sim::VersionPayload(version));
     model = std::make_unique<sim::LineModel>(*controller, faults);
   }
 

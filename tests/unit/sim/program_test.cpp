@@ -10,7 +10,6 @@
 #include "fakes/FakeFileSystem.h"
 #include "fakes/QtPrinters.h"
 #include "sim/Arguments.h"
-#include "sim/Definitions.h"
 #include "sim/Telegram.h"
 #include "unit/sim/running.h"
 

@@ -1,5 +1,7 @@
 #include "commands/SettingsTable.h"
 
+#include <QVariant>
+
 #include "base/Numbers.h"
 #include "commands/EventBoundary.h"
 
@@ -17,14 +19,6 @@ void ForEachSetting(Visit&& visit) {
     visit(text);
 }
 
-QString ToText(qint16 number) {
-  return QString::number(number);
-}
-
-QString ToText(const QString& text) {
-  return text;
-}
-
 // Each takes over a stored text; RuntimeError when it cannot be converted.
 
 void FromText(qint16& number, const QString& text) {
@@ -35,29 +29,24 @@ void FromText(QString& member, const QString& text) {
   member = text;
 }
 
-Settings Defaults(const QString& programFolder) {
-  Settings defaults;
-  for (const TextSetting& text : kTextSettings) {
-    if (text.programFolder) defaults.*text.member = programFolder;
-  }
-  return defaults;
-}
-
 }  // namespace
 
 void LoadSettings(Settings& settings, const platform::SettingsStore& store, platform::MessageBox& box,
                   const QString& programFolder) {
-  settings = Defaults(programFolder);
+  settings = {};
+  for (const TextSetting& text : kTextSettings) {
+    if (text.programFolder) settings.*text.member = programFolder;
+  }
   ForEachSetting([&](const auto& setting) {
     auto& member = settings.*setting.member;
-    RunHandler(box,
-               [&] { FromText(member, store.Get(u"Settings"_s, setting.key.toString(), ToText(member))); });
+    const QString standard = QVariant(member).toString();
+    RunHandler(box, [&] { FromText(member, store.Get(u"Settings"_s, setting.key.toString(), standard)); });
   });
 }
 
 void SaveSettings(const Settings& settings, platform::SettingsStore& store) {
   ForEachSetting([&](const auto& setting) {
-    store.Save(u"Settings"_s, setting.key.toString(), ToText(settings.*setting.member));
+    store.Save(u"Settings"_s, setting.key.toString(), QVariant(settings.*setting.member).toString());
   });
 }
 

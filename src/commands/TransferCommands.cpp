@@ -138,6 +138,56 @@ void WritePlantType(Core& core, TransferOutcome& outcome) {
   ReportResult(core, outcome.walk.results.back());
 }
 
+// True when the controller's version is the selected one. Otherwise the user may take over the controller's
+// version and values; the send does not go on in either case.
+bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
+  SelectionList& versions = core.module.VersionList;
+  // A failure is looked up like a version, and found as little.
+  const QString version = IdentifyController(core).text;
+  if (version == versions.SelectedText()) return true;
+  const int position = versions.Find(version);
+  if (position < 0) {
+    core.report.Add(u"Unbekannte ReglerVersion: "_s + version);
+    return false;
+  }
+  const qint16 answer =
+      AskChoice(core,
+                u"Die Version auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r"
+                "Der Befehl Senden kann nicht ausgeführt werden.\n\r\n\rBitte wählen Sie:"_s,
+                u"PC     (Senden Abbrechen)  : "_s + versions.SelectedText(),
+                u"Regler (Werte neu Einlesen): "_s + version);
+  if (answer == 2) {
+    core.module.VersionIndex = static_cast<qint16>(position + 1);
+    versions.Select(position);
+    Refresh(core, 4);
+    ReceiveIntoTree(core, outcome.walk);
+  }
+  return false;
+}
+
+// True when the plant types agree or the user decided for the PC's, which is then written.
+bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
+  SelectionList& plants = core.module.PlantTypeList;
+  const qint16 number = QueryPlantNumber(core, outcome);
+  if (number <= -1) return false;
+  if (plants.Position() == number) return true;
+  if (!PlantNumberFits(core, number)) return false;
+  const qint16 answer =
+      AskChoice(core,
+                u"Die Anlageart auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
+                "Bitte wählen Sie:"_s,
+                u"PC: "_s + plants.SelectedText(), u"Regler: "_s + plants.Text(number));
+  if (answer == kNoAnswer) return false;
+  if (answer == 1) {
+    WritePlantType(core, outcome);
+    return true;
+  }
+  plants.Select(number);
+  Refresh(core, 3);
+  ReceiveIntoTree(core, outcome.walk);
+  return false;
+}
+
 }  // namespace
 
 void RunReceive(Core& core, TransferOutcome& outcome) {
@@ -182,53 +232,6 @@ void CommandStandard_Click(Core& core) {
   if (core.module.BusyDepth > 0) return;
   SetStandard(core.module);
   Refresh(core, 2);
-}
-
-bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
-  SelectionList& versions = core.module.VersionList;
-  // A failure is looked up like a version, and found as little.
-  const QString version = IdentifyController(core).text;
-  if (version == versions.SelectedText()) return true;
-  const int position = core.module.VersionList.Find(version);
-  if (position < 0) {
-    core.report.Add(u"Unbekannte ReglerVersion: "_s + version);
-    return false;
-  }
-  const qint16 answer =
-      AskChoice(core,
-                u"Die Version auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r"
-                "Der Befehl Senden kann nicht ausgeführt werden.\n\r\n\rBitte wählen Sie:"_s,
-                u"PC     (Senden Abbrechen)  : "_s + versions.SelectedText(),
-                u"Regler (Werte neu Einlesen): "_s + version);
-  if (answer == 2) {
-    core.module.VersionIndex = static_cast<qint16>(position + 1);
-    versions.Select(position);
-    Refresh(core, 4);
-    ReceiveIntoTree(core, outcome.walk);
-  }
-  return false;
-}
-
-bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
-  SelectionList& plants = core.module.PlantTypeList;
-  const qint16 number = QueryPlantNumber(core, outcome);
-  if (number <= -1) return false;
-  if (plants.Position() == number) return true;
-  if (!PlantNumberFits(core, number)) return false;
-  const qint16 answer =
-      AskChoice(core,
-                u"Die Anlageart auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\r\n\r"
-                "Bitte wählen Sie:"_s,
-                u"PC: "_s + plants.SelectedText(), u"Regler: "_s + plants.Text(number));
-  if (answer == kNoAnswer) return false;
-  if (answer == 1) {
-    WritePlantType(core, outcome);
-    return true;
-  }
-  plants.Select(number);
-  Refresh(core, 3);
-  ReceiveIntoTree(core, outcome.walk);
-  return false;
 }
 
 }  // namespace kalivor

@@ -27,11 +27,4 @@ void RunSend(Core& core, TransferOutcome& outcome);
 /// Sets all parameters of the table to their standard values, checked or not. No controller traffic.
 void CommandStandard_Click(Core& core);
 
-/// True when the controller's version is the selected one. Otherwise the user may take over the controller's
-/// version and values; the send does not go on in either case.
-[[nodiscard]] bool VersionVergleichen(Core& core, TransferOutcome& outcome);
-
-/// True when the plant types agree or the user decided for the PC's, which is then written.
-[[nodiscard]] bool AnlagenVergleichen(Core& core, TransferOutcome& outcome);
-
 }  // namespace kalivor

@@ -2,7 +2,6 @@
 
 #include "base/CommandLine.h"
 #include "base/Numbers.h"
-#include "cli/Commands.h"
 #include "commands/SettingsTable.h"
 #include "platform/RuntimeError.h"
 

@@ -5,7 +5,6 @@
 
 #include "check/DefinitionCheck.h"
 #include "cli/Arguments.h"
-#include "cli/Commands.h"
 #include "cli/Edits.h"
 #include "cli/Output.h"
 #include "cli/TextForms.h"
@@ -261,20 +260,17 @@ const Command* FindCommand(QStringView name) {
 }
 
 int Run(const QStringList& list, World& world) {
-  const Arguments arguments = ParseArguments(list);
-  if (!arguments.error.isEmpty()) {
-    world.err << arguments.error.toStdString() << '\n';
-    return kBadInput;
-  }
-  if (arguments.help) {
-    world.out << HelpText().toStdString();
-    return kDone;
-  }
-  if (arguments.programVersion) {
-    world.out << "kalivor-cli " << KALIVOR_VERSION << '\n';
-    return kDone;
-  }
   try {
+    const Arguments arguments = ParseArguments(list);
+    if (!arguments.error.isEmpty()) throw BadInput{arguments.error};
+    if (arguments.help) {
+      world.out << HelpText().toStdString();
+      return kDone;
+    }
+    if (arguments.programVersion) {
+      world.out << "kalivor-cli " << KALIVOR_VERSION << '\n';
+      return kDone;
+    }
     return Session(arguments, world).Run(*FindCommand(arguments.command));
   } catch (const BadInput& bad) {
     if (!bad.message.isEmpty()) world.err << bad.message.toStdString() << '\n';

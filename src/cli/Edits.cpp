@@ -52,9 +52,8 @@ void SetParameter(Module1& module, const QString& edit) {
 void SetMarks(Module1& module, const MarkChange& change) {
   const QString& what = change.what;
   std::vector<int> indices;
-  bool isNumber = false;
-  const int number = what.toInt(&isNumber);
-  if (isNumber && number >= 1 && number < module.ParCount) {
+  const int number = what.toInt();
+  if (number >= 1 && number < module.ParCount) {
     indices.push_back(number);
   } else if (what == u"all" || what.startsWith(u"group=")) {
     for (int i = 1; i < module.ParCount; ++i) {

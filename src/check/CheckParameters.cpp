@@ -225,8 +225,7 @@ class LineCheck {
       Error(u"%1 hat keinen gültigen Index.", expression);
     } else if (IsText()) {
       Warning(u"Der Index in %1 bleibt bei Texten unbeachtet.", expression);
-    } else if (element > std::numeric_limits<qint16>::max() ||
-               element * result_.size > std::numeric_limits<qint16>::max()) {
+    } else if (qint64{element} * std::max(1, result_.size) > std::numeric_limits<qint16>::max()) {
       Error(u"Der Index in %1 ist zu groß.", expression);
     } else {
       result_.offset = element * result_.size;
@@ -245,8 +244,28 @@ class LineCheck {
 // What concerns several lines of a file.
 class FileCheck {
  public:
-  FileCheck(bool hasAddressList, const FileFindings& findings)
-      : hasAddressList_(hasAddressList), findings_(findings) {}
+  FileCheck(const CheckedText& text, bool hasAddressList)
+      : text_(text), hasAddressList_(hasAddressList), findings_(text.findings) {}
+
+  CheckedDefinitions Run() {
+    CheckHeading();
+    if (text_.items.items.empty() && !text_.torn) {
+      findings_.Warning(0, u"Die Datei enthält keine Parameter.");
+    }
+    for (const TextItem& item : text_.items) {
+      if (!Check(item)) break;
+    }
+    result_.complete = result_.complete && !text_.torn;
+    return std::move(result_);
+  }
+
+ private:
+  void CheckHeading() {
+    const QString type = GetField(text_.heading, kTyp);
+    if (NumberTypeNamed(type).kind == ValueKind::Number || type.startsWith(u"string")) {
+      findings_.Error(1, u"Die erste Zeile gilt als Überschrift; dieser Parameter wird nicht gelesen.");
+    }
+  }
 
   // False when the program would read no further.
   bool Check(const TextItem& item) {
@@ -271,9 +290,6 @@ class FileCheck {
     return true;
   }
 
-  CheckedDefinitions Take() { return std::move(result_); }
-
- private:
   void CheckPlantType(int line) {
     if (plantTypeLine_ != 0) {
       findings_.Error(line, u"Zweite Zeile mit NoRubrik; sie ersetzt Zeile %1.", plantTypeLine_);
@@ -293,6 +309,7 @@ class FileCheck {
                       parameter.variable, known->second);
   }
 
+  const CheckedText& text_;
   const bool hasAddressList_;
   const FileFindings& findings_;
   int count_ = 0;
@@ -305,20 +322,7 @@ class FileCheck {
 }  // namespace
 
 CheckedDefinitions CheckParameters(const CheckedText& text, bool hasAddressList) {
-  const QString type = GetField(text.heading, kTyp);
-  if (NumberTypeNamed(type).kind == ValueKind::Number || type.startsWith(u"string")) {
-    text.findings.Error(1, u"Die erste Zeile gilt als Überschrift; dieser Parameter wird nicht gelesen.");
-  }
-  if (text.items.items.empty() && !text.torn) {
-    text.findings.Warning(0, u"Die Datei enthält keine Parameter.");
-  }
-  FileCheck check(hasAddressList, text.findings);
-  for (const TextItem& item : text.items) {
-    if (!check.Check(item)) break;
-  }
-  CheckedDefinitions definitions = check.Take();
-  definitions.complete = definitions.complete && !text.torn;
-  return definitions;
+  return FileCheck(text, hasAddressList).Run();
 }
 
 }  // namespace kalivor

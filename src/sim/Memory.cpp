@@ -18,11 +18,6 @@ quint16 AddressOf(const ParameterRecord& record) {
   return static_cast<quint16>(su::HexToNumber(record.VarAdresse.right(4)));
 }
 
-bool IsNamed(const ParameterRecord& record, const QString& name, bool oldFile) {
-  if (record.Variable == name) return true;
-  return oldFile && record.Variable.size() > kNameInOldFiles && record.Variable.left(kNameInOldFiles) == name;
-}
-
 }  // namespace
 
 quint16 Memory::Word(quint16 address) const {
@@ -53,7 +48,8 @@ int Memory::LoadValues(const Module1& module, const ValueFileContent& content) {
   int found = 0;
   for (const ValueRecord& value : content.records) {
     for (int i = 1; i < module.ParCount; ++i) {
-      if (!IsNamed(module.Par[i], value.Variable, oldFile)) continue;
+      const QString& name = module.Par[i].Variable;
+      if (value.Variable != name && !(oldFile && value.Variable == name.left(kNameInOldFiles))) continue;
       Set(module.Par[i], value.Wert, value.WertText);
       ++found;
       break;

@@ -13,12 +13,21 @@ inline constexpr int kReplyHeader = 5;
 inline constexpr int kTelegramTail = 3;
 
 /// The low digits of `value` as upper-case hexadecimal, padded with zeros.
-[[nodiscard]] QByteArray Hex(unsigned value, int digits);
+[[nodiscard]] inline QByteArray Hex(unsigned value, int digits) {
+  return QByteArray::number(value, 16).toUpper().right(digits).rightJustified(digits, '0');
+}
 
 /// Sum of all bytes, modulo 256, as two hexadecimal digits.
-[[nodiscard]] QByteArray Checksum(QByteArrayView content);
+[[nodiscard]] inline QByteArray Checksum(QByteArrayView content) {
+  unsigned sum = 0;
+  for (const char byte : content)
+    sum += static_cast<unsigned char>(byte);
+  return Hex(sum, 2);
+}
 
 /// `content` with checksum and end.
-[[nodiscard]] QByteArray Sealed(const QByteArray& content);
+[[nodiscard]] inline QByteArray Sealed(const QByteArray& content) {
+  return content + Checksum(content) + kTelegramEnd;
+}
 
 }  // namespace kalivor::sim

@@ -82,8 +82,8 @@ struct SimulatedController {
     definitions.Inipath = folder;
     EXPECT_EQ(sim::LoadDefinitions(definitions, files, version), QString());
     memory.LoadStandards(definitions);
-    controller = std::make_unique<sim::Controller>(
-        memory, 1, definitions.SelectedVersion().Kennung, *sim::VersionPayload(version));
+    controller = std::make_unique<sim::Controller>(memory, 1, definitions.SelectedVersion().Kennung,
+                                                   *sim::VersionPayload(version));
     model = std::make_unique<sim::LineModel>(*controller, faults);
   }
 

@@ -10,7 +10,6 @@
 #include "core/Report.h"
 #include "platform/Events.h"
 #include "platform/MessageBox.h"
-#include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::cli {
 
@@ -23,7 +22,7 @@ class TextMainForm final : public MainForm {
   void ShowAgain() override {}
 
  private:
-  platform::PlainTreeView tree_;
+  platform::TreeView tree_;
 };
 
 class NoEditorForms final : public EditorForms {

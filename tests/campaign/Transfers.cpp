@@ -328,7 +328,7 @@ class Installation {
 
   // The tree shows what the table holds.
   QString CompareTree(const QString& what) {
-    const platform::PlainTreeView& tree = pc_.main.tree;
+    const platform::TreeView& tree = pc_.main.tree;
     for (int node = 1; node <= tree.Count(); ++node) {
       const QString key = tree.Key(node);
       if (!key.startsWith(u"sK"_s)) continue;

@@ -1,11 +1,11 @@
 // The tree without a window keeps the contract of trees.
 #include "contract/TreeViewContract.h"
-#include "platform/plain/PlainTreeView.h"
+#include "fakes/FakeTree.h"
 
 namespace kalivor::test {
 namespace {
 
-struct PlainTreeViewHarness {
+struct TreeViewHarness {
   platform::TreeView& Tree() { return tree; }
   [[nodiscard]] bool Visible() const { return tree.Visible(); }
   void UserChecks(int node, bool on) { tree.UserChecks(node, on); }
@@ -13,10 +13,10 @@ struct PlainTreeViewHarness {
   void UserCollapses(int node) { tree.UserCollapses(node); }
   void UserClicks(int node) { tree.UserClicks(node); }
 
-  platform::PlainTreeView tree;
+  FakeTree tree;
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Plain, TreeViewContract, PlainTreeViewHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Plain, TreeViewContract, TreeViewHarness);
 
 }  // namespace
 }  // namespace kalivor::test

@@ -7,32 +7,11 @@
 
 #include "base/Module1.h"
 #include "core/Forms.h"
+#include "fakes/FakeTree.h"
 #include "platform/Events.h"
 #include "platform/MessageBox.h"
-#include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::test {
-
-/// A tree that counts how often it was rebuilt.
-class FakeTree final : public platform::PlainTreeView {
- public:
-  int rebuilt = 0;
-  std::function<void()> onRebuild;  ///< runs while the tree is being rebuilt
-
-  void Clear() override {
-    ++rebuilt;
-    if (onRebuild) onRebuild();
-    PlainTreeView::Clear();
-  }
-
-  /// The number of the node with this key, 0 when there is none.
-  [[nodiscard]] int Find(const QString& key) const {
-    for (int node = 1; node <= Count(); ++node) {
-      if (Key(node) == key) return node;
-    }
-    return 0;
-  }
-};
 
 class FakeMainForm final : public MainForm {
  public:

@@ -12,13 +12,12 @@
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
 #include "platform/SerialControl.h"
-#include "platform/plain/PlainTreeView.h"
 
 namespace kalivor::test {
 
 class PlainMainForm final : public MainForm {
  public:
-  platform::PlainTreeView tree;
+  platform::TreeView tree;
   bool plantSelectorVisible = true;
   bool enabled = true;
   QString state;

@@ -2,22 +2,24 @@
 
 #include <QScopedValueRollback>
 #include <QScrollBar>
-
-#include "platform/RuntimeError.h"
+#include <algorithm>
 
 namespace kalivor::platform {
+namespace {
+
+int NodeOf(const QModelIndex& index) {
+  return static_cast<int>(index.internalId());
+}
+
+}  // namespace
 
 QtTreeView::QtTreeView(NodeTree& widget, EventGuard guard) : widget_(widget), guard_(std::move(guard)) {
-  widget_.setModel(&model_);
-  widget_.OnOpen = [this](const QModelIndex& index) { Run(OnClick, NodeModel::NodeOf(index)); };
-  model_.OnUserCheck = [this](int node) {
-    widget_.NoteCheck();
-    Run(OnCheck, node);
-  };
-  QObject::connect(&widget_, &QTreeView::expanded, &model_,
-                   [this](const QModelIndex& index) { UserExpanded(index, true); });
-  QObject::connect(&widget_, &QTreeView::collapsed, &model_,
-                   [this](const QModelIndex& index) { UserExpanded(index, false); });
+  widget_.setModel(this);
+  widget_.OnOpen = [this](const QModelIndex& index) { Run(OnClick, NodeOf(index)); };
+  connect(&widget_, &QTreeView::expanded, this,
+          [this](const QModelIndex& index) { UserExpanded(index, true); });
+  connect(&widget_, &QTreeView::collapsed, this,
+          [this](const QModelIndex& index) { UserExpanded(index, false); });
 }
 
 QtTreeView::~QtTreeView() {
@@ -25,76 +27,60 @@ QtTreeView::~QtTreeView() {
   widget_.setModel(nullptr);
 }
 
-int QtTreeView::Existing(int node) const {
-  if (node < 1 || node > Count()) throw RuntimeError(RuntimeError::Kind::Bounds);
-  return node;
-}
-
 void QtTreeView::Run(const std::function<void(int node)>& handler, int node) {
   if (handler) guard_([&handler, node] { handler(node); });
 }
 
 void QtTreeView::Clear() {
-  model_.Clear();
+  if (Visible()) beginResetModel();
+  TreeView::Clear();
+  longestText_ = 0;
+  if (Visible()) endResetModel();
 }
 
-int QtTreeView::Add(int parent, const QString& key, const QString& text) {
-  if (model_.HasKey(key)) throw RuntimeError(RuntimeError::Kind::InvalidArgument);
-  return model_.Add(parent == 0 ? 0 : Existing(parent), key, text);
-}
-
-QString QtTreeView::Key(int node) const {
-  return model_.At(Existing(node)).key;
-}
-
-QString QtTreeView::Text(int node) const {
-  return model_.At(Existing(node)).text;
+void QtTreeView::Append(const Node& node) {
+  longestText_ = std::max(longestText_, node.text.size());
+  if (Visible()) beginInsertRows(Index(node.parent), node.row, node.row);
+  TreeView::Append(node);
+  if (Visible()) endInsertRows();
 }
 
 void QtTreeView::SetText(int node, const QString& text) {
-  model_.SetText(Existing(node), text);
-  if (!hidden_) widget_.SetTextWidth(model_.LongestText());
-}
-
-bool QtTreeView::Checked(int node) const {
-  return model_.At(Existing(node)).checked;
+  TreeView::SetText(node, text);
+  longestText_ = std::max(longestText_, text.size());
+  Changed(node, Qt::DisplayRole);
+  if (Visible()) widget_.SetTextWidth(longestText_);
 }
 
 void QtTreeView::SetChecked(int node, bool checked) {
-  model_.SetChecked(Existing(node), checked);
+  if (Checked(node) == checked) return;
+  TreeView::SetChecked(node, checked);
+  Changed(node, Qt::CheckStateRole);
 }
 
-bool QtTreeView::Expanded(int node) const {
-  return model_.At(Existing(node)).expanded;
+void QtTreeView::Changed(int node, int role) {
+  if (!Visible()) return;
+  const QModelIndex changed = Index(node);
+  Q_EMIT dataChanged(changed, changed, {role});
 }
 
 void QtTreeView::SetExpanded(int node, bool expanded) {
-  model_.At(Existing(node)).expanded = expanded;
-  if (hidden_) return;
+  TreeView::SetExpanded(node, expanded);
+  if (!Visible()) return;
   const QScopedValueRollback silent(silent_, true);
-  widget_.setExpanded(model_.IndexOf(node), expanded);
-}
-
-int QtTreeView::FirstChild(int node) const {
-  const std::vector<int>& children = model_.At(Existing(node)).children;
-  return children.empty() ? 0 : children.front();
-}
-
-int QtTreeView::LastChild(int node) const {
-  const std::vector<int>& children = model_.At(Existing(node)).children;
-  return children.empty() ? 0 : children.back();
+  widget_.setExpanded(Index(node), expanded);
 }
 
 void QtTreeView::UserExpanded(const QModelIndex& index, bool expanded) {
   if (silent_) return;
-  const int node = NodeModel::NodeOf(index);
-  model_.At(node).expanded = expanded;
+  const int node = NodeOf(index);
+  TreeView::SetExpanded(node, expanded);
   Run(expanded ? OnExpand : OnCollapse, node);
 }
 
 void QtTreeView::SetVisible(bool visible) {
-  if (visible == !hidden_) return;
-  hidden_ = !visible;
+  if (visible == Visible()) return;
+  TreeView::SetVisible(visible);
   if (visible) {
     ShowAgain();
   } else {
@@ -104,22 +90,22 @@ void QtTreeView::SetVisible(bool visible) {
 
 void QtTreeView::Hide() {
   const QModelIndex current = widget_.currentIndex();
-  place_ = {current.isValid() ? model_.At(NodeModel::NodeOf(current)).key : QString(),
-            widget_.verticalScrollBar()->value(), widget_.horizontalScrollBar()->value()};
+  place_ = {current.isValid() ? Key(NodeOf(current)) : QString(), widget_.verticalScrollBar()->value(),
+            widget_.horizontalScrollBar()->value()};
   widget_.hide();
-  model_.BeginRebuild();
+  beginResetModel();
 }
 
 void QtTreeView::ShowAgain() {
-  model_.EndRebuild();
+  endResetModel();
   ShowExpanded();
-  widget_.SetTextWidth(model_.LongestText());
+  widget_.SetTextWidth(longestText_);
 
   // The current node returns without being scrolled to.
   widget_.setAutoScroll(false);
   for (int node = 1; node <= Count() && !place_.currentKey.isEmpty(); ++node) {
-    if (model_.At(node).key != place_.currentKey) continue;
-    widget_.setCurrentIndex(model_.IndexOf(node));
+    if (At(node).key != place_.currentKey) continue;
+    widget_.setCurrentIndex(Index(node));
     break;
   }
   widget_.show();
@@ -132,8 +118,53 @@ void QtTreeView::ShowAgain() {
 void QtTreeView::ShowExpanded() {
   const QScopedValueRollback silent(silent_, true);
   for (int node = 1; node <= Count(); ++node) {
-    if (model_.At(node).expanded) widget_.expand(model_.IndexOf(node));
+    if (At(node).expanded) widget_.expand(Index(node));
   }
+}
+
+QModelIndex QtTreeView::Index(int node) const {
+  if (node < 1 || node > Count()) return {};
+  return createIndex(At(node).row, 0, static_cast<quintptr>(node));
+}
+
+QModelIndex QtTreeView::index(int row, int column, const QModelIndex& parent) const {
+  const std::vector<int>& children = At(NodeOf(parent)).children;
+  if (column != 0 || row < 0 || row >= static_cast<int>(children.size())) return {};
+  return Index(children[static_cast<std::size_t>(row)]);
+}
+
+QModelIndex QtTreeView::parent(const QModelIndex& index) const {
+  return Index(At(NodeOf(index)).parent);
+}
+
+int QtTreeView::rowCount(const QModelIndex& parent) const {
+  return static_cast<int>(At(NodeOf(parent)).children.size());
+}
+
+int QtTreeView::columnCount(const QModelIndex& /*parent*/) const {
+  return 1;
+}
+
+QVariant QtTreeView::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) return {};
+  const Node& node = At(NodeOf(index));
+  if (role == Qt::DisplayRole) return node.text;
+  if (role == Qt::CheckStateRole) return node.checked ? Qt::Checked : Qt::Unchecked;
+  return {};
+}
+
+bool QtTreeView::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (!index.isValid() || role != Qt::CheckStateRole) return false;
+  const int node = NodeOf(index);
+  SetChecked(node, value.value<Qt::CheckState>() == Qt::Checked);
+  widget_.NoteCheck();
+  Run(OnCheck, node);
+  return true;
+}
+
+Qt::ItemFlags QtTreeView::flags(const QModelIndex& index) const {
+  if (!index.isValid()) return Qt::NoItemFlags;
+  return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable;
 }
 
 }  // namespace kalivor::platform

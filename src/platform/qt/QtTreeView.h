@@ -1,18 +1,20 @@
 // The tree with check boxes on the screen.
 #pragma once
 
+#include <QAbstractItemModel>
+
 #include "platform/TreeView.h"
 #include "platform/qt/EventGuard.h"
-#include "platform/qt/NodeModel.h"
 #include "platform/qt/NodeTree.h"
 
 namespace kalivor::platform {
 
-/// Rebuilding is quick while the tree is hidden; it shows again where it was scrolled to, with the same
-/// current node as far as there still is one of that key.
-class QtTreeView final : public TreeView {
+/// The nodes as the toolkit's views read them. While the tree is hidden the widget hears of no change, and so
+/// rebuilding is quick; it shows again where it was scrolled to, with the same current node as far as there
+/// still is one of that key.
+class QtTreeView final : public QAbstractItemModel, public TreeView {
  public:
-  /// `widget` must outlive the adapter and be used through it only. `guard` runs the handlers.
+  /// `widget` must outlive the tree and be used through it only. `guard` runs the handlers.
   QtTreeView(NodeTree& widget, EventGuard guard);
   ~QtTreeView() override;
   QtTreeView(const QtTreeView&) = delete;
@@ -20,20 +22,20 @@ class QtTreeView final : public TreeView {
 
   void Clear() override;
   void SetVisible(bool visible) override;
-  int Add(int parent, const QString& key, const QString& text) override;
-  [[nodiscard]] int Count() const override { return model_.Count(); }
-  [[nodiscard]] QString Key(int node) const override;
-  [[nodiscard]] QString Text(int node) const override;
   void SetText(int node, const QString& text) override;
-  [[nodiscard]] bool Checked(int node) const override;
   void SetChecked(int node, bool checked) override;
-  [[nodiscard]] bool Expanded(int node) const override;
   void SetExpanded(int node, bool expanded) override;
-  [[nodiscard]] int FirstChild(int node) const override;
-  [[nodiscard]] int LastChild(int node) const override;
 
   /// Where a node is in the widget.
-  [[nodiscard]] QModelIndex Index(int node) const { return model_.IndexOf(Existing(node)); }
+  [[nodiscard]] QModelIndex Index(int node) const;
+
+  [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex& parent) const override;
+  [[nodiscard]] QModelIndex parent(const QModelIndex& index) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+  [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
   struct Place {
@@ -42,7 +44,8 @@ class QtTreeView final : public TreeView {
     int horizontal = 0;
   };
 
-  [[nodiscard]] int Existing(int node) const;
+  void Append(const Node& node) override;
+  void Changed(int node, int role);
   void Hide();
   void ShowAgain();
   void ShowExpanded();
@@ -51,10 +54,9 @@ class QtTreeView final : public TreeView {
 
   NodeTree& widget_;
   EventGuard guard_;
-  NodeModel model_;
-  Place place_;  // before the tree was hidden
-  bool hidden_ = false;
-  bool silent_ = false;  // the program itself expands or collapses
+  Place place_;                // before the tree was hidden
+  bool silent_ = false;        // the program itself expands or collapses
+  qsizetype longestText_ = 0;  // in characters, since the last Clear()
 };
 
 }  // namespace kalivor::platform

@@ -1,10 +1,13 @@
 // The operating system's calls that finding and saving a file consists of.
 #pragma once
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/types.h>
+#include <unistd.h>
 
 #include <QByteArrayList>
+#include <cstdio>
 
 namespace kalivor::platform {
 
@@ -19,24 +22,40 @@ class FileCalls {
 
   /// Appends the names of a folder's entries, "." and ".." among them.
   virtual int List(const QByteArray& folder, QByteArrayList& names) const;
-  virtual int Status(const QByteArray& path, struct stat& status) const;      ///< of what a link leads to
-  virtual int LinkStatus(const QByteArray& path, struct stat& status) const;  ///< of the link itself
+  /// Of what a link leads to.
+  virtual int Status(const QByteArray& path, struct stat& status) const {
+    return stat(path.constData(), &status);
+  }
+  /// Of the link itself.
+  virtual int LinkStatus(const QByteArray& path, struct stat& status) const {
+    return lstat(path.constData(), &status);
+  }
   virtual int ReadLink(const QByteArray& path, QByteArray& target) const;
 
-  virtual int Open(const QByteArray& path, int flags, mode_t mode) const;
-  virtual int OpenStatus(int fd, struct stat& status) const;
-  virtual ssize_t Read(int fd, char* bytes, size_t count, off_t position) const;
-  virtual ssize_t Write(int fd, const char* bytes, size_t count, off_t position) const;
-  virtual int Truncate(int fd, off_t size) const;
-  virtual int ChangeOwner(int fd, uid_t owner, gid_t group) const;
-  virtual int ChangeMode(int fd, mode_t mode) const;
-  virtual int Sync(int fd) const;
-  virtual int Lock(int fd) const;       ///< at once or not at all (EWOULDBLOCK); closing ends it
-  virtual int Duplicate(int fd) const;  ///< a second descriptor, closed when another program is started
-  virtual int Close(int fd) const;
+  virtual int Open(const QByteArray& path, int flags, mode_t mode) const {
+    return open(path.constData(), flags, mode);
+  }
+  virtual int OpenStatus(int fd, struct stat& status) const { return fstat(fd, &status); }
+  virtual ssize_t Read(int fd, char* bytes, size_t count, off_t position) const {
+    return pread(fd, bytes, count, position);
+  }
+  virtual ssize_t Write(int fd, const char* bytes, size_t count, off_t position) const {
+    return pwrite(fd, bytes, count, position);
+  }
+  virtual int Truncate(int fd, off_t size) const { return ftruncate(fd, size); }
+  virtual int ChangeOwner(int fd, uid_t owner, gid_t group) const { return fchown(fd, owner, group); }
+  virtual int ChangeMode(int fd, mode_t mode) const { return fchmod(fd, mode); }
+  virtual int Sync(int fd) const { return fsync(fd); }
+  /// At once or not at all (EWOULDBLOCK); closing ends it.
+  virtual int Lock(int fd) const { return flock(fd, LOCK_EX | LOCK_NB); }
+  /// A second descriptor, closed when another program is started.
+  virtual int Duplicate(int fd) const { return fcntl(fd, F_DUPFD_CLOEXEC, 0); }
+  virtual int Close(int fd) const { return close(fd); }
 
-  virtual int Rename(const QByteArray& from, const QByteArray& to) const;
-  virtual int Remove(const QByteArray& path) const;
+  virtual int Rename(const QByteArray& from, const QByteArray& to) const {
+    return rename(from.constData(), to.constData());
+  }
+  virtual int Remove(const QByteArray& path) const { return unlink(path.constData()); }
 };
 
 }  // namespace kalivor::platform

@@ -13,12 +13,6 @@
 
 namespace kalivor::platform {
 
-/// The error number of a call that is negative when it fails; 0 when it does not.
-template <typename Call>
-int ErrorOf(Call call) {
-  return Uninterrupted(call) < 0 ? errno : 0;
-}
-
 /// A file that was opened through the calls. Every operation returns 0 or an error number.
 class OpenFile {
  public:
@@ -36,19 +30,22 @@ class OpenFile {
     return ErrorOf([&] { return calls_.OpenStatus(fd_, status); });
   }
 
-  /// Reads up to the end, but no more than `largest_bytes`.
-  [[nodiscard]] int ReadAll(qsizetype largest_bytes, QByteArray& bytes) const {
-    constexpr qsizetype kStep_bytes = 65536;
-    for (;;) {
-      const qsizetype used = bytes.size();
-      bytes.resize(used + kStep_bytes);
-      const ssize_t count =
-          Uninterrupted([&] { return calls_.Read(fd_, bytes.data() + used, kStep_bytes, used); });
-      bytes.resize(used + std::max<ssize_t>(count, 0));
-      if (count < 0) return errno;
-      if (count == 0) return 0;
-      if (bytes.size() > largest_bytes) return EFBIG;
-    }
+  /// Opens the file of that status and reads it up to its end. Directories (EISDIR), devices and pipes
+  /// (ENOTSUP) and files above `largest_bytes` (EFBIG) are refused.
+  [[nodiscard]] int ReadRegular(const QByteArray& path, int flags, qint64 largest_bytes, struct stat& status,
+                                QByteArray& bytes) {
+    const auto check = [&] {
+      if (S_ISDIR(status.st_mode)) return EISDIR;
+      if (!S_ISREG(status.st_mode)) return ENOTSUP;
+      return status.st_size > largest_bytes ? EFBIG : 0;
+    };
+    // Before opening, because to open a device can already set it going.
+    int error = check();
+    if (error == 0) error = Open(path, flags | O_NONBLOCK);
+    if (error == 0) error = Status(status);
+    // And again, because another file can have taken the name meanwhile.
+    if (error == 0) error = check();
+    return error != 0 ? error : ReadAll(status.st_size, largest_bytes, bytes);
   }
 
   /// Writes at the file's beginning. `written`: how far it came.
@@ -95,6 +92,24 @@ class OpenFile {
   }
 
  private:
+  // The end may lie elsewhere than the file's size says.
+  [[nodiscard]] int ReadAll(qint64 expected_bytes, qint64 largest_bytes, QByteArray& bytes) const {
+    constexpr qsizetype kLeastStep_bytes = 4096;
+    qsizetype used = 0;
+    bytes.resize(expected_bytes + 1);
+    for (;;) {
+      const auto room = static_cast<size_t>(bytes.size() - used);
+      const ssize_t count = Uninterrupted([&] { return calls_.Read(fd_, bytes.data() + used, room, used); });
+      if (count < 0) return errno;
+      if (count == 0) break;
+      used += count;
+      if (used > largest_bytes) return EFBIG;
+      if (used == bytes.size()) bytes.resize(used + std::max(used / 2, kLeastStep_bytes));
+    }
+    bytes.resize(used);
+    return 0;
+  }
+
   const FileCalls& calls_;
   int fd_ = -1;
 };

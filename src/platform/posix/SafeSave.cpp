@@ -26,13 +26,6 @@ struct OldFile {
   QByteArray bytes;
 };
 
-int CheckReplaceable(const struct stat& status) {
-  if (S_ISDIR(status.st_mode)) return EISDIR;
-  if (!S_ISREG(status.st_mode)) return ENOTSUP;
-  if (status.st_size > FileSystem::kLargestFile_bytes) return EFBIG;
-  return 0;
-}
-
 // Replaces a link by what it leads to, which need not exist.
 int FollowLinks(const FileCalls& calls, QByteArray& path) {
   constexpr int kMostLinks = 40;
@@ -51,14 +44,9 @@ int FollowLinks(const FileCalls& calls, QByteArray& path) {
 int OpenOldFile(const FileCalls& calls, const QByteArray& path, OldFile& old) {
   int error = ErrorOf([&] { return calls.Status(path, old.status); });
   if (error == ENOENT) return 0;
-  // Before opening, because to open a device can already set it going.
-  if (error == 0) error = CheckReplaceable(old.status);
   // Opened for writing as well, although it is to be replaced: a file that must not be written stays.
-  if (error == 0) error = old.file.Open(path, O_RDWR | O_NONBLOCK);
-  if (error == 0) error = old.file.Status(old.status);
-  // And again, because another file can have taken the name meanwhile.
-  if (error == 0) error = CheckReplaceable(old.status);
-  if (error == 0) error = old.file.ReadAll(FileSystem::kLargestFile_bytes, old.bytes);
+  if (error == 0)
+    error = old.file.ReadRegular(path, O_RDWR, FileSystem::kLargestFile_bytes, old.status, old.bytes);
   old.exists = error == 0;
   return error;
 }

@@ -16,4 +16,10 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
+/// The error number of a call that is negative when it fails; 0 when it does not.
+template <typename Call>
+int ErrorOf(Call call) {
+  return Uninterrupted(call) < 0 ? errno : 0;
+}
+
 }  // namespace kalivor::platform

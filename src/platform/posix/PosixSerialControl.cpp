@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/posix/MonotonicTime.h"
+#include "platform/posix/Uninterrupted.h"
 
 namespace kalivor::platform {
 namespace {
@@ -30,11 +31,8 @@ bool IsPseudoTerminal(int fd) {
 }
 
 Descriptor OpenDevice(const QByteArray& name) {
-  int fd = -1;
-  do {
-    fd = open(name.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  } while (fd < 0 && errno == EINTR);
-  return Descriptor(fd);
+  constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+  return Descriptor(Uninterrupted([&] { return open(name.constData(), kFlags); }));
 }
 
 // Raw characters with marked errors, no flow control, no modem lines.
@@ -222,10 +220,7 @@ void PosixSerialControl::ReportSendDone() {
 bool PosixSerialControl::ReadPiece() {
   if (lineGone_ || input_.size() >= kInputLimit_bytes) return false;
   char piece[4096];
-  ssize_t count = -1;
-  do {
-    count = read(port_.Get(), piece, sizeof piece);
-  } while (count < 0 && errno == EINTR);
+  const ssize_t count = Uninterrupted([&] { return read(port_.Get(), piece, sizeof piece); });
   if (count <= 0) {
     lineGone_ = count == 0 || errno != EAGAIN;
     return false;

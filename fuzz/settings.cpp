@@ -19,18 +19,18 @@ class MemoryStore final : public platform::SettingsStore {
   MemoryStore() = default;
   explicit MemoryStore(QByteArrayView file) : texts_(platform::ReadIni(file)) {}
 
-  [[nodiscard]] const platform::IniValues& Texts() const { return texts_; }
+  [[nodiscard]] const QSettings::SettingsMap& Texts() const { return texts_; }
 
   [[nodiscard]] QString Get(const QString& section, const QString& key,
                             const QString& fallback) const override {
-    return texts_.value(section + u'/' + key, fallback);
+    return texts_.value(section + u'/' + key, fallback).toString();
   }
   void Save(const QString& section, const QString& key, const QString& value) override {
     texts_[section + u'/' + key] = value;
   }
 
  private:
-  platform::IniValues texts_;
+  QSettings::SettingsMap texts_;
 };
 
 // True when the stored text is a number that its field can hold.

@@ -26,17 +26,12 @@ bool IsUsable(const QString& path) {
 
 bool ReadFile(QIODevice& file, QSettings::SettingsMap& map) {
   if (file.size() > kLargestFile_bytes) return false;
-  const IniValues values = ReadIni(file.readAll());
-  for (auto value = values.begin(); value != values.end(); ++value)
-    map[value.key()] = value.value();
+  map = ReadIni(file.readAll());
   return true;
 }
 
 bool WriteFile(QIODevice& file, const QSettings::SettingsMap& map) {
-  IniValues values;
-  for (auto value = map.begin(); value != map.end(); ++value)
-    values[value.key()] = value->toString();
-  const QByteArray bytes = WriteIni(values);
+  const QByteArray bytes = WriteIni(map);
   return file.write(bytes) == bytes.size();
 }
 

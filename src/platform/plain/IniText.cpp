@@ -1,6 +1,5 @@
 #include "platform/plain/IniText.h"
 
-#include <QStringList>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -16,86 +15,35 @@ constexpr int kControls = 7;
 
 // The value of a digit, -1 when it is none.
 int DigitOf(QChar c, int base) {
-  const int digit = c >= u'0' && c <= u'9'   ? c.unicode() - u'0'
-                    : c >= u'A' && c <= u'F' ? c.unicode() - u'A' + 10
-                    : c >= u'a' && c <= u'f' ? c.unicode() - u'a' + 10
-                                             : base;
+  const auto digit = static_cast<int>(QStringView(u"0123456789abcdef").indexOf(c, 0, Qt::CaseInsensitive));
   return digit < base ? digit : -1;
 }
 
-/// Turns what stands behind the equals sign into the text that is meant.
-class ValueReader {
- public:
-  explicit ValueReader(QStringView source) : source_(source) {}
+// The character of a code whose digits begin at `at`, which moves behind them.
+QChar CodeAt(QStringView source, qsizetype& at, int base) {
+  unsigned code = 0;
+  for (; at < source.size() && DigitOf(source.at(at), base) >= 0; ++at)
+    code = code * static_cast<unsigned>(base) + static_cast<unsigned>(DigitOf(source.at(at), base));
+  return QChar(static_cast<char16_t>(code));
+}
 
-  QString Read() {
-    SkipBlanks();
-    while (at_ < source_.size())
-      Take(source_.at(at_++));
-    DropBlanks();
-    return text_;
-  }
-
- private:
-  void Take(QChar c) {
-    if (c == u'\\') {
-      TakeEscape();
-    } else if (c == u'"') {
-      quoted_ = !quoted_;
-      kept_ = text_.size();
-      if (!quoted_) SkipBlanks();
-    } else if (c == u',' && !quoted_) {
-      DropBlanks();
-      text_ += c;
-      kept_ = text_.size();
-      SkipBlanks();
-    } else {
-      text_ += c;
-      if (quoted_) kept_ = text_.size();
-    }
-  }
-
-  void TakeEscape() {
-    if (at_ == source_.size()) return;
-    const QChar c = source_.at(at_++);
-    if (c == u'x') {
-      text_ += Code(16);
-    } else if (DigitOf(c, 8) >= 0) {
-      --at_;
-      text_ += Code(8);
-    } else if (const qsizetype known = kEscaped.indexOf(c); known >= 0) {
-      text_ += kMeant.at(known);
-    }
-    kept_ = text_.size();
-  }
-
-  QChar Code(int base) {
-    unsigned code = 0;
-    for (; at_ < source_.size() && DigitOf(source_.at(at_), base) >= 0; ++at_)
-      code = code * static_cast<unsigned>(base) + static_cast<unsigned>(DigitOf(source_.at(at_), base));
-    return QChar(static_cast<char16_t>(code));
-  }
-
-  void SkipBlanks() {
-    while (at_ < source_.size() && source_.at(at_).isSpace())
-      ++at_;
-  }
-
-  // Blanks at the end that neither quotes nor an escape have asked for.
-  void DropBlanks() {
-    while (text_.size() > kept_ && text_.back().isSpace())
-      text_.chop(1);
-  }
-
-  QStringView source_;
-  qsizetype at_ = 0;
-  bool quoted_ = false;
-  QString text_;
-  qsizetype kept_ = 0;  // so much of the text stays as it is
-};
-
+// The text that is meant by what stands behind the equals sign.
 QString ValueOf(QStringView source) {
-  QString text = ValueReader(source).Read();
+  QString text;
+  for (qsizetype at = 0; at < source.size();) {
+    const QChar c = source.at(at++);
+    if (c == u'"') continue;
+    if (c != u'\\') {
+      text += c;
+    } else if (at < source.size() && source.at(at) == u'x') {
+      text += CodeAt(source, ++at, 16);
+    } else if (at < source.size() && DigitOf(source.at(at), 8) >= 0) {
+      text += CodeAt(source, at, 8);
+    } else if (at < source.size()) {
+      const qsizetype known = kEscaped.indexOf(source.at(at++));
+      if (known >= 0) text += kMeant.at(known);
+    }
+  }
   if (text.startsWith(u"@@")) return text.sliced(1);
   if (text.startsWith(u"@String(") && text.endsWith(u')')) return text.sliced(8).chopped(1);
   return text;
@@ -133,46 +81,45 @@ bool IsName(QStringView text) {
 
 }  // namespace
 
-IniValues ReadIni(QByteArrayView bytes) {
-  IniValues values;
-  QString section;
+QSettings::SettingsMap ReadIni(QByteArrayView bytes) {
+  QSettings::SettingsMap values;
+  QString section;  // with the "/" behind it
   bool skipped = false;
   const QString text = QString::fromUtf8(bytes).replace(u'\r', u'\n');
   for (const QStringView whole : QStringView(text).split(u'\n', Qt::SkipEmptyParts)) {
     const QStringView line = whole.trimmed();
     if (line.startsWith(u'[')) {
-      const qsizetype end = line.indexOf(u']');
-      const QStringView name = line.sliced(1, (end < 0 ? line.size() : end) - 1);
+      const QString name = line.sliced(1).toString().section(u']', 0, 0);
       skipped = !IsName(name);
-      section = name.toString();
+      section = name + u'/';
       continue;
     }
     const qsizetype equals = line.indexOf(u'=');
     const QStringView key = line.first(std::max<qsizetype>(0, equals)).trimmed();
-    if (skipped || !IsName(key)) continue;
-    const QString full = section.isEmpty() ? key.toString() : section + u'/' + key.toString();
-    values[full] = ValueOf(line.sliced(equals + 1));
+    if (!skipped && IsName(key))
+      values[section + key.toString()] = ValueOf(line.sliced(equals + 1).trimmed());
   }
   return values;
 }
 
-QByteArray WriteIni(const IniValues& values) {
-  QString text;
-  // Keys without a section stand before all sections.
-  for (auto value = values.begin(); value != values.end(); ++value) {
-    if (!value.key().contains(u'/')) text += value.key() + u'=' + Escaped(value.value()) + u'\n';
-  }
+QByteArray WriteIni(const QSettings::SettingsMap& values) {
+  QString alone;  // keys without a section stand before all sections
+  QString sections;
   QString section;
-  for (auto value = values.begin(); value != values.end(); ++value) {
-    const qsizetype slash = value.key().indexOf(u'/');
-    if (slash < 0) continue;
-    if (section != value.key().left(slash)) {
-      section = value.key().left(slash);
-      text += (text.isEmpty() ? u"["_s : u"\n["_s) + section + u"]\n"_s;
+  for (const auto& [name, value] : values.asKeyValueRange()) {
+    const qsizetype slash = name.indexOf(u'/');
+    const QString line = name.sliced(slash + 1) + u'=' + Escaped(value.toString()) + u'\n';
+    if (slash < 0) {
+      alone += line;
+      continue;
     }
-    text += value.key().sliced(slash + 1) + u'=' + Escaped(value.value()) + u'\n';
+    if (section != name.first(slash)) {
+      section = name.first(slash);
+      sections += u"\n["_s + section + u"]\n"_s;
+    }
+    sections += line;
   }
-  return text.toUtf8();
+  return (alone.isEmpty() ? sections.mid(1) : alone + sections).toUtf8();
 }
 
 }  // namespace kalivor::platform

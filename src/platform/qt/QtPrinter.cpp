@@ -3,15 +3,16 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLibrary>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinterInfo>
+#include <QStandardPaths>
 #include <utility>
 
 #include "platform/RuntimeError.h"
 #include "platform/gui/PdfFile.h"
-#include "platform/gui/PrintJobs.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +33,28 @@ QString NumberedFile(const QString& path) {
     QString candidate = file.dir().filePath(name);
     if (!QFileInfo(candidate).isSymLink() && !QFileInfo::exists(candidate)) return candidate;
   }
+}
+
+// Where to propose a PDF file of that name: in the user's documents, or where there is no such folder, at
+// home.
+QString ProposedFile(const QString& name) {
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QDir(QFileInfo(documents).isDir() ? documents : QDir::homePath()).filePath(name);
+}
+
+// Why the printing system has not taken the job that was just sent off, in its own words; nothing when it
+// has, or does not tell. The toolkit keeps this to itself; the library that it has sent the job with tells.
+std::optional<QString> RefusedJob() {
+#ifdef Q_OS_UNIX
+  constexpr int kLastSuccess = 0xFF;
+  QLibrary cups(u"cups"_s, 2);
+  const auto lastError = reinterpret_cast<int (*)()>(cups.resolve("cupsLastError"));
+  const auto lastErrorText = reinterpret_cast<const char* (*)()>(cups.resolve("cupsLastErrorString"));
+  if (lastError == nullptr || lastErrorText == nullptr) return std::nullopt;
+  const int error = lastError();
+  if (error < 0 || error > kLastSuccess) return QString::fromUtf8(lastErrorText());
+#endif
+  return std::nullopt;
 }
 
 }  // namespace
@@ -148,7 +171,9 @@ void QtPrinter::Send(const std::vector<Draw>& pages) {
   complete = painter.end() && complete && printer_.printerState() != QPrinter::Error;
   const std::optional<QString> refusal = RefusedJob();
   if (complete && !refusal) return;
-  throw RuntimeError(RuntimeError::Kind::FileError, RefusalText(printer_.printerName(), refusal));
+  QString text = u"Der Drucker hat den Auftrag nicht angenommen: "_s + printer_.printerName();
+  if (!refusal.value_or(QString()).isEmpty()) text += u"\r\n"_s + *refusal;
+  throw RuntimeError(RuntimeError::Kind::FileError, text);
 }
 
 QString QtPrinter::EndPrinting() {

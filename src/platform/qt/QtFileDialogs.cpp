@@ -9,13 +9,11 @@ using namespace Qt::StringLiterals;
 namespace kalivor::platform {
 namespace {
 
-// The descriptions name their patterns themselves.
-void SetFilter(QFileDialog& dialog, const QString& filter) {
+QString Ask(QFileDialog& dialog, const QString& filter, bool native) {
+  dialog.setOption(QFileDialog::DontUseNativeDialog, !native);
+  // The descriptions name their patterns themselves.
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setNameFilters(ToolkitFilters(filter));
-}
-
-QString Chosen(QFileDialog& dialog) {
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   return QFileInfo(dialog.selectedFiles().constFirst()).absoluteFilePath();
 }
@@ -36,22 +34,18 @@ QStringList ToolkitFilters(const QString& filter) {
 QString QtFileDialogs::OpenFile(const QString& title, const QString& folder, const QString& filter) {
   QString slashed = folder;
   QFileDialog dialog(QApplication::activeWindow(), title, slashed.replace(u'\\', u'/'));
-  dialog.setOption(QFileDialog::DontUseNativeDialog, !native_);
-  SetFilter(dialog, filter);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
-  return Chosen(dialog);
+  return Ask(dialog, filter, native_);
 }
 
 QString QtFileDialogs::SaveFile(const QString& title, const QString& filter) {
   QFileDialog dialog(QApplication::activeWindow(), title);
-  dialog.setOption(QFileDialog::DontUseNativeDialog, !native_);
   // An existing file is overwritten without a question: it keeps what the new values do not reach.
   dialog.setOption(QFileDialog::DontConfirmOverwrite);
-  SetFilter(dialog, filter);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
-  return Chosen(dialog);
+  return Ask(dialog, filter, native_);
 }
 
 }  // namespace kalivor::platform

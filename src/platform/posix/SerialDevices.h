@@ -4,7 +4,8 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <ctime>
+#include <chrono>
+#include <filesystem>
 
 #include "platform/SerialControl.h"
 #include "platform/SettingsStore.h"
@@ -30,6 +31,8 @@ class SerialDevices {
   [[nodiscard]] QString Device(int number);
 
  private:
+  using FileTime = std::filesystem::file_time_type;
+
   [[nodiscard]] QStringList Scan() const;
 
   QMap<int, QString> overrides_;
@@ -37,7 +40,7 @@ class SerialDevices {
   QString systemFolder_;
   // The last scan, good as long as the device folder is unchanged.
   QStringList present_;
-  timespec presentAt_{};
+  FileTime presentAt_;
 };
 
 }  // namespace kalivor::platform

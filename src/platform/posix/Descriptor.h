@@ -15,10 +15,7 @@ class Descriptor {
   ~Descriptor() { Close(); }
   Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
-    if (this != &other) {
-      Close();
-      fd_ = std::exchange(other.fd_, -1);
-    }
+    std::swap(fd_, other.fd_);
     return *this;
   }
   Descriptor(const Descriptor&) = delete;

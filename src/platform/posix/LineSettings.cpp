@@ -1,7 +1,7 @@
 // The settings of a serial line, from their usual notation.
 #include "platform/posix/LineSettings.h"
 
-#include <QStringTokenizer>
+#include <QList>
 #include <algorithm>
 #include <array>
 
@@ -51,13 +51,8 @@ auto Find(const Words& words, QStringView text) {
 }  // namespace
 
 std::optional<LineSettings> ParseLineSettings(QStringView text) {
-  std::array<QStringView, 4> parts;
-  std::size_t count = 0;
-  for (const QStringView part : text.tokenize(u',')) {
-    if (count == parts.size()) return std::nullopt;
-    parts[count++] = part;
-  }
-  if (count != parts.size()) return std::nullopt;
+  const QList<QStringView> parts = text.split(u',');
+  if (parts.size() != 4) return std::nullopt;
   const std::optional<speed_t> speed = Find(kSpeeds, parts[0]);
   const std::optional<tcflag_t> parity = Find(kParities, parts[1]);
   const std::optional<tcflag_t> dataBits = Find(kDataBits, parts[2]);

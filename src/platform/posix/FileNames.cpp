@@ -43,15 +43,12 @@ int CorrectCase(const FileCalls& calls, QByteArray& path) {
   QByteArray found = path.startsWith('/') ? "/" : "";
   for (const QByteArray& name : path.split('/')) {
     if (name.isEmpty()) continue;
+    QByteArray entry = name;
     if (!Exists(calls, found + name)) {
-      QByteArray match;
-      const int error = MatchInFolder(calls, found.isEmpty() ? QByteArray(".") : found, name, match);
+      const int error = MatchInFolder(calls, found.isEmpty() ? QByteArray(".") : found, name, entry);
       if (error != 0) return error;
-      found += match;
-    } else {
-      found += name;
     }
-    found += '/';
+    found += entry + '/';
   }
   // A separator behind the last name would make it a folder's.
   if (!path.endsWith('/')) found.chop(1);
@@ -60,13 +57,12 @@ int CorrectCase(const FileCalls& calls, QByteArray& path) {
 }
 
 int CorrectCaseForWriting(const FileCalls& calls, QByteArray& path) {
-  const QByteArray folder = FolderPart(path);
+  QByteArray folder = FolderPart(path);
   const QByteArray name = path.sliced(folder.size());
   if (name.isEmpty()) return folder.isEmpty() ? EINVAL : EISDIR;
-  QByteArray realFolder = folder;
-  int error = folder.isEmpty() ? 0 : CorrectCase(calls, realFolder);
+  int error = CorrectCase(calls, folder);
   if (error != 0) return error;
-  path = realFolder + name;
+  path = folder + name;
   error = CorrectCase(calls, path);
   return error == ENOENT ? 0 : error;
 }

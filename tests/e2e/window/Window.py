@@ -12,6 +12,7 @@ EXAMPLES = os.environ["KALIVOR_EXAMPLES"]
 HZL120, HZL131, LFT205 = "HZL-012.0", "HZL-013.1", "LFT-020.5"
 ENCODING = "utf-8"
 MENU_S = 2
+KEY_LOST_S = 5
 
 
 def keys(*names):
@@ -321,6 +322,11 @@ class Program:
     def end(self):
         """Closes the main window. The program's status when it has ended."""
         self.ask_to_close(self.main)
+        try:
+            self.process.wait(KEY_LOST_S)
+        except subprocess.TimeoutExpired:
+            # A key that comes while the focus still moves can be lost on its way to the program.
+            self.ask_to_close(self.main)
         wait_for(lambda: self.process.poll() is not None, "the end of the program")
         return self.process.returncode
 

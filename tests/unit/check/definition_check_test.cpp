@@ -37,8 +37,6 @@ std::string Text(const QStringList& lines) {
 // A table with one version, its definitions without address list, and what a test makes of them.
 class DefinitionCheckTest : public testing::Test {
  protected:
-  static constexpr int kColumns = 13;
-
   QStringList table{u"Version  Adressliste  Definitionen  Anlagen  Kennung"_s,
                     u"ABC-012.0  -  DEF.TXT  Heizung Luft -  WR"_s};
   QStringList definitions{u"Rubrik  Name  usw."_s, Line({}),

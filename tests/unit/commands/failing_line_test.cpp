@@ -159,7 +159,7 @@ TEST(FailingLine, ALineThatVanishesAtAnyTelegramEndsTheTransferOrderly) {
       const bool aborts = n == 1 || (n == 2 && example.command == CommandSenden_Click);
       EXPECT_EQ(site.report.lines.last(), aborts ? example.aborted : example.done);
       EXPECT_EQ(site.Requests().size(), n) << "nothing more can be sent";
-      EXPECT_TRUE(site.report.lines.filter(u"ERROR: COM 1 nicht verfügber"_s).size() > 0);
+      EXPECT_FALSE(site.report.lines.filter(u"ERROR: COM 1 nicht verfügber"_s).isEmpty());
       EXPECT_EQ(TakeBoxes(site.box).size(), example.command == CommandSenden_Click && n >= 3 ? 1 : 0);
       EXPECT_TRUE(site.Rests());
     }

@@ -11,9 +11,9 @@ namespace {
 /// A transfer hit by one fault.
 struct FaultCase {
   sim::Fault fault;
-  int position;  ///< of the exchange that is hit, counted from 1
-  bool echo;
-  quint32 seed;
+  int position = 1;  ///< of the exchange that is hit, counted from 1
+  bool echo = false;
+  quint32 seed = 0;
 };
 
 // Version query, plant number, and one exchange for each word of the parameters; sending also reads the word

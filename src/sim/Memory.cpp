@@ -77,8 +77,10 @@ QString Memory::Dump() const {
 void Memory::Set(const ParameterRecord& record, qint32 value, const QString& text) {
   if (record.VarAdresse.isEmpty()) return;
   const ParameterType& type = TypeOf(record.Typ);
-  QByteArray bytes(sizeof value, '\0');
-  qToBigEndian(value, bytes.data());
+  // As long as any type's number: what is in front of it repeats the sign.
+  const auto number = qint64{value};
+  QByteArray bytes(sizeof number, '\0');
+  qToBigEndian(number, bytes.data());
   bytes = bytes.right(type.bytes);
   if (type.kind == ValueKind::Text) {
     bytes = BytesFromText(text).leftJustified(StringLength(record) / 2 * 2, ' ', true);

@@ -30,6 +30,10 @@ TEST_F(MainWindowTest, HasItsTitleAndIcon) {
 
 struct ButtonTexts {
   QString name, caption, toolTip;
+
+  friend void PrintTo(const ButtonTexts& button, std::ostream* stream) {
+    *stream << button.name.toStdString();
+  }
 };
 
 class MainWindowButtons : public GuiTest, public testing::WithParamInterface<ButtonTexts> {};
@@ -55,7 +59,8 @@ INSTANTIATE_TEST_SUITE_P(
         ButtonTexts{
             u"CommandVergleichen"_s, u"Vergleichen"_s,
             u"Vergleicht alle angekreuzten Parameter mit den entsprechenden im angeschlossenen Regler "
-            "und meldet alle Abweichungen."_s}));
+            "und meldet alle Abweichungen."_s}),
+    [](const auto& test) { return test.param.name.toStdString(); });
 
 TEST_F(MainWindowTest, TheListsStandInTheirFrames) {
   Start();

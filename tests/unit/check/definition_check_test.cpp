@@ -451,6 +451,13 @@ TEST_F(DefinitionCheckTest, ListWithoutHeading) {
           u"DEF.TXT:2 Fehler Variable „_a“ steht nicht mit einer Adresse in „LISTE.TXT“."_s});
 }
 
+TEST_F(DefinitionCheckTest, TheFirstEntryOfAListNeedsAnAddressToo) {
+  UseList();
+  list[1] = u"_a"_s;
+  Expect({u"LISTE.TXT:2 Fehler Name „_a“ ohne Adresse."_s,
+          u"DEF.TXT:2 Fehler Variable „_a“ steht nicht mit einer Adresse in „LISTE.TXT“."_s});
+}
+
 TEST_F(DefinitionCheckTest, WrappedEntries) {
   const QString longName = u"_EinNameMitMehrAls20Zeichen"_s;
   UseList();

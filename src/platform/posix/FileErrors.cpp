@@ -9,7 +9,7 @@ namespace kalivor::platform {
 namespace {
 
 struct Sentence {
-  int error;
+  int error = 0;
   QStringView text;
 };
 using Sentences = std::span<const Sentence>;

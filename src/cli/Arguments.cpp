@@ -101,8 +101,8 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool print = arguments.command == u"print";
   const struct {
     QStringView option;
-    bool given;
-    bool understood;
+    bool given = false;
+    bool understood = false;
   } options[] = {{u"--json", arguments.json, json},
                  {u"--landscape", arguments.landscape, pages || print},
                  {u"--status-path", arguments.statusPath.has_value(), pages},

@@ -83,7 +83,7 @@ void Memory::Set(const ParameterRecord& record, qint32 value, const QString& tex
   qToBigEndian(number, bytes.data());
   bytes = bytes.right(type.bytes);
   if (type.kind == ValueKind::Text) {
-    bytes = BytesFromText(text).leftJustified(StringLength(record) / 2 * 2, ' ', true);
+    bytes = BytesFromText(text).leftJustified(qsizetype{StringLength(record)} / 2 * 2, ' ', true);
   }
   // Only a single byte may lie in the second half of a word.
   const quint16 first = AddressOf(record) & (type.SharesWord() ? 0xFFFF : 0xFFFE);

@@ -58,7 +58,7 @@ struct TransferButton {
   QStringView name;
   QStringView caption;
   QStringView toolTip;
-  void (*command)(Core& core);
+  void (*command)(Core& core) = nullptr;
 };
 constexpr TransferButton kButtons[] = {
     {u"CommandEmpfangen", u"Empfangen", u"Empfängt alle angekreuzten Parameter vom angeschlossenen Regler.",

@@ -17,7 +17,7 @@ class FullDisk {
   }
   ~FullDisk() {
     EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &before_), 0);
-    std::signal(SIGXFSZ, handler_);
+    (void)std::signal(SIGXFSZ, handler_);
   }
   FullDisk(const FullDisk&) = delete;
   FullDisk& operator=(const FullDisk&) = delete;

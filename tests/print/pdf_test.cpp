@@ -136,7 +136,7 @@ TEST(PdfList, ColumnsStandBelowEachOther) {
   }
   ASSERT_EQ(columns.size(), 34 * 3);
   std::sort(columns.begin(), columns.end());
-  for (const std::size_t column : {0, 34, 68})
+  for (const std::size_t column : {0U, 34U, 68U})
     EXPECT_NEAR(columns[column], columns[column + 33], 0.02) << column;
   EXPECT_GT(columns[34] - columns[33], 2);
 }

@@ -194,8 +194,8 @@ TEST_F(PrintSystem, TheOrientationIsTakenFromTheDialog) {
   ListSite site;
   for (const auto& [button, orientation] :
        {std::pair(u"landscape"_s, kLandscape), std::pair(u"portrait"_s, kPortrait)}) {
-    PrintWithProperties(site,
-                        [&](QDialog& properties) { properties.findChild<QRadioButton*>(button)->click(); });
+    PrintWithProperties(
+        site, [name = button](QDialog& properties) { properties.findChild<QRadioButton*>(name)->click(); });
     EXPECT_EQ(site.printer.Orientation(), orientation);
     EXPECT_EQ(site.Preview().MaxPage, orientation == kLandscape ? 5 : 3);
   }

@@ -7,7 +7,7 @@
 #include "WindowSite.h"
 #include "commands/TransferCommands.h"
 #include "core/Refresh.h"
-#include "fakes/SimulatedLine.h"
+#include "sim/SimulatedLine.h"
 #include "ui/about/frmSplash.h"
 
 namespace kalivor::bench {
@@ -33,7 +33,7 @@ bool ReceiveAll() {
   sim::Controller station(memory, 1, FixedText<2>(u"WR"_s), *sim::VersionPayload(u"AB1-123.4"_s));
   sim::Faults faults;
   sim::LineModel model(station, faults, {});
-  test::SimulatedLine line(clock, model);
+  sim::SimulatedLine line(clock, model);
   Site site(line, clock);
   site.files.files[kDefinitions] = DefinitionFile(kLastParameter);
   site.Start();

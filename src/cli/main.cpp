@@ -6,12 +6,10 @@
 
 #include "cli/Arguments.h"
 #include "cli/Cli.h"
+#include "cli/System.h"
 #include "platform/plain/IniSettingsStore.h"
-#include "platform/posix/LastResort.h"
-#include "platform/posix/PosixFileSystem.h"
-#include "platform/posix/PosixSerialControl.h"
-#include "platform/posix/SerialDevices.h"
-#include "platform/posix/SystemClock.h"
+#include "platform/plain/LastResort.h"
+#include "platform/plain/StoredDevices.h"
 #include "print/painter/PdfPrint.h"
 
 namespace {
@@ -22,6 +20,8 @@ volatile std::sig_atomic_t interrupts = 0;
 void OnInterrupt(int /*signal*/) {
   if (interrupts != 0) std::_Exit(kalivor::cli::kNoTransfer);
   interrupts = 1;
+  // Some systems forget the handler with the first signal.
+  (void)std::signal(SIGINT, OnInterrupt);
 }
 
 bool WantsToPrint(int argc, char** argv) {
@@ -37,6 +37,7 @@ int main(int argc, char** argv) {
   using namespace kalivor;
   std::set_terminate(platform::LastResort<cli::kNoTransfer>);
   (void)std::signal(SIGINT, OnInterrupt);
+  platform::native::PrepareConsole();
   // Only printing needs fonts; everything else starts quicker without them.
   std::unique_ptr<QCoreApplication> application;
   if (WantsToPrint(argc, argv)) {
@@ -45,10 +46,10 @@ int main(int argc, char** argv) {
     application = std::make_unique<QCoreApplication>(argc, argv);
   }
   platform::IniSettingsStore settings;
-  platform::PosixFileSystem files;
-  platform::SystemClock clock;
-  platform::SerialDevices devices(platform::StoredDevices(settings));
-  platform::PosixSerialControl line([&devices](int number) { return devices.Device(number); });
+  platform::native::FileSystem files;
+  platform::native::Clock clock;
+  platform::native::SerialPorts devices(platform::StoredDevices(settings));
+  platform::native::SerialControl line([&devices](int number) { return devices.Device(number); });
   cli::World world{std::cout,
                    std::cerr,
                    settings,

@@ -3,76 +3,56 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QStringList>
 
-#ifndef Q_OS_WIN
-#include "platform/posix/EndWithParent.h"
-#endif
+#include "sim/Faults.h"
+#include "sim/LineModel.h"
+#include "sim/SimulatedLine.h"
+#include "sim/Station.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor {
 namespace {
 
-constexpr int kLongestStart_ms = 10000;
-constexpr int kLongestEnd_ms = 2000;
-
-// The first of `places` below the program's folder that exists; "" when none does.
-QString FindBesideProgram(const QStringList& places) {
+// Beside the program, or where a package for Linux puts it.
+QString FindExample() {
   const QDir program(QCoreApplication::applicationDirPath());
-  for (const QString& place : places) {
-    const QFileInfo found(program.absoluteFilePath(place));
-    if (found.exists()) return QDir::cleanPath(found.absoluteFilePath());
+  for (const QString& place : {u"examples"_s, u"../share/kalivor/examples"_s}) {
+    const QString folder = QDir::cleanPath(program.absoluteFilePath(place));
+    if (QFileInfo::exists(folder + u"/VF.INI"_s)) return folder;
   }
   return {};
-}
-
-// Installed programs lie side by side; in the build tree each lies in its layer's folder.
-QString FindController() {
-#ifdef Q_OS_WIN
-  const QString name = u"kalivor-sim.exe"_s;
-#else
-  const QString name = u"kalivor-sim"_s;
-#endif
-  return FindBesideProgram({name, u"../"_s + name, u"../src/"_s + name, u"../sim/"_s + name});
-}
-
-QString FindExample() {
-  const QString table = u"/VF.INI"_s;
-  const QString found = FindBesideProgram({u"../share/kalivor/examples"_s + table, u"examples"_s + table});
-  return found.isEmpty() ? QString() : QFileInfo(found).absolutePath();
 }
 
 }  // namespace
 
-QString Demo::Start() {
+struct Demo::Controller {
+  sim::Station station;
+  sim::Faults faults{0};
+  std::optional<sim::LineModel> model;
+  std::optional<sim::SimulatedLine> line;
+};
+
+Demo::Demo(platform::Clock& clock) : clock_(clock) {}
+
+Demo::~Demo() = default;
+
+QString Demo::Start(platform::FileSystem& files) {
   folder_ = FindExample();
   if (folder_.isEmpty()) return u"Das mitgelieferte Beispiel wurde nicht gefunden."_s;
-  const QString program = FindController();
-  if (program.isEmpty()) return u"Der simulierte Regler (kalivor-sim) wurde nicht gefunden."_s;
-  settings_.emplace();
-  if (!settings_->isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
+  if (!settings_.isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
 
-  controller_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-#ifndef Q_OS_WIN
-  // A session that ends kills the program, and nobody would be left to end the controller.
-  const qint64 self = QCoreApplication::applicationPid();
-  controller_.setChildProcessModifier([self] { platform::EndWithParent(static_cast<pid_t>(self)); });
-#endif
-  controller_.start(program, {u"--ini-path"_s, folder_});
-  // Its first line is the name of its device.
-  while (!controller_.canReadLine()) {
-    if (!controller_.waitForReadyRead(kLongestStart_ms))
-      return u"Der simulierte Regler ist nicht gestartet: "_s + controller_.errorString();
-  }
-  device_ = QString::fromLocal8Bit(controller_.readLine()).trimmed();
+  controller_ = std::make_unique<Controller>();
+  controller_->station.module.Inipath = folder_;
+  QString fault = sim::SetUp(controller_->station, files, {}, 1);
+  if (!fault.isEmpty()) return fault;
+  controller_->model.emplace(*controller_->station.controller, controller_->faults);
+  controller_->line.emplace(clock_, *controller_->model);
   return {};
 }
 
-Demo::~Demo() {
-  if (controller_.state() == QProcess::NotRunning) return;
-  controller_.terminate();
-  if (!controller_.waitForFinished(kLongestEnd_ms)) controller_.kill();
+platform::SerialControl& Demo::Line() {
+  return *controller_->line;
 }
 
 }  // namespace kalivor

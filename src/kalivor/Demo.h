@@ -1,33 +1,42 @@
-// The demonstration: a simulated controller as a child process, on the shipped example.
+// The demonstration: a simulated controller inside the program, on the shipped example.
 #pragma once
 
-#include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
-#include <optional>
+#include <memory>
+
+#include "platform/Clock.h"
+#include "platform/FileSystem.h"
+#include "platform/SerialControl.h"
 
 namespace kalivor {
 
 class Demo {
  public:
+  /// `clock` is the line's time and must outlive the demonstration.
+  explicit Demo(platform::Clock& clock);
   ~Demo();
+  Demo(const Demo&) = delete;
+  Demo& operator=(const Demo&) = delete;
 
-  /// Starts the controller. Returns "" or the reason in German why it cannot be.
-  [[nodiscard]] QString Start();
+  /// Prepares the controller. Returns "" or the reason in German why it cannot be.
+  [[nodiscard]] QString Start(platform::FileSystem& files);
 
-  /// The device that it answers on.
-  [[nodiscard]] const QString& Device() const { return device_; }
+  /// The line to the controller, whatever the port's number. After Start().
+  [[nodiscard]] platform::SerialControl& Line();
 
-  /// The folder of the example's definitions.
+  /// The folder of the example's definitions. After Start().
   [[nodiscard]] const QString& Folder() const { return folder_; }
 
-  /// A settings file for this run alone. After Start().
-  [[nodiscard]] QString SettingsFile() const { return settings_->filePath(QStringLiteral("KALIVOR.ini")); }
+  /// A settings file for this run alone.
+  [[nodiscard]] QString SettingsFile() const { return settings_.filePath(QStringLiteral("KALIVOR.ini")); }
 
  private:
-  QProcess controller_;
-  std::optional<QTemporaryDir> settings_;  // only where there is a demonstration
-  QString device_;
+  struct Controller;
+
+  platform::Clock& clock_;
+  QTemporaryDir settings_;
+  std::unique_ptr<Controller> controller_;
   QString folder_;
 };
 

@@ -12,12 +12,10 @@
 
 #include "kalivor/Arguments.h"
 #include "kalivor/Demo.h"
+#include "kalivor/System.h"
 #include "platform/plain/IniSettingsStore.h"
-#include "platform/posix/LastResort.h"
-#include "platform/posix/PosixFileSystem.h"
-#include "platform/posix/PosixSerialControl.h"
-#include "platform/posix/SerialDevices.h"
-#include "platform/posix/SystemClock.h"
+#include "platform/plain/LastResort.h"
+#include "platform/plain/StoredDevices.h"
 #include "platform/qt/ManualHelp.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtFileDialogs.h"
@@ -27,9 +25,6 @@
 #include "print/MDIFormPrint.h"
 #include "ui/Resources.h"
 #include "ui/main/Desktop.h"
-#ifdef Q_OS_WIN
-#include "platform/win32/Win32Registry.h"
-#endif
 
 namespace {
 
@@ -43,18 +38,24 @@ int Refuse(const QString& reason) {
   return kBadInput;
 }
 
-// Everything of the real world, in the order of its needs.
+// Everything of the real world, in the order of its needs; in a demonstration with its settings and its line.
 struct Process {
-  explicit Process(std::unique_ptr<platform::SettingsStore> store)
-      : settings(std::move(store)),
-        devices(platform::StoredDevices(*settings)),
-        line([this](int number) { return devices.Device(number); }) {}
+  explicit Process(Demo* theDemo)
+      : demo(theDemo),
+        settings(demo != nullptr ? platform::IniSettingsStore(demo->SettingsFile())
+                                 : platform::IniSettingsStore()),
+        devices(platform::StoredDevices(settings)),
+        port([this](int number) { return devices.Device(number); }) {}
 
-  ui::SystemInformation SystemInformation() {
+  [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : port; }
+
+  [[nodiscard]] QString ShownDevice(int number) {
+    return demo != nullptr ? u"simulierter Regler"_s : devices.Shown(number);
+  }
+
+  static ui::SystemInformation SystemInformation() {
     ui::SystemInformation system;
-#ifdef Q_OS_WIN
-    system.registry = &registry;
-#endif
+    system.registry = platform::native::SystemRegistry();
     system.fileExists = [](const QString& path) { return QFileInfo::exists(path); };
     // By its full path only: nobody's search path decides what is started.
     system.start = [](const QString& program) {
@@ -63,19 +64,17 @@ struct Process {
     return system;
   }
 
-  std::unique_ptr<platform::SettingsStore> settings;
+  Demo* demo;
+  platform::IniSettingsStore settings;
   platform::QtMessageBox box;
-  platform::PosixFileSystem files;
-  platform::SerialDevices devices;
-  platform::PosixSerialControl line;
-  platform::SystemClock clock;
+  platform::native::FileSystem files;
+  platform::native::SerialPorts devices;
+  platform::native::SerialControl port;
+  platform::native::Clock clock;
   platform::QtEvents events;
   platform::QtFileDialogs dialogs;
   platform::ManualHelp help{platform::ManualFolders(QCoreApplication::applicationDirPath()),
                             QDesktopServices::openUrl};
-#ifdef Q_OS_WIN
-  platform::Win32Registry registry;
-#endif
 };
 
 // The program speaks German, and so are the toolkit's own dialogs to do.
@@ -96,11 +95,6 @@ bool AnswerWithoutWindow(const QStringList& arguments) {
     return false;
   }
   return true;
-}
-
-// A device that the user has named for a port may not be there now.
-QString PresentDevice(const QString& device) {
-  return QFileInfo::exists(device) ? device : QString();
 }
 
 // The print frame, made when it is first needed. So is the printer: making it asks the system's printing
@@ -131,18 +125,18 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
   ui::frmSplash splash;
   process.box.BeforeShow = [&splash] { splash.hide(); };
   std::unique_ptr<Printing> printing;
-  const ui::World world{*process.settings,
+  const ui::World world{process.settings,
                         process.box,
                         process.files,
-                        process.line,
+                        process.Line(),
                         process.clock,
                         process.events,
                         QCoreApplication::applicationDirPath(),
-                        process.SystemInformation(),
+                        Process::SystemInformation(),
                         [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); },
                         process.dialogs,
                         process.help,
-                        [&process](int number) { return PresentDevice(process.devices.Device(number)); },
+                        [&process](int number) { return process.ShownDevice(number); },
                         [&printing] { printing->Print(); }};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
@@ -181,14 +175,15 @@ int main(int argc, char** argv) {
     const QString fault = TakePort(*arguments.port, run, device);
     if (!fault.isEmpty()) return Refuse(fault);
   }
-  Demo demo;
-  if (!arguments.demo) {
-    Process process(std::make_unique<platform::IniSettingsStore>());
-    return RunProgram(application, process, run, device, arguments.valueFile);
+  std::optional<Demo> demo;
+  platform::native::Clock demoClock;
+  if (arguments.demo) {
+    platform::native::FileSystem files;
+    demo.emplace(demoClock);
+    const QString fault = demo->Start(files);
+    if (!fault.isEmpty()) return Refuse(fault);
+    if (!run.iniPath) run.iniPath = demo->Folder();
   }
-  const QString fault = demo.Start();
-  if (!fault.isEmpty()) return Refuse(fault);
-  if (!run.iniPath) run.iniPath = demo.Folder();
-  Process process(std::make_unique<platform::IniSettingsStore>(demo.SettingsFile()));
-  return RunProgram(application, process, run, demo.Device(), arguments.valueFile);
+  Process process(demo ? &*demo : nullptr);
+  return RunProgram(application, process, run, device, arguments.valueFile);
 }

@@ -5,13 +5,11 @@
 #include <QSaveFile>
 #include <cerrno>
 
-#include "base/Paths.h"
-#include "core/DefinitionFiles.h"
 #include "core/ValueFileFormat.h"
 #include "platform/posix/FileErrors.h"
 #include "sim/Arguments.h"
-#include "sim/Controller.h"
 #include "sim/PtyLine.h"
+#include "sim/Station.h"
 
 using namespace Qt::StringLiterals;
 
@@ -28,26 +26,18 @@ void RequireNone(const QString& fault) {
   if (!fault.isEmpty()) throw BadInput{fault};
 }
 
-QString OnOneLine(const QString& box) {
-  return box.trimmed().replace(u"\r\n"_s, u" | "_s);
-}
-
-// Reads the definitions and the values.
-void Prepare(const Arguments& arguments, platform::FileSystem& files, const Console& console, Module1& module,
-             Memory& memory) {
-  module.Inipath = arguments.iniPath;
-  module.Inifile = arguments.iniFile;
-  RequireNone(LoadDefinitions(module, files, arguments.controller));
-  memory.LoadStandards(module);
+// Puts what the user has given into the controller's memory.
+void TakeValues(const Arguments& arguments, platform::FileSystem& files, const Console& console,
+                Station& station) {
   if (!arguments.values.isEmpty()) {
     const platform::FileContent file = files.Read(arguments.values);
     if (!file.Ok()) throw BadInput{u"Fehler beim Lesen von "_s + arguments.values + u": "_s + file.error};
-    if (memory.LoadValues(module, ParseValueFile(file.bytes)) == 0) {
+    if (station.memory.LoadValues(station.module, ParseValueFile(file.bytes)) == 0) {
       throw BadInput{u"Die Wertedatei "_s + arguments.values +
                      u" enthält keinen Parameter dieser Reglerversion."_s};
     }
   }
-  if (!memory.SetPlantNumber(module, arguments.plant.value_or(0)) && arguments.plant) {
+  if (arguments.plant && !station.memory.SetPlantNumber(station.module, *arguments.plant)) {
     console.error(
         u"Hinweis: Diese Reglerversion hat keine Adresse für die Anlagennummer; --plant wirkt nicht."_s);
   }
@@ -100,22 +90,15 @@ void Serve(const Arguments& arguments, const Console& console, PtyLine& line, in
 
 void Simulate(const Arguments& arguments, platform::FileSystem& files, const Console& console,
               int stopDescriptor) {
-  Module1 module;
-  Memory memory;
-  Prepare(arguments, files, console, module, memory);
-  const VersionRecord& version = module.SelectedVersion();
-  const std::optional<QByteArray> payload = VersionPayload(version.Version);
-  if (!payload) {
-    throw BadInput{
-        u"Kein Regler kann sich mit der Version „"_s + version.Version +
-        u"“ melden: Sie muss aus drei oder vier Zeichen, „-“ und einer Nummer wie 012.0 bestehen."_s};
-  }
-
-  Controller controller(memory, arguments.address, version.Kennung, *payload);
+  Station station;
+  station.module.Inipath = arguments.iniPath;
+  station.module.Inifile = arguments.iniFile;
+  RequireNone(SetUp(station, files, arguments.controller, arguments.address));
+  TakeValues(arguments, files, console, station);
   Faults faults(arguments.seed);
   for (const FaultRule& rule : arguments.faults)
     faults.Add(rule);
-  LineModel model(controller, faults, arguments.line);
+  LineModel model(*station.controller, faults, arguments.line);
   if (arguments.trace) {
     model.OnTrace = [&console, start = PtyLine::Seconds()](const TraceEvent& event) {
       console.error(TraceLine(event.time - start, event));
@@ -124,38 +107,10 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
   PtyLine line(model);
   Serve(arguments, console, line, stopDescriptor);
   line.Close();
-  if (!arguments.dump.isEmpty()) WriteDump(arguments.dump, memory);
+  if (!arguments.dump.isEmpty()) WriteDump(arguments.dump, station.memory);
 }
 
 }  // namespace
-
-QString LoadDefinitions(Module1& module, platform::FileSystem& files, const QString& controller) {
-  module.Inipath = WithSeparator(module.Inipath);
-  try {
-    ReadVersionTable(module, files, VersionTablePath(module));
-  } catch (const RuntimeError& error) {
-    return OnOneLine(VersionTableFailure(VersionTablePath(module), error));
-  }
-  const int position = controller.isEmpty() ? 0 : module.VersionList.Find(controller);
-  if (position < 0 || position >= module.VersionList.Count()) {
-    return u"Unbekannte Reglerversion: "_s + controller;
-  }
-  module.VersionList.Select(position);
-  const VersionRecord& version = module.SelectedVersion();
-  try {
-    ReadDefinitions(module, files, DefinitionPath(module, version.DefDatei), HasAddressList(version));
-  } catch (const RuntimeError& error) {
-    return u"Fehler beim Lesen der Definitionen: "_s + error.Description();
-  }
-  if (!HasAddressList(version)) return {};
-  const QString path = DefinitionPath(module, version.AdrDatei);
-  try {
-    ReadAddressList(module, files, path);
-  } catch (const RuntimeError& error) {
-    return OnOneLine(ReadFailure(path, error));
-  }
-  return {};
-}
 
 int Run(const QStringList& list, platform::FileSystem& files, const Console& console, int stopDescriptor) {
   try {

@@ -4,7 +4,6 @@
 #include <QStringList>
 #include <functional>
 
-#include "base/Module1.h"
 #include "platform/FileSystem.h"
 
 namespace kalivor::sim {
@@ -18,12 +17,6 @@ struct Console {
   std::function<void(const QString& line)> out;
   std::function<void(const QString& line)> error;
 };
-
-/// Reads the version table that `module` names (Inipath, Inifile), selects the version `controller` (the
-/// first one when empty) and reads its parameters and addresses. Returns "" or a German description of the
-/// failure in one line.
-[[nodiscard]] QString LoadDefinitions(Module1& module, platform::FileSystem& files,
-                                      const QString& controller);
 
 /// Runs until `stopDescriptor` becomes readable or a fault unplugs the line, and returns the exit status.
 [[nodiscard]] int Run(const QStringList& arguments, platform::FileSystem& files, const Console& console,

@@ -19,6 +19,7 @@
 
 #include "platform/posix/FileErrors.h"
 #include "platform/posix/MonotonicTime.h"
+#include "platform/posix/TerminalSettings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -134,25 +135,8 @@ void PtyLine::SendToPc(const QByteArray& bytes) const {
 
 // The rate at which the PC has set the device; both ends of a pseudo-terminal share it.
 int PtyLine::Baud() const {
-  static constexpr std::array<std::pair<speed_t, int>, 10> kRates = {{
-      {B300, 300},
-      {B600, 600},
-      {B1200, 1200},
-      {B2400, 2400},
-      {B4800, 4800},
-      {B9600, 9600},
-      {B19200, 19200},
-      {B38400, 38400},
-      {B57600, 57600},
-      {B115200, 115200},
-  }};
   termios settings{};
-  if (tcgetattr(slave_, &settings) != 0) return 0;
-  const speed_t speed = cfgetospeed(&settings);
-  for (const auto& [code, baud] : kRates) {
-    if (code == speed) return baud;
-  }
-  return 0;
+  return tcgetattr(slave_, &settings) == 0 ? platform::BaudOf(cfgetospeed(&settings)) : 0;
 }
 
 void PtyLine::ReleaseStaleExclusiveUse() {

@@ -2,7 +2,7 @@
 #include <QCoreApplication>
 #include <iostream>
 
-#include "platform/posix/LastResort.h"
+#include "platform/plain/LastResort.h"
 #include "platform/posix/PosixFileSystem.h"
 #include "sim/Program.h"
 #include "sim/PtyLine.h"

@@ -5,8 +5,8 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeSerialControl.h"
-#include "fakes/SimulatedLine.h"
 #include "platform/posix/PosixSerialControl.h"
+#include "sim/SimulatedLine.h"
 #include "sim/Telegram.h"
 #include "unit/posix/PseudoTerminal.h"
 
@@ -66,7 +66,7 @@ class SimulatedRig {
   sim::Controller controller_{memory_, 1, u"WR"_s, "AB1-04D2"};
   sim::Faults faults_;
   sim::LineModel model_{controller_, faults_};
-  SimulatedLine line_{clock_, model_};
+  sim::SimulatedLine line_{clock_, model_};
 };
 
 // A pseudo-terminal, in real time.

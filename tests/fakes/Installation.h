@@ -10,8 +10,8 @@
 #include "fakes/FakeFileSystem.h"
 #include "fakes/FakeForms.h"
 #include "fakes/QtPrinters.h"
-#include "fakes/SimulatedLine.h"
 #include "fakes/ThrownKind.h"
+#include "sim/SimulatedLine.h"
 
 namespace kalivor::test {
 
@@ -25,7 +25,7 @@ class FarEnd {
   sim::Controller station;
   sim::Faults faults;
   sim::LineModel model;
-  SimulatedLine line{clock, model};
+  sim::SimulatedLine line{clock, model};
 
   FarEnd(const QString& version, const sim::LineOptions& options)
       : station(memory, 1, FixedText<2>(u"WR"_s), sim::VersionPayload(version).value_or(QByteArray())),

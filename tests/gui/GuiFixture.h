@@ -18,10 +18,10 @@
 #include "fakes/FakeForms.h"
 #include "fakes/FakeHelp.h"
 #include "fakes/QtPrinters.h"
-#include "fakes/SimulatedLine.h"
 #include "platform/qt/QtEvents.h"
 #include "sim/Controller.h"
-#include "sim/Program.h"
+#include "sim/SimulatedLine.h"
+#include "sim/Station.h"
 #include "ui/main/Desktop.h"
 
 namespace kalivor::test {
@@ -139,7 +139,7 @@ class GuiTest : public testing::Test {
     desktop.reset();
     line.reset();
     far = std::make_unique<SimulatedController>(files, kFolder, version);
-    line = std::make_unique<SimulatedLine>(clock, *far->model);
+    line = std::make_unique<sim::SimulatedLine>(clock, *far->model);
   }
 
   void Load(const RunSettings& run = {}) {
@@ -248,7 +248,7 @@ class GuiTest : public testing::Test {
   FakeHelp help;
   QMap<int, QString> devices;  ///< behind the port numbers
   std::unique_ptr<SimulatedController> far;
-  std::unique_ptr<SimulatedLine> line;
+  std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;
 };
 

@@ -38,8 +38,8 @@ const std::vector<Layer>& Layers() {
     return std::vector<Layer>{
         {u"platform"_s, {}},
         {u"platform/plain"_s, {u"platform"_s}},
-        {u"platform/posix"_s, {u"platform"_s}, true},
-        {u"platform/win32"_s, {u"platform"_s}, true},
+        {u"platform/posix"_s, {u"platform"_s, u"platform/plain"_s}, true},
+        {u"platform/win32"_s, {u"platform"_s, u"platform/plain"_s}, true},
         {u"platform/gui"_s, {}, false, true},
         {u"platform/qt"_s, {u"platform"_s, u"platform/gui"_s, u"base"_s}, false, true},
         {u"base"_s, {u"platform"_s}},
@@ -53,7 +53,7 @@ const std::vector<Layer>& Layers() {
         {u"ui"_s, ui, false, true},
         {u"sim"_s, commands + real, true},
         {u"cli"_s, painter + real + QStringList{u"commands"_s, u"check"_s, u"print/painter"_s}},
-        {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s}, false, true},
+        {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s}, false, true},
     };
   }();
   return layers;
@@ -301,7 +301,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Planted{u"platform/A.h"_s, u"\"platform/plain/IniSettingsStore.h\""_s, false},
                     Planted{u"platform/plain/A.h"_s, u"\"base/su.h\""_s, false},
                     Planted{u"platform/posix/A.cpp"_s, u"\"base/Numbers.h\""_s, false},
-                    Planted{u"platform/posix/A.cpp"_s, u"\"platform/plain/IniSettingsStore.h\""_s, false},
+                    Planted{u"platform/plain/A.cpp"_s, u"\"platform/posix/Descriptor.h\""_s, false},
                     Planted{u"platform/win32/A.cpp"_s, u"\"comm/TH.h\""_s, false},
                     Planted{u"base/A.h"_s, u"\"comm/TH.h\""_s, false},
                     Planted{u"base/A.h"_s, u"\"platform/posix/SystemClock.h\""_s, false},
@@ -326,7 +326,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Planted{u"platform/qt/A.cpp"_s, u"\"core/Core.h\""_s, false},
                     Planted{u"print/A.cpp"_s, u"\"cli/Cli.h\""_s, false},
                     Planted{u"ui/main/A.cpp"_s, u"\"kalivor/Arguments.h\""_s, false},
-                    Planted{u"kalivor/A.cpp"_s, u"\"sim/Controller.h\""_s, false}));
+                    Planted{u"kalivor/A.cpp"_s, u"\"cli/Edits.h\""_s, false}));
 
 INSTANTIATE_TEST_SUITE_P(Unclear, PlantedInclude,
                          testing::Values(Planted{u"core/A.cpp"_s, u"\"A.h\""_s, false},

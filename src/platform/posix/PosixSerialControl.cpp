@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/posix/MonotonicTime.h"
+#include "platform/posix/TerminalSettings.h"
 #include "platform/posix/Uninterrupted.h"
 
 namespace kalivor::platform {
@@ -41,13 +42,13 @@ termios WithSettings(termios attributes, const LineSettings& settings) {
   attributes.c_iflag &= ~static_cast<tcflag_t>(IGNPAR | IXOFF | IXANY);
   attributes.c_iflag |= INPCK | PARMRK;
   attributes.c_cflag &= ~static_cast<tcflag_t>(kCharacterFlags | CSTOPB | CRTSCTS);
-  attributes.c_cflag |= CREAD | CLOCAL | settings.flags;
+  attributes.c_cflag |= CREAD | CLOCAL | ControlFlags(settings);
   // One character satisfies a read: so nothing waiting is an error of its own, and only a line that is gone
   // reads as the end of the file.
   attributes.c_cc[VMIN] = 1;
   attributes.c_cc[VTIME] = 0;
-  (void)cfsetispeed(&attributes, settings.speed);
-  (void)cfsetospeed(&attributes, settings.speed);
+  (void)cfsetispeed(&attributes, SpeedOf(settings.baud));
+  (void)cfsetospeed(&attributes, SpeedOf(settings.baud));
   return attributes;
 }
 

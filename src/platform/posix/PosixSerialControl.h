@@ -1,14 +1,16 @@
 // A serial port through the terminal driver.
 #pragma once
 
+#include <termios.h>
+
 #include <QByteArray>
 #include <functional>
 #include <memory>
 #include <optional>
 
 #include "platform/SerialControl.h"
+#include "platform/plain/LineSettings.h"
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/LineSettings.h"
 #include "platform/posix/MarkedInput.h"
 #include "platform/posix/SerialDriver.h"
 

@@ -27,15 +27,6 @@ bool HasHardware(const QString& systemFolder, const QString& name) {
 
 }  // namespace
 
-QMap<int, QString> StoredDevices(const SettingsStore& settings) {
-  QMap<int, QString> devices;
-  for (int number = 1; number <= kLargestPortNumber; ++number) {
-    const QString device = settings.Get(u"Ports"_s, u"COM%1"_s.arg(number), QString());
-    if (!device.isEmpty()) devices[number] = device;
-  }
-  return devices;
-}
-
 SerialDevices::SerialDevices(QMap<int, QString> overrides, QString deviceFolder, QString systemFolder)
     : overrides_(std::move(overrides)),
       deviceFolder_(std::move(deviceFolder)),
@@ -56,6 +47,11 @@ QString SerialDevices::Device(int number) {
     presentAt_ = changedAt;
   }
   return present_.value(number - 1);
+}
+
+QString SerialDevices::Shown(int number) {
+  const QString device = Device(number);
+  return QFileInfo::exists(device) ? device : QString();
 }
 
 QStringList SerialDevices::Scan() const {

@@ -8,12 +8,8 @@
 #include <filesystem>
 
 #include "platform/SerialControl.h"
-#include "platform/SettingsStore.h"
 
 namespace kalivor::platform {
-
-/// The devices that the user has set for port numbers: section "Ports", keys "COM1" to "COM8".
-[[nodiscard]] QMap<int, QString> StoredDevices(const SettingsStore& settings);
 
 /// Numbers without a device of their own count the serial devices that are present: the built-in ports, then
 /// the USB adapters (ttyUSB before ttyACM), each in the order of their numbers.
@@ -29,6 +25,9 @@ class SerialDevices {
 
   /// The device path of port `number`, "" when there is none or the number is not 1..8.
   [[nodiscard]] QString Device(int number);
+
+  /// The same for the user to see, "" when the device is not there now.
+  [[nodiscard]] QString Shown(int number);
 
  private:
   using FileTime = std::filesystem::file_time_type;

@@ -15,15 +15,6 @@ def children_of(process_id):
         return [int(word) for word in file.read().split()]
 
 
-def runs(process_id):
-    """Whether it is there and has not ended."""
-    try:
-        with open(f"/proc/{process_id}/stat", encoding="utf-8") as file:
-            return file.read().rpartition(")")[2].split()[0] != "Z"
-    except FileNotFoundError:
-        return False
-
-
 class Start(Scenario):
     def test_shows_lists_tree_and_state(self):
         program = self.program()
@@ -63,26 +54,14 @@ class Start(Scenario):
         for key in ("MainLeft", "MainTop", "MainWidth", "MainHeight"):
             float(settings[key])
 
-    def demo(self):
-        """The demonstration, and the process of its simulated controller."""
-        program = self.program_on(None, "--demo", ini_path=None)
-        (controller,) = children_of(program.process.pid)
-        self.assertTrue(runs(controller))
-        return program, controller
-
     def test_demonstration(self):
-        program, controller = self.demo()
+        program = self.program_on(None, "--demo", ini_path=None)
+        self.assertEqual(children_of(program.process.pid), [])
         report = program.transfer("Empfangen")
         self.assertEqual(report.wait_for_end(), "Empfangen.." + "." * 111 + "\nEmpfangen beendet\n")
         report.close()
         self.assertEqual(program.end(), 0)
-        self.assertFalse(runs(controller))
         self.assertEqual(os.listdir(program.settings_folder), [])
-
-    def test_a_killed_demonstration_takes_its_controller_along(self):
-        program, controller = self.demo()
-        program.process.kill()
-        wait_for(lambda: not runs(controller), "the end of the controller")
 
 
 if __name__ == "__main__":

@@ -11,9 +11,9 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFileSystem.h"
 #include "fakes/QtPrinters.h"
-#include "fakes/SimulatedLine.h"
 #include "print/pages/PageTexts.h"
 #include "sim/Controller.h"
+#include "sim/SimulatedLine.h"
 #include "sim/Telegram.h"
 
 using namespace Qt::StringLiterals;
@@ -95,7 +95,7 @@ class CliTest : public testing::Test {
   std::optional<sim::Controller> controller{ControllerOf(u"AB1-123.4"_s)};
   sim::Faults faults;
   sim::LineModel model{*controller, faults};
-  test::SimulatedLine line{clock, model};
+  sim::SimulatedLine line{clock, model};
   QMap<int, QString> devices;
   bool interrupted = false;
   std::ostringstream out;

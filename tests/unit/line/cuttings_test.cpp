@@ -8,10 +8,10 @@
 #include <thread>
 
 #include "comm/COM_T.h"
-#include "fakes/SimulatedLine.h"
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SystemClock.h"
 #include "sim/PtyLine.h"
+#include "sim/SimulatedLine.h"
 #include "unit/line/PlayedLine.h"
 
 using namespace Qt::StringLiterals;
@@ -165,7 +165,7 @@ class Station {
 TEST_P(Cuttings, ComeToTheSameOnTheSimulatedLine) {
   FakeClock clock;
   Station station;
-  SimulatedLine line(clock, station.model);
+  sim::SimulatedLine line(clock, station.model);
   Reader reader(line, clock);
   ForEachCutting(GetParam().received, [&](const Pieces& pieces) {
     station.pieces = pieces;

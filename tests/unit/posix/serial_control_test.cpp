@@ -14,6 +14,7 @@
 
 #include "fakes/QtPrinters.h"
 #include "platform/posix/MonotonicTime.h"
+#include "platform/posix/TerminalSettings.h"
 #include "unit/posix/AsOrdinaryUser.h"
 #include "unit/posix/PseudoTerminal.h"
 #include "unit/posix/RepeatedSignal.h"
@@ -210,20 +211,25 @@ TEST_F(SerialControlTest, RefusesBadSettings) {
 TEST(LineSettings, ReadsTheNotation) {
   struct Row {
     QStringView text;
+    LineSettings settings;
     speed_t speed = B0;
     tcflag_t flags = 0;
   };
-  for (const Row& row :
-       {Row{u"9600,o,7,1", B9600, PARENB | PARODD | CS7}, Row{u"19200,n,8,1", B19200, CS8},
-        Row{u"300,e,7,2", B300, PARENB | CS7 | CSTOPB},
-        Row{u"115200,M,8,1", B115200, PARENB | PARODD | CMSPAR | CS8},
-        Row{u"50,s,5,1", B50, PARENB | CMSPAR | CS5}, Row{u"4000000,N,6,2", B4000000, CS6 | CSTOPB}}) {
+  for (const Row& row : {Row{u"9600,o,7,1", {9600, 'o', 7, 1}, B9600, PARENB | PARODD | CS7},
+                         Row{u"19200,n,8,1", {19200, 'n', 8, 1}, B19200, CS8},
+                         Row{u"300,e,7,2", {300, 'e', 7, 2}, B300, PARENB | CS7 | CSTOPB},
+                         Row{u"115200,M,8,1", {115200, 'm', 8, 1}, B115200, PARENB | PARODD | CMSPAR | CS8},
+                         Row{u"50,s,5,1", {50, 's', 5, 1}, B50, PARENB | CMSPAR | CS5},
+                         Row{u"4000000,N,6,2", {4000000, 'n', 6, 2}, B4000000, CS6 | CSTOPB}}) {
     const std::optional<LineSettings> settings = ParseLineSettings(row.text);
     ASSERT_TRUE(settings) << row.text.toUtf8().constData();
-    EXPECT_EQ(settings->speed, row.speed);
-    EXPECT_EQ(settings->flags, row.flags);
+    EXPECT_EQ(*settings, row.settings);
+    EXPECT_EQ(SpeedOf(settings->baud), row.speed);
+    EXPECT_EQ(BaudOf(row.speed), settings->baud);
+    EXPECT_EQ(ControlFlags(*settings), row.flags);
     EXPECT_EQ(settings->HasParity(), (row.flags & PARENB) != 0);
   }
+  EXPECT_EQ(BaudOf(B0), 0);
 }
 
 TEST_F(SerialControlTest, RefusesWhatIsNoSerialDevice) {

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include "fakes/QtPrinters.h"
+#include "platform/plain/StoredDevices.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,5 @@
 // The serial port with a controller behind it, in virtual time.
-#include "fakes/SimulatedLine.h"
+#include "sim/SimulatedLine.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace kalivor::test {
+namespace kalivor::sim {
 namespace {
 
-using namespace sim;
 using platform::InputWait;
 
 const QByteArray kRequest = Sealed("#0102R1F00");
@@ -26,7 +25,7 @@ class SimulatedLineTest : public ::testing::Test {
   Memory memory;
   Controller controller{memory, 1, FixedText<2>(u"WR"_s), "HZL-0078"};
   Faults faults;
-  FakeClock clock;
+  test::FakeClock clock;
 
   void SetUp() override { memory.SetWord(0x1F00, 0x0ABC); }
 
@@ -208,4 +207,4 @@ TEST_F(SimulatedLineTest, ServesTheTelegramLayer) {
 }
 
 }  // namespace
-}  // namespace kalivor::test
+}  // namespace kalivor::sim

@@ -1,11 +1,10 @@
 // What is said when nobody has caught a lack of memory.
 #pragma once
 
-#include <unistd.h>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <string_view>
 
 namespace kalivor::platform {
 
@@ -18,9 +17,8 @@ template <int Status>
     if (const std::exception_ptr error = std::current_exception()) std::rethrow_exception(error);
   } catch (const std::bad_alloc&) {
     // Nothing that takes memory may be used any more.
-    constexpr std::string_view text = "Der Arbeitsspeicher reicht nicht aus. Das Programm wird beendet.\n";
-    (void)!write(STDERR_FILENO, text.data(), text.size());
-    _exit(Status);
+    (void)std::fputs("Der Arbeitsspeicher reicht nicht aus. Das Programm wird beendet.\n", stderr);
+    std::_Exit(Status);
   } catch (...) {
     // Its trace is worth more than a message.
   }

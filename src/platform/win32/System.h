@@ -1,0 +1,38 @@
+// What a program on this system is put together from.
+#pragma once
+
+#include <windows.h>
+
+// Behind windows.h.
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+
+#include "platform/win32/SerialPorts.h"
+#include "platform/win32/Win32Clock.h"
+#include "platform/win32/Win32FileSystem.h"
+#include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32SerialControl.h"
+
+namespace kalivor::platform::native {
+
+using Clock = Win32Clock;
+using FileSystem = Win32FileSystem;
+using SerialPorts = platform::SerialPorts;
+using SerialControl = Win32SerialControl;
+
+/// The system's registry, for the whole run.
+[[nodiscard]] inline Registry* SystemRegistry() {
+  static Win32Registry registry;
+  return &registry;
+}
+
+/// Lets standard output and error take UTF-8 with the line ends as they are written.
+inline void PrepareConsole() {
+  for (std::FILE* stream : {stdout, stderr})
+    (void)_setmode(_fileno(stream), _O_BINARY);
+  (void)SetConsoleOutputCP(CP_UTF8);
+}
+
+}  // namespace kalivor::platform::native

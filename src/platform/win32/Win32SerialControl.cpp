@@ -1,0 +1,268 @@
+#include "platform/win32/Win32SerialControl.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace kalivor::platform {
+namespace {
+
+using Steady = std::chrono::steady_clock;
+
+// "\\.\COM3": the short name serves the first nine ports only.
+std::wstring SystemName(const QString& name) {
+  return (QStringLiteral("\\\\.\\") + name).toStdWString();
+}
+
+BYTE ParityCode(char parity) {
+  switch (parity) {
+    case 'o':
+      return ODDPARITY;
+    case 'e':
+      return EVENPARITY;
+    case 'm':
+      return MARKPARITY;
+    case 's':
+      return SPACEPARITY;
+    default:
+      return NOPARITY;
+  }
+}
+
+// Raw characters, damaged ones marked, no flow control, no modem lines.
+DCB StateOf(const LineSettings& settings) {
+  DCB state{};
+  state.DCBlength = sizeof state;
+  state.BaudRate = static_cast<DWORD>(settings.baud);
+  state.ByteSize = static_cast<BYTE>(settings.dataBits);
+  state.Parity = ParityCode(settings.parity);
+  state.StopBits = settings.stopBits == 2 ? TWOSTOPBITS : ONESTOPBIT;
+  state.fBinary = TRUE;
+  state.fParity = settings.parity != 'n';
+  state.fErrorChar = state.fParity;
+  state.ErrorChar = '?';
+  state.fDtrControl = DTR_CONTROL_ENABLE;
+  state.fRtsControl = RTS_CONTROL_DISABLE;
+  return state;
+}
+
+// The error that explains the others: a break also looks like damaged characters.
+int EventOf(DWORD errors) {
+  if ((errors & CE_BREAK) != 0) return kCommEventBreak;
+  if ((errors & CE_RXPARITY) != 0) return kCommEventParity;
+  if ((errors & CE_FRAME) != 0) return kCommEventFraming;
+  if ((errors & CE_OVERRUN) != 0) return kCommEventOverrun;
+  if ((errors & CE_RXOVER) != 0) return kCommEventReceiveOverflow;
+  return kCommEventNone;
+}
+
+}  // namespace
+
+Win32SerialControl::Win32SerialControl(NameResolver resolver, SerialCalls& calls)
+    : resolver_(std::move(resolver)), calls_(calls) {}
+
+Win32SerialControl::~Win32SerialControl() {
+  Close();
+}
+
+bool Win32SerialControl::Open(int number, const QString& settings) {
+  Close();
+  event_ = kCommEventNone;
+  lineGone_ = false;
+  const std::optional<LineSettings> wanted = ParseLineSettings(settings);
+  const QString name = wanted ? resolver_(number) : QString();
+  if (name.isEmpty()) return false;
+  port_ = calls_.Open(SystemName(name).c_str());
+  if (!IsOpen()) return false;
+  if (!Configure(*wanted)) {
+    Close();
+    return false;
+  }
+  // A port that has no such line is as good as any other.
+  (void)SetRts(false);
+  return true;
+}
+
+bool Win32SerialControl::Configure(const LineSettings& settings) {
+  // A read ends with the first character, and waits for it as long as it takes.
+  constexpr COMMTIMEOUTS kTimeouts{MAXDWORD, MAXDWORD, MAXDWORD - 1, 0, 0};
+  const DCB wanted = StateOf(settings);
+  DCB actual{};
+  const bool taken = calls_.SetState(port_, wanted) || !calls_.IsRealPort();
+  return taken && calls_.GetState(port_, actual) && actual.BaudRate == wanted.BaudRate &&
+         calls_.SetTimeouts(port_, kTimeouts);
+}
+
+void Win32SerialControl::Close() {
+  if (!IsOpen()) return;
+  // Without it, closing waits for unsent characters.
+  (void)calls_.Purge(port_, PURGE_TXABORT | PURGE_TXCLEAR | PURGE_RXABORT | PURGE_RXCLEAR);
+  Cancel(read_);
+  Cancel(write_);
+  calls_.Close(std::exchange(port_, INVALID_HANDLE_VALUE));
+  output_.clear();
+  input_.clear();
+  sendDoneDue_ = false;
+}
+
+bool Win32SerialControl::SetRts(bool raised) {
+  return IsOpen() && !lineGone_ && (calls_.Escape(port_, raised ? SETRTS : CLRRTS) || !calls_.IsRealPort());
+}
+
+bool Win32SerialControl::ClearInBuffer() {
+  if (!IsOpen()) return false;
+  Cancel(read_);
+  input_.clear();
+  return !lineGone_ && calls_.Purge(port_, PURGE_RXABORT | PURGE_RXCLEAR);
+}
+
+bool Win32SerialControl::ClearOutBuffer() {
+  if (!IsOpen()) return false;
+  Cancel(write_);
+  output_.clear();
+  sendDoneDue_ = false;
+  return !lineGone_ && calls_.Purge(port_, PURGE_TXABORT | PURGE_TXCLEAR);
+}
+
+void Win32SerialControl::SetSThreshold(int characters) {
+  threshold_ = characters;
+  ReportSendDone();
+}
+
+void Win32SerialControl::Output(const QByteArray& characters) {
+  if (!IsOpen() || lineGone_ || characters.isEmpty()) return;
+  if (leaving_.size() + output_.size() + characters.size() > kOutputLimit_bytes) {
+    ReportError(kCommEventTransmitFull);
+    return;
+  }
+  output_ += characters;
+  sendDoneDue_ = true;
+  StartWrite();
+  TakeEnded(0);
+}
+
+int Win32SerialControl::InBufferCount() {
+  if (!IsOpen()) return 0;
+  StartRead();
+  TakeEnded(0);
+  return static_cast<int>(input_.size());
+}
+
+QByteArray Win32SerialControl::Input() {
+  if (input_.isEmpty()) (void)InBufferCount();
+  return std::exchange(input_, {});
+}
+
+InputWait Win32SerialControl::WaitForInput(double seconds) {
+  if (!IsOpen()) return InputWait::LineGone;
+  const auto end = Steady::now() + std::chrono::duration<double>(std::max(0.0, seconds));
+  for (;;) {
+    StartRead();
+    const double left_ms = std::chrono::duration<double, std::milli>(end - Steady::now()).count();
+    TakeEnded(left_ms <= 0 ? 0 : static_cast<DWORD>(std::min(std::ceil(left_ms), 1e9)));
+    if (!input_.isEmpty()) return InputWait::Input;
+    if (lineGone_) return InputWait::LineGone;
+    if (Steady::now() >= end) return InputWait::TimedOut;
+  }
+}
+
+int Win32SerialControl::CommEvent() {
+  if (IsOpen() && !reportsSent_) {
+    TakeErrors();
+    if (lineGone_) event_ = kCommEventDeviceControlBlock;
+  }
+  return event_;
+}
+
+// Looks for the next characters, one read at a time.
+void Win32SerialControl::StartRead() {
+  if (read_.underWay || lineGone_) return;
+  ResetEvent(read_.overlapped.hEvent);
+  read_.underWay =
+      calls_.StartRead(port_, arriving_.data(), static_cast<DWORD>(arriving_.size()), read_.overlapped);
+  if (!read_.underWay) lineGone_ = true;
+}
+
+// Sends what is queued, one write at a time.
+void Win32SerialControl::StartWrite() {
+  if (write_.underWay || lineGone_ || output_.isEmpty()) return;
+  leaving_ = std::exchange(output_, {});
+  ResetEvent(write_.overlapped.hEvent);
+  write_.underWay =
+      calls_.StartWrite(port_, leaving_.constData(), static_cast<DWORD>(leaving_.size()), write_.overlapped);
+  if (!write_.underWay) {
+    // Nothing can be sent any more; the next wait reports it.
+    leaving_.clear();
+    sendDoneDue_ = false;
+    lineGone_ = true;
+  }
+}
+
+// Waits until the read or the write has ended, or the time is over, and takes over what has.
+void Win32SerialControl::TakeEnded(DWORD time_ms) {
+  std::array<HANDLE, 2> events{};
+  std::size_t count = 0;
+  for (const Operation* operation : {&read_, &write_}) {
+    if (operation->underWay) events[count++] = operation->overlapped.hEvent;
+  }
+  if (count == 0) return;
+  calls_.Wait(std::span(events).first(count), time_ms);
+  const auto ended = [](const Operation& operation) {
+    return operation.underWay && WaitForSingleObject(operation.overlapped.hEvent, 0) == WAIT_OBJECT_0;
+  };
+  if (ended(write_)) TakeWritten();
+  if (ended(read_)) TakeRead();
+}
+
+void Win32SerialControl::TakeRead() {
+  DWORD count = 0;
+  read_.underWay = false;
+  if (!calls_.Result(port_, read_.overlapped, count)) {
+    lineGone_ = true;
+    return;
+  }
+  input_.append(arriving_.data(), static_cast<qsizetype>(count));
+  TakeErrors();
+}
+
+void Win32SerialControl::TakeWritten() {
+  DWORD count = 0;
+  write_.underWay = false;
+  if (!calls_.Result(port_, write_.overlapped, count)) lineGone_ = true;
+  leaving_.clear();
+  StartWrite();
+  ReportSendDone();
+}
+
+void Win32SerialControl::Cancel(Operation& operation) {
+  if (!std::exchange(operation.underWay, false)) return;
+  calls_.Cancel(port_, operation.overlapped);
+  if (&operation == &write_) leaving_.clear();
+}
+
+void Win32SerialControl::TakeErrors() {
+  DWORD errors = 0;
+  COMSTAT status{};
+  if (!calls_.ClearError(port_, errors, status)) {
+    lineGone_ = true;
+  } else if (const int error = EventOf(errors); error != kCommEventNone) {
+    ReportError(error);
+  }
+}
+
+void Win32SerialControl::ReportSendDone() {
+  if (threshold_ <= 0 || !sendDoneDue_ || write_.underWay || lineGone_) return;
+  sendDoneDue_ = false;
+  if (event_ == kCommEventNone) event_ = kCommEventSendDone;
+  reportsSent_ = true;
+  if (OnComm) OnComm();
+  reportsSent_ = false;
+}
+
+void Win32SerialControl::ReportError(int event) {
+  event_ = event;
+  if (OnComm) OnComm();
+}
+
+}  // namespace kalivor::platform

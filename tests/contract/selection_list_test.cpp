@@ -38,6 +38,20 @@ TEST(SelectionList, ACopyIsASnapshotWithoutHandlerAndView) {
   list = copy;
   EXPECT_EQ(list.Text(0), QStringLiteral("zwei"));
   EXPECT_EQ(runs, before + 1) << "its own view shows what it has become";
+  copy.Select(0);
+  list = copy;
+  EXPECT_EQ(list.SelectedText(), QStringLiteral("zwei"));
+}
+
+TEST(SelectionList, ItsViewHearsOfEveryChange) {
+  SelectionList list;
+  QStringList shown;
+  list.OnShow = [&] { shown.append(QString::number(list.Count()) + list.SelectedText()); };
+  list.Add(QStringLiteral("a"));
+  list.Select(0);
+  list.Select(0);
+  list.Clear();
+  EXPECT_EQ(shown, (QStringList{QStringLiteral("1"), QStringLiteral("1a"), QStringLiteral("0")}));
 }
 
 }  // namespace

@@ -210,9 +210,11 @@ TEST(ReadDefinitions, HoldsExactly2000Parameters) {
   QStringList lines(kLastParameter, Line());
   lines.append(Line(u"int"_s, u"2000"_s, u"ANL"_s, u"NoRubrik"_s));
   site.module.Par[0].Wert = 7;
+  site.module.Par[kLastParameter].Wert = 8;
   site.SetDefinitions(u"A.TXT"_s, lines);
   ReadSelectedDefinitions(site.core);
   EXPECT_EQ(site.module.ParCount, 2001);
+  EXPECT_EQ(site.module.Par[kLastParameter].Wert, 8) << "the last slot keeps its value as all others do";
   EXPECT_EQ(site.module.Par[0].Variable, u"ANL"_s);
   EXPECT_EQ(site.module.Par[0].Wert, 0) << "there is no slot behind the last to take a value from";
 

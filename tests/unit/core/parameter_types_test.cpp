@@ -66,6 +66,8 @@ TEST(ParameterTypes, AByteKeepsItsNeighbourBelowTheSign) {
   EXPECT_EQ(type.toWords(0x43, false, 0x4142)[0], 0x4342);
   EXPECT_EQ(type.fromWords({0x4142}, false), 0x41);
   EXPECT_EQ(type.fromWords({0x4142}, true), 0x42);
+  EXPECT_EQ(type.fromWords({0x7F00}, false), 0x7F);
+  EXPECT_EQ(type.fromWords({-0x8000}, false), -0x80);
   EXPECT_EQ(ThrownKind([&] { (void)type.toWords(std::numeric_limits<qint32>::max(), false, 0); }),
             RuntimeError::Kind::Overflow);
 }

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/win32/SystemError.h"
 #include "platform/win32/OpenFile.h"
+#include "platform/win32/SystemError.h"
 
 using namespace Qt::StringLiterals;
 

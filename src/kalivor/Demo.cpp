@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "kalivor/System.h"
 #include "sim/Faults.h"
 #include "sim/LineModel.h"
 #include "sim/SimulatedLine.h"
@@ -27,27 +28,29 @@ QString FindExample() {
 }  // namespace
 
 struct Demo::Controller {
+  platform::native::Clock clock;
   sim::Station station;
   sim::Faults faults{0};
   std::optional<sim::LineModel> model;
   std::optional<sim::SimulatedLine> line;
 };
 
-Demo::Demo(platform::Clock& clock) : clock_(clock) {}
+Demo::Demo() = default;
 
 Demo::~Demo() = default;
 
-QString Demo::Start(platform::FileSystem& files) {
+QString Demo::Start() {
   folder_ = FindExample();
   if (folder_.isEmpty()) return u"Das mitgelieferte Beispiel wurde nicht gefunden."_s;
   if (!settings_.isValid()) return u"Es kann kein Ordner für vorläufige Dateien angelegt werden."_s;
 
+  platform::native::FileSystem files;
   controller_ = std::make_unique<Controller>();
   controller_->station.module.Inipath = folder_;
   QString fault = sim::SetUp(controller_->station, files, {}, 1);
   if (!fault.isEmpty()) return fault;
   controller_->model.emplace(*controller_->station.controller, controller_->faults);
-  controller_->line.emplace(clock_, *controller_->model);
+  controller_->line.emplace(controller_->clock, *controller_->model);
   return {};
 }
 

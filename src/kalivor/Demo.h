@@ -5,22 +5,19 @@
 #include <QTemporaryDir>
 #include <memory>
 
-#include "platform/Clock.h"
-#include "platform/FileSystem.h"
 #include "platform/SerialControl.h"
 
 namespace kalivor {
 
 class Demo {
  public:
-  /// `clock` is the line's time and must outlive the demonstration.
-  explicit Demo(platform::Clock& clock);
+  Demo();
   ~Demo();
   Demo(const Demo&) = delete;
   Demo& operator=(const Demo&) = delete;
 
   /// Prepares the controller. Returns "" or the reason in German why it cannot be.
-  [[nodiscard]] QString Start(platform::FileSystem& files);
+  [[nodiscard]] QString Start();
 
   /// The line to the controller, whatever the port's number. After Start().
   [[nodiscard]] platform::SerialControl& Line();
@@ -34,7 +31,6 @@ class Demo {
  private:
   struct Controller;
 
-  platform::Clock& clock_;
   QTemporaryDir settings_;
   std::unique_ptr<Controller> controller_;
   QString folder_;

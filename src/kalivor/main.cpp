@@ -176,11 +176,8 @@ int main(int argc, char** argv) {
     if (!fault.isEmpty()) return Refuse(fault);
   }
   std::optional<Demo> demo;
-  platform::native::Clock demoClock;
   if (arguments.demo) {
-    platform::native::FileSystem files;
-    demo.emplace(demoClock);
-    const QString fault = demo->Start(files);
+    const QString fault = demo.emplace().Start();
     if (!fault.isEmpty()) return Refuse(fault);
     if (!run.iniPath) run.iniPath = demo->Folder();
   }

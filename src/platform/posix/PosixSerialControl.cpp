@@ -62,12 +62,7 @@ bool SameSettings(const termios& a, const termios& b, tcflag_t overlooked) {
 }  // namespace
 
 PosixSerialControl::PosixSerialControl(DeviceResolver resolver, std::unique_ptr<SerialDriver> driver)
-    : resolver_(std::move(resolver)), driver_(std::move(driver)) {
-  constexpr qsizetype kTelegram_bytes = 256;
-  output_.reserve(kTelegram_bytes);
-  input_.reserve(kTelegram_bytes);
-  taken_.reserve(kTelegram_bytes);
-}
+    : resolver_(std::move(resolver)), driver_(std::move(driver)) {}
 
 PosixSerialControl::~PosixSerialControl() {
   Close();
@@ -76,19 +71,12 @@ PosixSerialControl::~PosixSerialControl() {
 bool PosixSerialControl::Open(int number, const QString& settings) {
   Close();
   event_ = kCommEventNone;
-  if (settings != settings_) {
-    settings_ = settings;
-    parsed_ = ParseLineSettings(settings);
-  }
-  if (!parsed_) return false;
+  const std::optional<LineSettings> wanted = ParseLineSettings(settings);
+  if (!wanted) return false;
   const QString path = resolver_(number);
   if (path.isEmpty()) return false;
 
-  if (path != path_) {
-    path_ = path;
-    fileName_ = QFile::encodeName(path);
-  }
-  Descriptor device = OpenDevice(fileName_);
+  Descriptor device = OpenDevice(QFile::encodeName(path));
   termios present{};
   if (!device.Valid() || tcgetattr(device.Get(), &present) != 0) return false;
   // Before anything is touched: another program may be in the middle of a transfer.
@@ -96,12 +84,12 @@ bool PosixSerialControl::Open(int number, const QString& settings) {
 
   port_ = std::move(device);
   isPseudoTerminal_ = IsPseudoTerminal(port_.Get());
-  if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*parsed_, present)) {
+  if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*wanted, present)) {
     Close();
     return false;
   }
   if (!isPseudoTerminal_) LowerLatency();
-  hasParity_ = parsed_->HasParity();
+  hasParity_ = wanted->HasParity();
   lineGone_ = false;
   unsent_ = false;
   driverCountsErrors_ = false;
@@ -140,8 +128,8 @@ void PosixSerialControl::Close() {
   if (unsent_) (void)tcflush(port_.Get(), TCOFLUSH);
   (void)ioctl(port_.Get(), TIOCNXCL);
   port_.Close();
-  output_.resize(0);
-  input_.resize(0);
+  output_.clear();
+  input_.clear();
   marks_.Reset();
   sendDoneDue_ = false;
 }
@@ -157,14 +145,14 @@ bool PosixSerialControl::SetRts(bool raised) {
 
 bool PosixSerialControl::ClearInBuffer() {
   if (!port_.Valid()) return false;
-  input_.resize(0);
+  input_.clear();
   marks_.Reset();
   return tcflush(port_.Get(), TCIFLUSH) == 0;
 }
 
 bool PosixSerialControl::ClearOutBuffer() {
   if (!port_.Valid()) return false;
-  output_.resize(0);
+  output_.clear();
   sendDoneDue_ = false;
   if (tcflush(port_.Get(), TCOFLUSH) != 0) return false;
   unsent_ = false;
@@ -199,7 +187,7 @@ void PosixSerialControl::FlushOutput() {
       break;
     } else if (errno != EINTR) {
       // The device is gone, which the next wait reports; nothing can be sent any more.
-      output_.resize(0);
+      output_.clear();
       sendDoneDue_ = false;
       return;
     }
@@ -244,11 +232,7 @@ int PosixSerialControl::InBufferCount() {
 QByteArray PosixSerialControl::Input() {
   // Characters come one by one as a rule, and the wait has read them: there is nothing behind.
   if (input_.isEmpty()) ReadAll();
-  // A copy, so that both buffers keep their memory from exchange to exchange.
-  taken_.resize(0);
-  taken_.append(input_.constData(), input_.size());
-  input_.resize(0);
-  return taken_;
+  return std::exchange(input_, {});
 }
 
 InputWait PosixSerialControl::WaitForInput(double seconds) {

@@ -81,11 +81,6 @@ class PosixSerialControl final : public SerialControl {
   std::optional<LineErrorCounts> counted_;
   QByteArray output_;  // queued, not yet taken by the driver
   QByteArray input_;   // received, not yet taken by Input()
-  QByteArray taken_;   // what Input() returned last
-  QString path_;       // the device that was opened last, and its name for the system
-  QByteArray fileName_;
-  QString settings_;  // the settings that were asked for last, and what they mean
-  std::optional<LineSettings> parsed_;
   MarkedInput marks_;
 };
 

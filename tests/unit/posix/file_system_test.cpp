@@ -1,7 +1,6 @@
 // Files of the computer.
 #include "platform/posix/PosixFileSystem.h"
 
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -201,14 +200,14 @@ TEST_F(PosixFileSystemTest, RefusesImpossibleNames) {
 
 // The system's own words would be English.
 TEST_F(PosixFileSystemTest, DescribesOtherFailuresInGerman) {
+  struct NoneLeft final : FileCalls {
+    int Open(const QByteArray& /*path*/, int /*flags*/, mode_t /*mode*/) const override {
+      errno = EMFILE;
+      return -1;
+    }
+  } const calls;
   Write(u"a.txt"_s, "x");
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
-  const rlimit none{0, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  const QString error = Error(u"a.txt"_s);
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
-  EXPECT_EQ(error, u"Zu viele geöffnete Dateien."_s);
+  EXPECT_EQ(PosixFileSystem(calls).Read(Path(u"a.txt"_s)).error, u"Zu viele geöffnete Dateien."_s);
   // A page that nothing maps: readable by its rights, but every read fails.
   EXPECT_EQ(ErrorOfPath(u"/proc/self/mem"_s), u"Ein-/Ausgabefehler beim Lesen der Datei."_s);
 }

@@ -19,7 +19,7 @@ namespace {
 QString FindExample() {
   const QDir program(QCoreApplication::applicationDirPath());
   for (const QString& place : {u"examples"_s, u"../share/kalivor/examples"_s}) {
-    const QString folder = QDir::cleanPath(program.absoluteFilePath(place));
+    QString folder = QDir::cleanPath(program.absoluteFilePath(place));
     if (QFileInfo::exists(folder + u"/VF.INI"_s)) return folder;
   }
   return {};

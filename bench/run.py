@@ -2,8 +2,8 @@
 """Measures the work of the programs against floors and peers of the same run, and prints one table.
 
 usage: script/bench [OPTION…] [SECTION…]
-  SECTION        exchange, files, start, windows, waiting, transfers or counts (default: all); instructions are
-                 the part of the counts that is an ordinary test
+  SECTION        exchange, files, start, windows, waiting, transfers or counts (default: all); counts are an
+                 ordinary test as well
   --quick        shorter transfers and fewer rounds
   --count N      parameters of a transfer (default: 200)
   --markdown     the table as Markdown
@@ -11,7 +11,7 @@ usage: script/bench [OPTION…] [SECTION…]
                  status 1 when one has grown by more than 10 %
   --record       write each section's table into docs/performance.md, and the counts into bench/baseline.json
 
-The exit status of a run is 1 when an aim was missed, and 77 when instructions alone were asked for and there is
+The exit status of a run is 1 when an aim was missed, and 77 when counts alone were asked for and there is
 no valgrind to count them or nothing to compare them with.
 """
 import argparse
@@ -399,7 +399,7 @@ def main():
     parser.add_argument("--record", action="store_true")
     parser.add_argument("--build", default="build/release")
     options = parser.parse_args()
-    unknown = set(options.sections) - {*SECTIONS, "instructions"}
+    unknown = set(options.sections) - set(SECTIONS)
     if unknown:
         parser.error("unknown section: " + ", ".join(sorted(unknown)))
 
@@ -412,8 +412,8 @@ def main():
             getattr(bench, section)()
         except Uncounted as reason:
             print(reason, file=sys.stderr)
-            sys.exit(77 if options.sections == ["instructions"] else 2)
-        if options.record and section in SECTIONS:
+            sys.exit(77 if options.sections == ["counts"] else 2)
+        if options.record:
             subprocess.run(["script/release/record", "docs/performance.md", section], cwd=PROJECT, check=True,
                            input=bench.table.text(True, first), text=True)
     print(bench.table.text(options.markdown))

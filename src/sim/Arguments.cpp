@@ -59,6 +59,7 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--dump", TakeText<&Arguments::dump>},
     {u"--address", TakeAddress},
     {u"--rate", TakeRate},
+    {u"--tcp", TakeNumber<quint16, &Arguments::tcp>},
     {u"--plant", TakeNumber<qint16, &Arguments::plant>},
     {u"--seed", TakeNumber<quint32, &Arguments::seed>},
     {u"--fault", TakeFault},
@@ -105,6 +106,8 @@ Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das P
   --ini-file NAME        Dateiname der Versionstabelle (sonst VF.INI)
   --controller TEXT      Reglerversion, genau wie in der Versionstabelle (sonst die erste)
   --link PFAD            symbolische Verknüpfung, die auf das Gerät zeigt
+  --tcp PORT             statt des Pseudo-Terminals eine Netzverbindung auf diesem
+                         Rechner (0: ein freier Port); unter Windows immer
   --address N            Geräteadresse 0 bis 255 (sonst 1)
   --rate 9600|19200      die einzige Baudrate, die der Regler versteht (sonst jede)
   --paced                Zeichen brauchen so lange wie auf einer echten Leitung

@@ -20,6 +20,7 @@ struct Arguments {
   int address = 1;
   LineOptions line;
   std::optional<qint16> plant;
+  std::optional<quint16> tcp;  ///< the network port to be reached at; 0 for any that is free
   quint32 seed = 0;
   std::vector<FaultRule> faults;
   bool trace = false;

@@ -3,13 +3,11 @@
 
 #include <QFileInfo>
 #include <QSaveFile>
-#include <cerrno>
 
 #include "core/ValueFileFormat.h"
-#include "platform/posix/FileErrors.h"
-#include "sim/Arguments.h"
-#include "sim/PtyLine.h"
+#include "platform/plain/FileError.h"
 #include "sim/Station.h"
+#include "sim/System.h"
 
 using namespace Qt::StringLiterals;
 
@@ -51,9 +49,9 @@ void WriteDump(const QString& path, const Memory& memory) {
       file.commit())
     return;
   // The toolkit's own reason would be English. It tells of a folder without asking the system.
-  const int error = errno;
+  const QString reason = platform::native::DescribeLastWriting();
   throw BadInput{u"Fehler beim Schreiben von "_s + path + u": "_s +
-                 platform::DescribeWriting(QFileInfo(path).isDir() ? EISDIR : error)};
+                 (QFileInfo(path).isDir() ? DescribeWriting(platform::FileError::IsFolder, 0) : reason)};
 }
 
 QString TraceLine(double seconds, const TraceEvent& event) {
@@ -79,17 +77,17 @@ QString TraceLine(double seconds, const TraceEvent& event) {
 }
 
 // Opens the line and answers on it until the user ends the program or the line vanishes.
-void Serve(const Arguments& arguments, const Console& console, PtyLine& line, int stopDescriptor) {
+void Serve(const Arguments& arguments, const Console& console, Line& line) {
   RequireNone(line.Open());
   if (!arguments.link.isEmpty()) RequireNone(line.Link(arguments.link));
   console.out(line.DeviceName());
-  const PtyLine::End end = line.Run(stopDescriptor);
-  if (end == PtyLine::End::Failed) throw BadInput{u"Das Pseudo-Terminal ist ausgefallen."_s};
-  if (end == PtyLine::End::Unplugged) console.error(u"Die Leitung wurde getrennt."_s);
+  const Line::End end = line.Run();
+  if (end == Line::End::Failed) throw BadInput{u"Das Pseudo-Terminal ist ausgefallen."_s};
+  if (end == Line::End::Unplugged) console.error(u"Die Leitung wurde getrennt."_s);
 }
 
 void Simulate(const Arguments& arguments, platform::FileSystem& files, const Console& console,
-              int stopDescriptor) {
+              const MakeLine& makeLine) {
   Station station;
   station.module.Inipath = arguments.iniPath;
   station.module.Inifile = arguments.iniFile;
@@ -100,26 +98,27 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
     faults.Add(rule);
   LineModel model(*station.controller, faults, arguments.line);
   if (arguments.trace) {
-    model.OnTrace = [&console, start = PtyLine::Seconds()](const TraceEvent& event) {
+    model.OnTrace = [&console, start = Line::Seconds()](const TraceEvent& event) {
       console.error(TraceLine(event.time - start, event));
     };
   }
-  PtyLine line(model);
-  Serve(arguments, console, line, stopDescriptor);
-  line.Close();
+  const std::unique_ptr<Line> line = makeLine(model, arguments);
+  Serve(arguments, console, *line);
+  line->Close();
   if (!arguments.dump.isEmpty()) WriteDump(arguments.dump, station.memory);
 }
 
 }  // namespace
 
-int Run(const QStringList& list, platform::FileSystem& files, const Console& console, int stopDescriptor) {
+int Run(const QStringList& list, platform::FileSystem& files, const Console& console,
+        const MakeLine& makeLine) {
   try {
     const Arguments arguments = ParseArguments(list);
     RequireNone(arguments.error);
     if (arguments.help || arguments.programVersion) {
       console.out(arguments.help ? HelpText() : u"kalivor-sim " KALIVOR_VERSION ""_s);
     } else {
-      Simulate(arguments, files, console, stopDescriptor);
+      Simulate(arguments, files, console, makeLine);
     }
     return kDone;
   } catch (const BadInput& bad) {

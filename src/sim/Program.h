@@ -3,8 +3,12 @@
 
 #include <QStringList>
 #include <functional>
+#include <memory>
 
 #include "platform/FileSystem.h"
+#include "sim/Arguments.h"
+#include "sim/Line.h"
+#include "sim/LineModel.h"
 
 namespace kalivor::sim {
 
@@ -18,8 +22,11 @@ struct Console {
   std::function<void(const QString& line)> error;
 };
 
-/// Runs until `stopDescriptor` becomes readable or a fault unplugs the line, and returns the exit status.
+/// Makes the line that `arguments` ask for, with `model` at its other end.
+using MakeLine = std::function<std::unique_ptr<Line>(LineModel& model, const Arguments& arguments)>;
+
+/// Runs until the line ends, and returns the exit status.
 [[nodiscard]] int Run(const QStringList& arguments, platform::FileSystem& files, const Console& console,
-                      int stopDescriptor);
+                      const MakeLine& makeLine);
 
 }  // namespace kalivor::sim

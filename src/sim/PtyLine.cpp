@@ -45,10 +45,6 @@ int StopSignalDescriptor() {
   return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-double PtyLine::Seconds() {
-  return static_cast<double>(platform::MonotonicNow_ns()) * 1e-9;
-}
-
 QString PtyLine::Open() {
   Close();
   master_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
@@ -88,7 +84,7 @@ QString PtyLine::Link(const QString& path) {
   return {};
 }
 
-PtyLine::End PtyLine::Run(int stopDescriptor) {
+Line::End PtyLine::Run() {
   // Bytes are to leave at their time, not up to 50 µs later.
   prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
   for (;;) {
@@ -105,7 +101,7 @@ PtyLine::End PtyLine::Run(int stopDescriptor) {
     if (!wake && !exclusiveUseChecked_) wake = lastTraffic_ + staleAfter_s_;
     const double sleep_s = wake.value_or(now) - Seconds();
     const timespec left = platform::ToTimespec(platform::NanosecondsOf(sleep_s));
-    std::array<pollfd, 2> watched = {{{master_, POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
+    std::array<pollfd, 2> watched = {{{master_, POLLIN, 0}, {stopDescriptor_, POLLIN, 0}}};
     if (ppoll(watched.data(), watched.size(), wake ? &left : nullptr, nullptr) < 0 && errno != EINTR) {
       return End::Failed;
     }

@@ -1,8 +1,7 @@
 // The simulated controller behind a pseudo-terminal.
 #pragma once
 
-#include <QString>
-
+#include "sim/Line.h"
 #include "sim/LineModel.h"
 
 namespace kalivor::sim {
@@ -12,41 +11,32 @@ namespace kalivor::sim {
 [[nodiscard]] int StopSignalDescriptor();
 
 /// A program opens the slave device like a serial port, also anew for every telegram; the model answers it.
-class PtyLine {
+class PtyLine final : public Line {
  public:
-  /// How Run() ended.
-  enum class End { Stopped, Unplugged, Failed };
-
   /// A program that was killed leaves the device closed to other users' programs. After so many seconds
   /// without a request, longer than any program waits for a reply, it is opened to them again.
   static constexpr double kStaleAfter_s = 3;
 
-  /// `model` must outlive the line. Its times are those of Seconds().
-  explicit PtyLine(LineModel& model, double staleAfter_s = kStaleAfter_s)
-      : model_(model), staleAfter_s_(staleAfter_s) {}
-  ~PtyLine() { Close(); }
+  /// `model` must outlive the line. Run() ends when `stopDescriptor` becomes readable.
+  PtyLine(LineModel& model, int stopDescriptor, double staleAfter_s = kStaleAfter_s)
+      : model_(model), stopDescriptor_(stopDescriptor), staleAfter_s_(staleAfter_s) {}
+  ~PtyLine() override { Close(); }
   PtyLine(const PtyLine&) = delete;
   PtyLine& operator=(const PtyLine&) = delete;
 
-  /// Opens a pseudo-terminal in raw mode at 9600 baud. Returns "" or a German description of the failure.
-  [[nodiscard]] QString Open();
+  /// Opens a pseudo-terminal in raw mode at 9600 baud.
+  [[nodiscard]] QString Open() override;
 
   /// Makes `path` a symbolic link to the device. Another symbolic link of that name is replaced in one step,
-  /// anything else refused. Returns "" or a German description of the failure.
-  [[nodiscard]] QString Link(const QString& path);
+  /// anything else refused.
+  [[nodiscard]] QString Link(const QString& path) override;
+  [[nodiscard]] QString DeviceName() const override { return deviceName_; }
 
-  /// The device to open; "" while closed.
-  [[nodiscard]] const QString& DeviceName() const { return deviceName_; }
-
-  /// Answers until `stopDescriptor` becomes readable or the line vanishes. It sleeps until the next byte
-  /// comes or is to go out.
-  [[nodiscard]] End Run(int stopDescriptor);
+  /// Sleeps until the next byte comes or is to go out.
+  [[nodiscard]] End Run() override;
 
   /// Removes the link, if it is still ours, and closes the terminal: whoever has it open sees a hang-up.
-  void Close();
-
-  /// Seconds on the system's monotonic clock.
-  [[nodiscard]] static double Seconds();
+  void Close() override;
 
  private:
   void ReceiveFromPc();
@@ -55,6 +45,7 @@ class PtyLine {
   void ReleaseStaleExclusiveUse();
 
   LineModel& model_;
+  int stopDescriptor_;
   double staleAfter_s_;
   int master_ = -1;
   int slave_ = -1;

@@ -3,9 +3,9 @@
 #include <iostream>
 
 #include "platform/plain/LastResort.h"
-#include "platform/posix/PosixFileSystem.h"
+#include "sim/Host.h"
 #include "sim/Program.h"
-#include "sim/PtyLine.h"
+#include "sim/System.h"
 
 namespace {
 
@@ -19,11 +19,16 @@ void Write(std::ostream& stream, const QString& line) {
 int main(int argc, char** argv) {
   using namespace kalivor;
   std::set_terminate(platform::LastResort<sim::kBadInput>);
-  const int stop = sim::StopSignalDescriptor();
-  if (stop < 0) return sim::kBadInput;
+  const sim::Host host;
+  if (!host.Ready()) return sim::kBadInput;
+  platform::native::PrepareConsole();
   const QCoreApplication application(argc, argv);
-  platform::PosixFileSystem files;
+  host.QuitOnRequest();
+  platform::native::FileSystem files;
   const sim::Console console{[](const QString& line) { Write(std::cout, line); },
                              [](const QString& line) { Write(std::cerr, line); }};
-  return sim::Run(QCoreApplication::arguments().sliced(1), files, console, stop);
+  const auto makeLine = [&host](sim::LineModel& model, const sim::Arguments& arguments) {
+    return host.MakeLine(model, arguments);
+  };
+  return sim::Run(QCoreApplication::arguments().sliced(1), files, console, makeLine);
 }

@@ -12,7 +12,7 @@
 #include "platform/posix/PosixFileSystem.h"
 #include "platform/posix/PosixSerialControl.h"
 #include "platform/posix/SystemClock.h"
-#include "sim/PtyLine.h"
+#include "sim/Line.h"
 
 using namespace Qt::StringLiterals;
 
@@ -102,8 +102,8 @@ int RunRealEndurance(double seconds) {
   Course own, far;
   int transfers = 0;
   double shown = 0;
-  const double start = sim::PtyLine::Seconds();
-  for (int number = 0; number < 2 || sim::PtyLine::Seconds() - start < seconds; ++number) {
+  const double start = sim::Line::Seconds();
+  for (int number = 0; number < 2 || sim::Line::Seconds() - start < seconds; ++number) {
     for (const Round& round : rounds) {
       const QString fault = RunOne(pc, round);
       if (!fault.isEmpty()) {
@@ -112,7 +112,7 @@ int RunRealEndurance(double seconds) {
       }
       ++transfers;
     }
-    const double passed = sim::PtyLine::Seconds() - start;
+    const double passed = sim::Line::Seconds() - start;
     // The first round touches everything for the first time.
     own.Add(UsageOf(getpid()));
     far.Add(UsageOf(simulator.processId()));
@@ -123,7 +123,7 @@ int RunRealEndurance(double seconds) {
       (void)std::fflush(stdout);
     }
   }
-  const double passed = sim::PtyLine::Seconds() - start;
+  const double passed = sim::Line::Seconds() - start;
   simulator.terminate();
   simulator.waitForFinished(60'000);
 

@@ -22,6 +22,7 @@ struct Layer {
   QStringList mayInclude;      ///< folders below src/; its own is always allowed
   bool systemHeaders = false;  ///< headers of the operating system
   bool windows = false;        ///< all of Qt, not only its Core module
+  bool network = false;        ///< Qt's Network module
 };
 
 // A folder that is not listed here is a violation by itself: whoever adds one decides where it stands.
@@ -51,7 +52,7 @@ const std::vector<Layer>& Layers() {
         {u"print/painter"_s, painter, false, true},
         {u"print"_s, print, false, true},
         {u"ui"_s, ui, false, true},
-        {u"sim"_s, commands + real, true},
+        {u"sim"_s, commands + real, true, false, true},
         {u"cli"_s, painter + real + QStringList{u"commands"_s, u"check"_s, u"print/painter"_s}},
         {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s}, false, true},
     };
@@ -192,6 +193,7 @@ QString ForbiddenProjectHeader(const Layer& layer, const QString& target) {
 QString ForbiddenLibraryHeader(const Layer& layer, const QString& header) {
   if (header.startsWith(u'Q')) {
     if (layer.windows || header.startsWith(u"QtCore/") || CoreHeaders().contains(header)) return {};
+    if (layer.network && header.startsWith(u"QTcp")) return {};
     return u"is not known to belong to Qt's Core module"_s;
   }
   // Headers of the C++ library are single words; a point or a folder marks the operating system's.
@@ -342,6 +344,8 @@ INSTANTIATE_TEST_SUITE_P(SystemHeaders, PlantedInclude,
                                          Planted{u"platform/posix/A.cpp"_s, u"<sys/ioctl.h>"_s, true},
                                          Planted{u"platform/win32/A.cpp"_s, u"<windows.h>"_s, true},
                                          Planted{u"sim/PtyLine.cpp"_s, u"<termios.h>"_s, true},
+                                         Planted{u"sim/TcpLine.h"_s, u"<QTcpServer>"_s, true},
+                                         Planted{u"comm/A.h"_s, u"<QTcpSocket>"_s, false},
                                          Planted{u"platform/A.h"_s, u"<poll.h>"_s, false},
                                          Planted{u"platform/plain/A.cpp"_s, u"<unistd.h>"_s, false},
                                          Planted{u"base/A.cpp"_s, u"<sys/stat.h>"_s, false},

@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "platform/win32/SerialPorts.h"
+#include "platform/win32/SystemError.h"
 #include "platform/win32/Win32Clock.h"
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Registry.h"
@@ -26,6 +27,12 @@ using SerialControl = Win32SerialControl;
 [[nodiscard]] inline Registry* SystemRegistry() {
   static Win32Registry registry;
   return &registry;
+}
+
+/// Why the toolkit's last writing of a file has failed, in one German sentence.
+[[nodiscard]] inline QString DescribeLastWriting() {
+  const DWORD error = GetLastError();
+  return DescribeWriting(KindOf(error), static_cast<int>(error));
 }
 
 /// Lets standard output and error take UTF-8 with the line ends as they are written.

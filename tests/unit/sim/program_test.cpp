@@ -10,6 +10,7 @@
 #include "fakes/FakeFileSystem.h"
 #include "fakes/QtPrinters.h"
 #include "sim/Arguments.h"
+#include "sim/PtyLine.h"
 #include "sim/Telegram.h"
 #include "unit/sim/running.h"
 
@@ -80,7 +81,9 @@ class ProgramTest : public ::testing::Test {
 
   /// Runs a program that is expected to end by itself.
   int RunToEnd(const QStringList& arguments) {
-    return sim::Run(arguments, files, console, stop.Descriptor());
+    return sim::Run(arguments, files, console, [this](LineModel& model, const Arguments& /*arguments*/) {
+      return std::make_unique<PtyLine>(model, stop.Descriptor());
+    });
   }
 
   /// Starts the program and returns its device.

@@ -40,10 +40,10 @@ class PtyLineTest : public ::testing::Test {
 
   void Start(const LineOptions& options = {}) {
     model = std::make_unique<LineModel>(controller, faults, options);
-    line = std::make_unique<PtyLine>(*model);
+    line = std::make_unique<PtyLine>(*model, stop.Descriptor());
     ASSERT_EQ(line->Open(), QString());
     device = line->DeviceName();
-    end = std::async(std::launch::async, [this] { return line->Run(stop.Descriptor()); });
+    end = std::async(std::launch::async, [this] { return line->Run(); });
   }
 
   void TearDown() override {
@@ -99,11 +99,11 @@ TEST_F(PtyLineTest, DoesNotDisturbTheLocksOfThePc) {
 
 TEST_F(PtyLineTest, OpensTheDeviceAgainAfterAPcThatWasKilled) {
   model = std::make_unique<LineModel>(controller, faults);
-  line = std::make_unique<PtyLine>(*model, 0.001);
+  line = std::make_unique<PtyLine>(*model, stop.Descriptor(), 0.001);
   ASSERT_EQ(line->Open(), QString());
   device = line->DeviceName();
   const PcPort watcher(device);
-  end = std::async(std::launch::async, [this] { return line->Run(stop.Descriptor()); });
+  end = std::async(std::launch::async, [this] { return line->Run(); });
   {
     const PcPort pc(device);
     EXPECT_EQ(ioctl(pc.Descriptor(), TIOCEXCL), 0);
@@ -207,7 +207,7 @@ class PtyLinkTest : public ::testing::Test {
   Controller controller{memory, 1, FixedText<2>(u"WR"_s), "HZL-0078"};
   Faults faults;
   LineModel model{controller, faults};
-  PtyLine line{model};
+  PtyLine line{model, -1};
   QTemporaryDir folder;
   QString path = folder.filePath(u"regler"_s);
 

@@ -1,14 +1,12 @@
 // What every serial port does, however it is made: the double, the simulated line and the real one.
 #include <gtest/gtest.h>
-#include <chrono>
-#include <thread>
+#include <QtGlobal>
 
-#include "fakes/FakeClock.h"
-#include "fakes/FakeSerialControl.h"
-#include "platform/posix/PosixSerialControl.h"
-#include "sim/SimulatedLine.h"
-#include "sim/Telegram.h"
-#include "unit/posix/PseudoTerminal.h"
+#ifdef Q_OS_WIN
+#include "unit/win32/NativeRigs.h"
+#else
+#include "unit/posix/NativeRigs.h"
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -19,88 +17,7 @@ using platform::InputWait;
 using platform::SerialControl;
 
 const QString kSettings = u"9600,o,7,1"_s;
-const QByteArray kRequest = sim::Sealed("#0102R1F00");
 constexpr double kLong_s = 20;  // only a failing test waits for so long
-
-using Pieces = std::vector<QByteArray>;
-
-// A transcript, played in virtual time.
-class FakeRig {
- public:
-  SerialControl& Line() { return line_; }
-  void Answer(const Pieces& pieces) {
-    auto& exchange = line_.Expect(kRequest).Event(platform::kCommEventSendDone);
-    for (const QByteArray& piece : pieces)
-      exchange.Reply(piece, 20);
-    line_.Output(kRequest);
-  }
-  void HangUp() {
-    line_.Expect(kRequest).Vanish();
-    line_.Output(kRequest);
-  }
-  void Refuse() { line_.absent = true; }
-
- private:
-  FakeClock clock_;
-  FakeSerialControl line_{clock_};
-};
-
-// The simulated controller, in virtual time.
-class SimulatedRig {
- public:
-  SerialControl& Line() { return line_; }
-  void Answer(const Pieces& pieces) {
-    model_.OnResponse = [&pieces](const QByteArray&, sim::Response& response) {
-      response = {};
-      for (const QByteArray& piece : pieces)
-        response.chunks.push_back({20, piece});
-    };
-    line_.Output(kRequest);
-  }
-  void HangUp() { line_.Unplug(); }
-  void Refuse() { line_.openable = false; }
-
- private:
-  FakeClock clock_;
-  sim::Memory memory_;
-  sim::Controller controller_{memory_, 1, u"WR"_s, "AB1-04D2"};
-  sim::Faults faults_;
-  sim::LineModel model_{controller_, faults_};
-  sim::SimulatedLine line_{clock_, model_};
-};
-
-// A pseudo-terminal, in real time.
-class PosixRig {
- public:
-  ~PosixRig() { WaitForFarEnd(); }
-  SerialControl& Line() { return line_; }
-  void Answer(const Pieces& pieces) {
-    WaitForFarEnd();
-    line_.Output(kRequest);
-    farEnd_ = std::thread([this, pieces] {
-      EXPECT_EQ(terminal_.Receive(kRequest.size()), kRequest);
-      for (const QByteArray& piece : pieces) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        terminal_.Send(piece);
-      }
-    });
-  }
-  void HangUp() {
-    WaitForFarEnd();
-    terminal_.Vanish();
-  }
-  void Refuse() { device_ = u"/dev/missing"_s; }
-
- private:
-  void WaitForFarEnd() {
-    if (farEnd_.joinable()) farEnd_.join();
-  }
-
-  PseudoTerminal terminal_;
-  QString device_ = terminal_.Path();
-  platform::PosixSerialControl line_{[this](int) { return device_; }};
-  std::thread farEnd_;
-};
 
 template <typename Rig>
 class SerialControlContract : public testing::Test {
@@ -127,12 +44,10 @@ class SerialControlContract : public testing::Test {
 struct RigNames {
   template <typename Rig>
   static std::string GetName(int) {
-    if (std::is_same_v<Rig, FakeRig>) return "Fake";
-    return std::is_same_v<Rig, SimulatedRig> ? "Simulated" : "Posix";
+    return Rig::kName;
   }
 };
 
-using Rigs = testing::Types<FakeRig, SimulatedRig, PosixRig>;
 TYPED_TEST_SUITE(SerialControlContract, Rigs, RigNames);
 
 TYPED_TEST(SerialControlContract, AClosedPortDoesNothing) {
@@ -231,7 +146,7 @@ TYPED_TEST(SerialControlContract, AVanishedDeviceEndsTheWaitAtOnce) {
   EXPECT_FALSE(this->line_.SetRts(true));
   EXPECT_FALSE(this->line_.ClearInBuffer());
   EXPECT_FALSE(this->line_.ClearOutBuffer());
-  this->line_.Output(kRequest);
+  this->line_.Output(kContractRequest);
   EXPECT_EQ(this->line_.InBufferCount(), 0);
   this->line_.Close();
   EXPECT_FALSE(this->line_.IsOpen());

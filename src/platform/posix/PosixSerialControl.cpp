@@ -70,7 +70,7 @@ PosixSerialControl::~PosixSerialControl() {
 
 bool PosixSerialControl::Open(int number, const QString& settings) {
   Close();
-  event_ = kCommEventNone;
+  events_.Clear();
   const std::optional<LineSettings> wanted = ParseLineSettings(settings);
   if (!wanted) return false;
   const QString path = resolver_(number);
@@ -131,7 +131,7 @@ void PosixSerialControl::Close() {
   output_.clear();
   input_.clear();
   marks_.Reset();
-  sendDoneDue_ = false;
+  events_.DropOutput();
 }
 
 bool PosixSerialControl::SetRts(bool raised) {
@@ -153,25 +153,25 @@ bool PosixSerialControl::ClearInBuffer() {
 bool PosixSerialControl::ClearOutBuffer() {
   if (!port_.Valid()) return false;
   output_.clear();
-  sendDoneDue_ = false;
+  events_.DropOutput();
   if (tcflush(port_.Get(), TCOFLUSH) != 0) return false;
   unsent_ = false;
   return true;
 }
 
 void PosixSerialControl::SetSThreshold(int characters) {
-  threshold_ = characters;
-  ReportSendDone();
+  events_.SetThreshold(characters);
+  if (output_.isEmpty()) events_.NoteAllSent();
 }
 
 void PosixSerialControl::Output(const QByteArray& characters) {
   if (!port_.Valid() || characters.isEmpty()) return;
   if (output_.size() + characters.size() > kOutputLimit_bytes) {
-    ReportError(kCommEventTransmitFull);
+    events_.Report(kCommEventTransmitFull);
     return;
   }
   output_.append(characters);
-  sendDoneDue_ = true;
+  events_.NoteOutput();
   FlushOutput();
 }
 
@@ -188,21 +188,12 @@ void PosixSerialControl::FlushOutput() {
     } else if (errno != EINTR) {
       // The device is gone, which the next wait reports; nothing can be sent any more.
       output_.clear();
-      sendDoneDue_ = false;
+      events_.DropOutput();
       return;
     }
   }
   output_.remove(0, taken);
-  ReportSendDone();
-}
-
-void PosixSerialControl::ReportSendDone() {
-  if (threshold_ <= 0 || !sendDoneDue_ || !output_.isEmpty()) return;
-  sendDoneDue_ = false;
-  if (event_ == kCommEventNone) event_ = kCommEventSendDone;
-  reportsSent_ = true;
-  if (OnComm) OnComm();
-  reportsSent_ = false;
+  if (output_.isEmpty()) events_.NoteAllSent();
 }
 
 // Takes what one read gives; false when that is nothing.
@@ -262,21 +253,21 @@ InputWait PosixSerialControl::WaitForInput(double seconds) {
 }
 
 int PosixSerialControl::CommEvent() {
-  if (!port_.Valid() || reportsSent_) return event_;
-  if (const int error = NewlyCountedError(); error != kCommEventNone) event_ = error;
+  if (!port_.Valid() || events_.ReportsSent()) return events_.Event();
+  if (const int error = NewlyCountedError(); error != kCommEventNone) events_.Note(error);
   termios attributes{};
-  if (tcgetattr(port_.Get(), &attributes) != 0) event_ = kCommEventDeviceControlBlock;
-  return event_;
+  if (tcgetattr(port_.Get(), &attributes) != 0) events_.Note(kCommEventDeviceControlBlock);
+  return events_.Event();
 }
 
 // Marks do not tell a parity from a framing error. Where the driver counts them, its counters do.
 void PosixSerialControl::NoteMark(MarkedInput::Mark mark) {
   if (mark == MarkedInput::Mark::None) return;
   if (const int error = NewlyCountedError(); error != kCommEventNone) {
-    ReportError(error);
+    events_.Report(error);
   } else if (!driverCountsErrors_) {
     const int damage = hasParity_ ? kCommEventParity : kCommEventFraming;
-    ReportError(mark == MarkedInput::Mark::Break ? kCommEventBreak : damage);
+    events_.Report(mark == MarkedInput::Mark::Break ? kCommEventBreak : damage);
   }
 }
 
@@ -295,11 +286,6 @@ int PosixSerialControl::NewlyCountedError() {
   if (now->brk != before.brk) error = kCommEventBreak;
   if (error != kCommEventNone) driverCountsErrors_ = true;
   return error;
-}
-
-void PosixSerialControl::ReportError(int event) {
-  event_ = event;
-  if (OnComm) OnComm();
 }
 
 }  // namespace kalivor::platform

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "platform/SerialControl.h"
+#include "platform/plain/CommEvents.h"
 #include "platform/plain/LineSettings.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/MarkedInput.h"
@@ -58,12 +59,10 @@ class PosixSerialControl final : public SerialControl {
   bool Configure(const LineSettings& settings, const termios& present);
   void LowerLatency() const;
   void FlushOutput();
-  void ReportSendDone();
   bool ReadPiece();
   void ReadAll();
   void NoteMark(MarkedInput::Mark mark);
   [[nodiscard]] int NewlyCountedError();
-  void ReportError(int event);
 
   DeviceResolver resolver_;
   std::unique_ptr<SerialDriver> driver_;
@@ -71,12 +70,9 @@ class PosixSerialControl final : public SerialControl {
   bool isPseudoTerminal_ = false;
   bool hasParity_ = false;
   bool lineGone_ = false;
-  bool unsent_ = false;       // the driver may hold characters that have not gone out
-  std::optional<bool> rts_;   // as it was set since Open()
-  bool reportsSent_ = false;  // OnComm is told of kCommEventSendDone
-  int event_ = kCommEventNone;
-  int threshold_ = 0;
-  bool sendDoneDue_ = false;         // something was queued since the last kCommEventSendDone
+  bool unsent_ = false;      // the driver may hold characters that have not gone out
+  std::optional<bool> rts_;  // as it was set since Open()
+  CommEvents events_{*this};
   bool driverCountsErrors_ = false;  // a counter has moved since Open()
   std::optional<LineErrorCounts> counted_;
   QByteArray output_;  // queued, not yet taken by the driver

@@ -68,7 +68,7 @@ Win32SerialControl::~Win32SerialControl() {
 
 bool Win32SerialControl::Open(int number, const QString& settings) {
   Close();
-  event_ = kCommEventNone;
+  events_.Clear();
   lineGone_ = false;
   const std::optional<LineSettings> wanted = ParseLineSettings(settings);
   const QString name = wanted ? resolver_(number) : QString();
@@ -103,7 +103,7 @@ void Win32SerialControl::Close() {
   calls_.Close(std::exchange(port_, INVALID_HANDLE_VALUE));
   output_.clear();
   input_.clear();
-  sendDoneDue_ = false;
+  events_.DropOutput();
 }
 
 bool Win32SerialControl::SetRts(bool raised) {
@@ -121,23 +121,23 @@ bool Win32SerialControl::ClearOutBuffer() {
   if (!IsOpen()) return false;
   Cancel(write_);
   output_.clear();
-  sendDoneDue_ = false;
+  events_.DropOutput();
   return !lineGone_ && calls_.Purge(port_, PURGE_TXABORT | PURGE_TXCLEAR);
 }
 
 void Win32SerialControl::SetSThreshold(int characters) {
-  threshold_ = characters;
-  ReportSendDone();
+  events_.SetThreshold(characters);
+  if (!write_.underWay && !lineGone_) events_.NoteAllSent();
 }
 
 void Win32SerialControl::Output(const QByteArray& characters) {
   if (!IsOpen() || lineGone_ || characters.isEmpty()) return;
   if (leaving_.size() + output_.size() + characters.size() > kOutputLimit_bytes) {
-    ReportError(kCommEventTransmitFull);
+    events_.Report(kCommEventTransmitFull);
     return;
   }
   output_ += characters;
-  sendDoneDue_ = true;
+  events_.NoteOutput();
   StartWrite();
   TakeEnded(0);
 }
@@ -168,11 +168,11 @@ InputWait Win32SerialControl::WaitForInput(double seconds) {
 }
 
 int Win32SerialControl::CommEvent() {
-  if (IsOpen() && !reportsSent_) {
+  if (IsOpen() && !events_.ReportsSent()) {
     TakeErrors();
-    if (lineGone_) event_ = kCommEventDeviceControlBlock;
+    if (lineGone_) events_.Note(kCommEventDeviceControlBlock);
   }
-  return event_;
+  return events_.Event();
 }
 
 // Looks for the next characters, one read at a time.
@@ -194,7 +194,7 @@ void Win32SerialControl::StartWrite() {
   if (!write_.underWay) {
     // Nothing can be sent any more; the next wait reports it.
     leaving_.clear();
-    sendDoneDue_ = false;
+    events_.DropOutput();
     lineGone_ = true;
   }
 }
@@ -232,7 +232,7 @@ void Win32SerialControl::TakeWritten() {
   if (!calls_.Result(port_, write_.overlapped, count)) lineGone_ = true;
   leaving_.clear();
   StartWrite();
-  ReportSendDone();
+  if (!write_.underWay && !lineGone_) events_.NoteAllSent();
 }
 
 void Win32SerialControl::Cancel(Operation& operation) {
@@ -247,22 +247,8 @@ void Win32SerialControl::TakeErrors() {
   if (!calls_.ClearError(port_, errors, status)) {
     lineGone_ = true;
   } else if (const int error = EventOf(errors); error != kCommEventNone) {
-    ReportError(error);
+    events_.Report(error);
   }
-}
-
-void Win32SerialControl::ReportSendDone() {
-  if (threshold_ <= 0 || !sendDoneDue_ || write_.underWay || lineGone_) return;
-  sendDoneDue_ = false;
-  if (event_ == kCommEventNone) event_ = kCommEventSendDone;
-  reportsSent_ = true;
-  if (OnComm) OnComm();
-  reportsSent_ = false;
-}
-
-void Win32SerialControl::ReportError(int event) {
-  event_ = event;
-  if (OnComm) OnComm();
 }
 
 }  // namespace kalivor::platform

@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "platform/SerialControl.h"
+#include "platform/plain/CommEvents.h"
 #include "platform/plain/LineSettings.h"
 #include "platform/win32/Handle.h"
 #include "platform/win32/SerialCalls.h"
@@ -63,17 +64,12 @@ class Win32SerialControl final : public SerialControl {
   void TakeWritten();
   void Cancel(Operation& operation);
   void TakeErrors();
-  void ReportSendDone();
-  void ReportError(int event);
 
   NameResolver resolver_;
   SerialCalls& calls_;
   HANDLE port_ = INVALID_HANDLE_VALUE;
   bool lineGone_ = false;
-  bool reportsSent_ = false;  // OnComm is told of kCommEventSendDone
-  int event_ = kCommEventNone;
-  int threshold_ = 0;
-  bool sendDoneDue_ = false;  // something was queued since the last kCommEventSendDone
+  CommEvents events_{*this};
   Operation read_;
   Operation write_;
   std::array<char, 4096> arriving_{};  // where the read under way puts its characters

@@ -178,9 +178,9 @@ TEST_P(Cuttings, ComeToTheSameOnTheSimulatedLine) {
 // What a program reads at a pseudo-terminal with `station` at its other end.
 QString ReadAtTerminal(Station& station) {
   const int stop = eventfd(0, EFD_CLOEXEC);
-  sim::PtyLine terminal(station.model);
+  sim::PtyLine terminal(station.model, stop);
   EXPECT_EQ(terminal.Open(), QString());
-  std::thread far([&] { (void)terminal.Run(stop); });
+  std::thread far([&] { (void)terminal.Run(); });
   platform::SystemClock clock;
   platform::PosixSerialControl line([&](int) { return terminal.DeviceName(); });
   QString result = Reader(line, clock).Read();

@@ -1,11 +1,13 @@
-# Builds for Windows on Debian: the compiler with POSIX threads, and the toolkit that script/windows has built
-# (KALIVOR_WINDOWS_TOOLKIT names its folder). What is built runs under Wine.
+# Builds for Windows on Debian: the compiler with POSIX threads, and the libraries that
+# script/release/windows-toolkit has built (it prints their folder, KALIVOR_WINDOWS_TOOLKIT names it).
+if(NOT DEFINED ENV{KALIVOR_WINDOWS_TOOLKIT})
+  message(FATAL_ERROR "Please build with script/windows, or set KALIVOR_WINDOWS_TOOLKIT.")
+endif()
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_CROSSCOMPILING_EMULATOR wine)
 
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 $ENV{KALIVOR_WINDOWS_TOOLKIT})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -59,7 +59,7 @@ class FakePort final : public platform::SerialCalls {
   void Vanish() {
     const std::lock_guard guard(mutex_);
     gone_ = true;
-    for (auto& [operation, state] : pending_)
+    for (auto& [operation, outcome] : pending_)
       End(*operation, 0, false);
     reading_ = nullptr;
     writing_ = nullptr;

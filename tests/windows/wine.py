@@ -1,0 +1,57 @@
+"""Programs for Windows under Wine, with serial ports that are pseudo-terminals."""
+import contextlib
+import os
+import shutil
+import subprocess
+import tempfile
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+UNDER_WINE = os.path.join(HERE, "under_wine")
+PREPARED = os.environ.get("WINEPREFIX", os.path.normpath(os.path.join(HERE, "../../build/windows/wine")))
+
+
+def windows_path(path):
+    """The name of one of this system's files as a program under Wine knows it."""
+    return "Z:" + os.path.abspath(path).replace("/", "\\")
+
+
+class Wine(contextlib.AbstractContextManager):
+    """A Wine of its own, in a temporary folder: a copy of the prepared one."""
+
+    def __init__(self):
+        subprocess.run([UNDER_WINE, "cmd", "/c", "exit"], check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+        self.folder = tempfile.mkdtemp(prefix="kalivor-wine-")
+        self.prefix = os.path.join(self.folder, "prefix")
+        # Linked, as nothing writes into the system's files there.
+        subprocess.run(["cp", "-al", PREPARED, self.prefix], check=True)
+        for name in os.listdir(self.prefix):
+            if name.endswith(".reg"):
+                path = os.path.join(self.prefix, name)
+                shutil.copyfile(path, path + ".own")
+                os.replace(path + ".own", path)
+        self.environment = dict(os.environ, WINEPREFIX=self.prefix)
+
+    def map_ports(self, ports):
+        """`ports`: device by name ("COM9"). The machine's own are none of the programs' business."""
+        for port, device in {"COM1": "/dev/null", **ports}.items():
+            self.run(["reg", "add", r"HKLM\Software\Wine\Ports", "/v", port, "/d", device, "/f"], check=True)
+        # They are given when the server starts.
+        self.stop()
+
+    def __exit__(self, *exception):
+        self.stop()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def stop(self):
+        """Ends every program and the server."""
+        subprocess.run(["wineserver", "--kill", "--wait"], env=self.environment, check=False)
+        subprocess.run(["wineserver", "--wait"], env=self.environment, check=False)
+
+    def run(self, command, **options):
+        """Runs a program to its end. Standard output and error are returned as bytes."""
+        return subprocess.run([UNDER_WINE] + command, env=self.environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+
+    def start(self, command, **options):
+        return subprocess.Popen([UNDER_WINE] + command, env=self.environment, stdin=subprocess.DEVNULL, **options)

@@ -40,7 +40,7 @@ const QString kHeading = u"Ueberschrift\r\n"_s;
 class CliTest : public testing::Test {
  protected:
   CliTest() {
-    settings.values = {{u"Settings/Inipath"_s, u"/d"_s}};
+    settings.values = {{u"Settings/Inipath"_s, test::Native(u"/d"_s)}};
     files.AddText(u"/d/VF.INI"_s, kHeading +
                                       u"AB1-123.4  -  D1.TXT  Heizung Kühlung -  WR\r\n"
                                       "AB1-200.0  -  D2.TXT  A  WR\r\n"_s);
@@ -336,14 +336,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(CliTest, AMissingDefinitionFileIsBadInput) {
   files.files.remove(u"/d//D2.TXT"_s);
   EXPECT_EQ(Run({u"tree"_s, u"--controller"_s, u"AB1-200.0"_s}), kBadInput);
-  EXPECT_EQ(Err(), u"KALIVOR: Datei nicht gefunden.: /d//D2.TXT\n"_s);
+  EXPECT_EQ(Err(), test::Native(u"KALIVOR: Datei nicht gefunden.: /d//D2.TXT\n"_s));
   EXPECT_EQ(Out(), QString());
 }
 
 // What is said when the first version's definitions cannot be read.
 const QString kFirstIsMissing =
-    u"Fehler beim Lesen von | /d/VF.INI | Datei nicht gefunden.: /d//D1.TXT | "
-    "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\n"_s;
+    test::Native(u"Fehler beim Lesen von | /d/VF.INI | Datei nicht gefunden.: /d//D1.TXT | "_s) +
+    u"Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\n"_s;
 
 TEST_F(CliTest, WithoutDefinitionsOfItsVersionNoCommandRuns) {
   files.files.remove(u"/d//D1.TXT"_s);
@@ -369,9 +369,11 @@ TEST_F(CliTest, AMissingAddressListIsBadInputForItsOwnVersionOnly) {
                                     u"AB1-123.4  L1.ADR  D1.TXT  Heizung Kühlung -  WR\r\n"
                                     "AB1-200.0  -  D2.TXT  A  WR\r\n"_s);
   EXPECT_EQ(Run({u"tree"_s}), kBadInput);
-  EXPECT_TRUE(Err().startsWith(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_TRUE(
+      Err().startsWith(test::Native(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s)));
   EXPECT_EQ(Run({u"tree"_s, u"--controller"_s, u"AB1-200.0"_s}), kDone);
-  EXPECT_TRUE(Err().startsWith(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_TRUE(
+      Err().startsWith(test::Native(u"Fehler beim Lesen von | /d//L1.ADR | Datei nicht gefunden.\n"_s)));
   EXPECT_TRUE(Out().contains(u"sK 1\tDrehzahl"_s));
 }
 
@@ -389,7 +391,8 @@ TEST_F(CliTest, TheVersionOfALoadedFileIsTheOneThatMustBeReadable) {
                                     u"AB1-123.4  -  D1.TXT  Heizung Kühlung -  WR\r\n"
                                     "AB1-200.0  L2.ADR  D2.TXT  A  WR\r\n"_s);
   EXPECT_EQ(Run(load + QStringList{u"second"_s}), kBadInput);
-  EXPECT_TRUE(Err().contains(u"Fehler beim Lesen von | /d//L2.ADR | Datei nicht gefunden.\n"_s));
+  EXPECT_TRUE(
+      Err().contains(test::Native(u"Fehler beim Lesen von | /d//L2.ADR | Datei nicht gefunden.\n"_s)));
   EXPECT_EQ(Out(), QString());
 }
 

@@ -46,7 +46,7 @@ TEST_F(Options, PortAndAddressAreStoredWithoutReadingAnything) {
   EXPECT_EQ(pc.host.Ports[1].PortNr, 3);
   EXPECT_EQ(pc.host.Ports[1].Adr, 17);
   EXPECT_TRUE(pc.files.reads.isEmpty());
-  EXPECT_EQ(pc.module.Inipath, u"ini/"_s);
+  EXPECT_EQ(pc.module.Inipath, Native(u"ini/"_s));
 }
 
 TEST_F(Options, WithoutASelectionTheStoredValueStays) {
@@ -102,7 +102,7 @@ TEST_F(Options, APathWithoutFolderIsRefusedBeforeItIsTakenOver) {
               ApplyOptions(pc.core, {4, 7, u"VF.INI"_s, true});
             }),
             RuntimeError::Kind::InvalidArgument);
-  EXPECT_EQ(pc.module.Inipath, u"ini/"_s);
+  EXPECT_EQ(pc.module.Inipath, Native(u"ini/"_s));
   EXPECT_EQ(pc.module.Inifile, u"VF.INI"_s);
   // The other pages are applied by then.
   EXPECT_EQ(pc.module.Schnittstelle, 5);

@@ -13,7 +13,7 @@ const QString kLongName = u"a_name_of_21_letters_"_s;
 /// A version with the address list B.ADR is selected.
 struct Listed : Installation {
   Listed() {
-    module.Inipath = u"ini/"_s;
+    module.Inipath = Native(u"ini/"_s);
     module.Versionen.resize(2);
     module.Versionen[1].AdrDatei = u"B.ADR"_s;
     module.VersionList.Add(u"V"_s);
@@ -185,8 +185,8 @@ TEST(ReadAddressList, AListThatEndsInAWrappedNameIsReported) {
   site.AddVariable(u"_abc"_s);
   site.Read({u"_abc  1F00"_s, kLongName});
   EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini//B.ADR\r\n"
-                        "Die Datei endet nach einem umgebrochenen Namen (Zeile 3).\r\n"_s});
+            QStringList{Native(u"Fehler beim Lesen von\r\nini//B.ADR\r\n"
+                               "Die Datei endet nach einem umgebrochenen Namen (Zeile 3).\r\n"_s)});
   EXPECT_EQ(site.module.Par[1].VarAdresse, u"1F00"_s) << "what was read before stays";
 }
 
@@ -196,7 +196,7 @@ TEST(ReadAddressList, AnUnreadableListIsReportedWithoutAdvice) {
   ReadSelectedAddresses(site.core);
   const auto boxes = site.box.Take();
   ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_EQ(boxes[0].text, u"Fehler beim Lesen von\r\nini//B.ADR\r\nZugriff verweigert.\r\n"_s);
+  EXPECT_EQ(boxes[0].text, Native(u"Fehler beim Lesen von\r\nini//B.ADR\r\nZugriff verweigert.\r\n"_s));
   EXPECT_EQ(boxes[0].title, QString());
 }
 

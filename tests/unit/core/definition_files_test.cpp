@@ -21,7 +21,7 @@ QString Line(const QString& type = u"int"_s, const QString& address = u"1F00"_s,
 /// A version is selected; no change handlers are connected.
 struct Selected : Installation {
   explicit Selected(const QString& addressFile = u"-"_s) {
-    module.Inipath = u"ini/"_s;
+    module.Inipath = Native(u"ini/"_s);
     module.Versionen.resize(3);
     module.Versionen[1] = {u"AB1-123.4"_s, addressFile, u"A.TXT"_s, u" "_s, u"WR"_s};
     module.VersionList.Add(u"AB1-123.4"_s);
@@ -39,13 +39,14 @@ QStringList Entries(const SelectionList& list) {
 // --- paths ---
 
 TEST(Paths, TheDefinitionPathHoldsADoubledSeparator) {
-  struct {
+  const QString own(QDir::separator());
+  const struct {
     QString folder, stored, table, definitions;
-  } const cases[] = {
+  } cases[] = {
       {u"C:\\Daten"_s, u"C:\\Daten\\"_s, u"C:\\Daten\\VF.INI"_s, u"C:\\Daten\\\\A.TXT"_s},
       {u"C:\\Daten\\"_s, u"C:\\Daten\\"_s, u"C:\\Daten\\VF.INI"_s, u"C:\\Daten\\\\A.TXT"_s},
-      {u"/opt/d"_s, u"/opt/d/"_s, u"/opt/d/VF.INI"_s, u"/opt/d//A.TXT"_s},
-      {u"C:/Daten\\"_s, u"C:/Daten\\"_s, u"C:/Daten\\VF.INI"_s, u"C:/Daten\\/A.TXT"_s},
+      {u"/opt/d"_s, u"/opt/d"_s + own, u"/opt/d"_s + own + u"VF.INI"_s, u"/opt/d"_s + own + own + u"A.TXT"_s},
+      {u"C:/Daten\\"_s, u"C:/Daten\\"_s, u"C:/Daten\\VF.INI"_s, u"C:/Daten\\"_s + own + u"A.TXT"_s},
   };
   for (const auto& example : cases) {
     Installation site;
@@ -53,7 +54,7 @@ TEST(Paths, TheDefinitionPathHoldsADoubledSeparator) {
     EXPECT_EQ(VersionTablePath(site.module), example.table);
     ReadVersions(site.core);
     EXPECT_EQ(site.module.Inipath, example.stored) << "the setting itself gets the separator";
-    EXPECT_EQ(site.files.reads, QStringList{example.table});
+    EXPECT_EQ(site.files.reads, QStringList{FileName(example.table).text});
     EXPECT_EQ(DefinitionPath(site.module, u"A.TXT"_s), example.definitions);
     EXPECT_EQ(TakeBoxes(site.box).size(), 1);
   }
@@ -141,9 +142,10 @@ TEST(ReadVersionTable, AnErrorOfTheRebuildKeepsTheEntriesAndShowsTheTablesPath) 
   site.SetVersions({u"V1  -  FEHLT.TXT  L  WR"_s});
   site.module.VersionList.OnChange = [&] { ReadSelectedDefinitions(site.core); };
   ReadVersions(site.core);
-  EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.: ini//FEHLT.TXT"_s +
-                        kTableAdvice});
+  EXPECT_EQ(
+      TakeBoxes(site.box),
+      QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.: ini//FEHLT.TXT"_s) +
+                  kTableAdvice});
   EXPECT_EQ(Entries(site.module.VersionList), QStringList{u"V1"_s});
 }
 
@@ -231,7 +233,7 @@ TEST(ReadDefinitions, AnUnreadableFilePassesWithItsPath) {
     FAIL() << "no error";
   } catch (const RuntimeError& error) {
     EXPECT_EQ(error.GetKind(), Kind::FileError);
-    EXPECT_EQ(error.Description(), u"Zugriff verweigert.: ini//A.TXT"_s);
+    EXPECT_EQ(error.Description(), Native(u"Zugriff verweigert.: ini//A.TXT"_s));
   }
 }
 
@@ -248,12 +250,12 @@ TEST(ReadDefinitions, AFaultNamesItsFileAndLine) {
     QString description;
   } const cases[] = {
       {{Line(), u"G  N  0  4294967295  5"_s},
-       u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s},
+       Native(u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s)},
       // Blank lines count, and both items of a line torn by a comma stand in it.
       {{u""_s, Line() + u",G  N  0  9  5  -  40000"_s},
-       u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s},
+       Native(u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 3"_s)},
       {QStringList(kLastParameter + 1, Line()),
-       u"Index außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2002"_s},
+       Native(u"Index außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2002"_s)},
   };
   for (const auto& example : cases) {
     Selected site;

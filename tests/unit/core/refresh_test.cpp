@@ -63,8 +63,8 @@ TEST(Refresh, AMissingTableIsReportedAndLeavesAReadyWindow) {
   Installation site;
   site.Start();
   EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.\r\n"
-                        "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
+            QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nDatei nicht gefunden.\r\n"_s) +
+                        u"Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
   EXPECT_EQ(site.module.VersionList.Count(), 0);
   EXPECT_EQ(site.module.ParCount, 1);
   EXPECT_TRUE(site.Rests());
@@ -86,9 +86,10 @@ TEST(Refresh, AnUnreadableDefinitionFileAtStartIsReportedWithBothPaths) {
   site.AddFiles();
   site.files.AddFailure(u"ini//A.TXT"_s, u"Zugriff verweigert."_s);
   site.Start();
-  EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert.: ini//A.TXT\r\n"
-                        "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
+  EXPECT_EQ(
+      TakeBoxes(site.box),
+      QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert.: ini//A.TXT\r\n"_s) +
+                  u"Ueberprüfen Sie die Einstellungen in Optionen -> Dateien\r\n"_s});
   EXPECT_EQ(site.module.VersionList.Count(), 2);
   EXPECT_EQ(site.main.tree.rebuilt, 0);
   EXPECT_TRUE(site.Rests());
@@ -113,8 +114,8 @@ TEST_P(FaultyDefinitions, AreNamedWithTheirLineAtTheStart) {
   site.AddFiles();
   site.SetDefinitions(u"A.TXT"_s, GetParam().lines);
   site.Start();
-  EXPECT_EQ(TakeBoxes(site.box), QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\n"_s +
-                                             GetParam().description.arg(u"ini//A.TXT"_s) +
+  EXPECT_EQ(TakeBoxes(site.box), QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\n"_s) +
+                                             GetParam().description.arg(Native(u"ini//A.TXT"_s)) +
                                              u"\r\nUeberprüfen Sie die Einstellungen in Optionen -> "
                                              "Dateien\r\n"_s});
   EXPECT_TRUE(site.Rests());
@@ -125,7 +126,7 @@ TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenTheVersionChanges) {
   site.files.AddText(u"ini//B.ADR"_s, u"Heading\r\n_abc  1F00\r\n"_s);
   site.SetDefinitions(u"B.TXT"_s, GetParam().lines);
   EXPECT_EQ(ThrownText([&] { site.module.VersionList.Select(1); }),
-            GetParam().description.arg(u"ini//B.TXT"_s));
+            GetParam().description.arg(Native(u"ini//B.TXT"_s)));
   EXPECT_TRUE(site.Rests());
 }
 
@@ -133,7 +134,7 @@ TEST_P(FaultyDefinitions, AreNamedWithTheirLineWhenThePlantTypeChanges) {
   Started site;
   site.SetDefinitions(u"A.TXT"_s, GetParam().lines);
   EXPECT_EQ(ThrownText([&] { site.module.PlantTypeList.Select(1); }),
-            GetParam().description.arg(u"ini//A.TXT"_s));
+            GetParam().description.arg(Native(u"ini//A.TXT"_s)));
   EXPECT_TRUE(site.Rests());
 }
 
@@ -158,7 +159,7 @@ TEST(Refresh, AFaultOfTheTreeNamesTheFileThatTheParametersCameFrom) {
   site.module.Versionen.clear();
   site.module.Par[1].Zusatz = u"A"_s;
   EXPECT_EQ(ThrownText([&] { Refresh(site.core, 2); }),
-            u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2"_s);
+            Native(u"Zahl außerhalb des zulässigen Bereichs.: ini//A.TXT, Zeile 2"_s));
 }
 
 // --- the version ---

@@ -1,8 +1,6 @@
 // Saving and loading values: every byte, whose values are taken, the question about versions, every message.
 #include "core/ValueFiles.h"
 
-#include <sys/stat.h>
-
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,7 +9,7 @@
 #include "core/Refresh.h"
 #include "core/ValueFileFormat.h"
 #include "fakes/Installation.h"
-#include "platform/posix/PosixFileSystem.h"
+#include "kalivor/System.h"
 #include "unit/core/ValueFileBytes.h"
 
 namespace kalivor::test {
@@ -195,7 +193,7 @@ TEST_F(ValueFiles, LoadsAFileOfTheSelectedVersionWithoutAQuestion) {
   EXPECT_EQ(module.Par[1].WertText, QString(20, u' '));
   EXPECT_EQ(main.tree.rebuilt, rebuilt + 1);
   EXPECT_EQ(main.tree.Text(main.tree.Find(u"sK 2"_s)).contains(u"70000"), true);
-  EXPECT_EQ(files.reads, QStringList{kPath}) << "no definitions are read";
+  EXPECT_EQ(files.reads, QStringList{FileName(kPath).text}) << "no definitions are read";
   EXPECT_TRUE(Rests());
 }
 
@@ -442,7 +440,7 @@ TEST_F(ValueFiles, KeepingTheVersionOfThePcConvertsByName) {
   EXPECT_EQ(Values(), (Numbers{11, 13, 0}));
   EXPECT_EQ(module.Par[2].Typ, u"int"_s) << "the file's type is taken over";
   EXPECT_EQ(module.ParNode[3], kFalse) << "the marks stay";
-  EXPECT_EQ(files.reads, QStringList{kPath}) << "no definitions are read";
+  EXPECT_EQ(files.reads, QStringList{FileName(kPath).text}) << "no definitions are read";
 }
 
 TEST_F(ValueFiles, ChoosingTheVersionOfTheFileLoadsItsDefinitionsFirst) {
@@ -493,7 +491,7 @@ TEST_F(ValueFiles, AVersionThatCannotBeReadLeavesTheTreeOfWhatTheTableHolds) {
   const QByteArray image = Current(2, {}, u"AB1-124.0"_s, {}) + Current(11, {}, u"N1"_s, u"int"_s);
   choice.answers = {2, 2};
   files.files.remove(u"ini//B.TXT"_s);
-  EXPECT_EQ(ThrownText([&] { (void)Load(image); }), u"Datei nicht gefunden.: ini//B.TXT"_s);
+  EXPECT_EQ(ThrownText([&] { (void)Load(image); }), Native(u"Datei nicht gefunden.: ini//B.TXT"_s));
   EXPECT_EQ(module.ParCount, 1);
   EXPECT_EQ(main.tree.Count(), 1) << "no node of a parameter that is there no more";
 
@@ -501,7 +499,7 @@ TEST_F(ValueFiles, AVersionThatCannotBeReadLeavesTheTreeOfWhatTheTableHolds) {
   SetDefinitions(u"B.TXT"_s,
                  {u"G  Lesbar  0  9  5  -  0  0  int  1F00  N1  -  -"_s, u"G  Zu groß  0  4294967295  5"_s});
   EXPECT_EQ(ThrownText([&] { (void)Load(image); }),
-            u"Zahl außerhalb des zulässigen Bereichs.: ini//B.TXT, Zeile 3"_s);
+            Native(u"Zahl außerhalb des zulässigen Bereichs.: ini//B.TXT, Zeile 3"_s));
   EXPECT_EQ(module.ParCount, 2);
   EXPECT_EQ(main.tree.Count(), 3) << "root, group and what was read before the fault";
   EXPECT_TRUE(main.tree.Text(main.tree.Find(u"sK 1"_s)).startsWith(u"Lesbar"));
@@ -626,7 +624,7 @@ class ValueFilesOnDisk : public ValueFiles {
   }
 
   QTemporaryDir folder_;
-  platform::PosixFileSystem disk_;
+  platform::native::FileSystem disk_;
   Core real_{{main, report, choice, editors, box, disk_, events}, module, controller};
 };
 
@@ -646,11 +644,8 @@ TEST_F(ValueFilesOnDisk, SavesAndLoadsByteForByte) {
   EXPECT_EQ(Values(), (Numbers{100, 77, 0}));
 }
 
-TEST_F(ValueFilesOnDisk, RefusesWhatIsNoFile) {
+TEST_F(ValueFilesOnDisk, RefusesFoldersAndWhatIsMissing) {
   ExpectRefused(folder_.path(), u"Der Pfad ist ein Ordner."_s);
-  ExpectRefused(u"/dev/zero"_s, u"Der Pfad ist keine gewöhnliche Datei."_s);
-  ASSERT_EQ(mkfifo(QFile::encodeName(Path(u"pipe"_s)).constData(), 0600), 0);
-  ExpectRefused(Path(u"pipe"_s), u"Der Pfad ist keine gewöhnliche Datei."_s);
   ExpectRefused(Path(u"missing.qpf"_s), u"Datei nicht gefunden."_s);
 }
 

@@ -2,28 +2,10 @@
 
 #include <unistd.h>
 
-#include <QRandomGenerator>
+#include "platform/plain/TemporaryName.h"
 
 namespace kalivor::platform {
 namespace {
-
-// The point hides it, and no dialog shows files of this suffix.
-constexpr char kPrefix[] = ".kalivor-";
-constexpr char kSuffix[] = ".tmp";
-constexpr int kDigits = 16;
-
-QByteArray NewName() {
-  const quint64 number = QRandomGenerator::system()->generate64();
-  return kPrefix + QByteArray::number(number, 16).rightJustified(kDigits, '0') + kSuffix;
-}
-
-bool IsTemporaryName(const QByteArray& name) {
-  if (!name.startsWith(kPrefix) || !name.endsWith(kSuffix)) return false;
-  const QByteArray number = name.chopped(sizeof kSuffix - 1).sliced(sizeof kPrefix - 1);
-  return number.size() == kDigits && std::all_of(number.begin(), number.end(), [](char digit) {
-           return (digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f');
-         });
-}
 
 // True when the program that made the file has ended.
 bool IsAbandoned(const OpenFile& file) {
@@ -38,7 +20,7 @@ int TemporaryFile::Create(const QByteArray& folder, mode_t mode) {
   constexpr int kMostAttempts = 16;
   int error = EEXIST;
   for (int i = 0; i < kMostAttempts && error == EEXIST; ++i) {
-    path = folder + NewName();
+    path = folder + NewTemporaryName().toLatin1();
     error = TryCreate(mode);
   }
   return error;
@@ -67,7 +49,7 @@ void RemoveAbandonedFiles(const FileCalls& calls, const QByteArray& folder) {
   // Where the folder cannot be listed, they stay.
   (void)ErrorOf([&] { return calls.List(folder.isEmpty() ? QByteArray(".") : folder, names); });
   for (const QByteArray& name : names) {
-    if (!IsTemporaryName(name)) continue;
+    if (!IsTemporaryName(QString::fromLatin1(name))) continue;
     const QByteArray path = folder + name;
     OpenFile file(calls);
     if (file.Open(path, O_RDWR | O_NOFOLLOW | O_NONBLOCK) == 0 && IsAbandoned(file))

@@ -1,6 +1,7 @@
 #include "platform/win32/OpenFile.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "platform/win32/SystemError.h"
 
@@ -90,6 +91,18 @@ std::wstring OpenFile::FinalPath() const {
   return Text([this](wchar_t* text, DWORD size) {
     return GetFinalPathNameByHandleW(handle_.Get(), text, size, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
   });
+}
+
+DWORD OpenFile::Rename(const std::wstring& path) const {
+  // The name stands behind the structure, whose end already has room for its first character.
+  const std::size_t name_bytes = path.size() * sizeof(wchar_t);
+  std::vector<FILE_RENAME_INFO> memory(2 + name_bytes / sizeof(FILE_RENAME_INFO));
+  FILE_RENAME_INFO& info = memory.front();
+  info.ReplaceIfExists = TRUE;
+  info.FileNameLength = static_cast<DWORD>(name_bytes);
+  std::ranges::copy(path, info.FileName);
+  const auto size = static_cast<DWORD>(memory.size() * sizeof(FILE_RENAME_INFO));
+  return ErrorOf(SetFileInformationByHandle(handle_.Get(), FileRenameInfo, &info, size));
 }
 
 }  // namespace kalivor::platform

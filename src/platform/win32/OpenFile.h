@@ -18,7 +18,7 @@ namespace kalivor::platform {
 /// Every operation returns 0 (ERROR_SUCCESS) or an error number of the system.
 class OpenFile {
  public:
-  /// `access`: GENERIC_READ, GENERIC_WRITE; `sharing`: what others may do meanwhile (FILE_SHARE_…);
+  /// `access`: GENERIC_READ, GENERIC_WRITE, DELETE…; `sharing`: what others may do meanwhile (FILE_SHARE_…);
   /// `disposition`: OPEN_EXISTING or CREATE_NEW. What is no regular file is refused.
   [[nodiscard]] DWORD Open(const std::wstring& path, DWORD access, DWORD sharing, DWORD disposition,
                            DWORD attributes = FILE_ATTRIBUTE_NORMAL);
@@ -34,8 +34,14 @@ class OpenFile {
   [[nodiscard]] DWORD Flush() const;
   [[nodiscard]] DWORD Close();
 
-  /// The file that a link leads to.
+  /// The file that a link leads to; empty where the drive's driver cannot tell.
   [[nodiscard]] std::wstring FinalPath() const;
+
+  /// Gives the file another name on its drive, in one step also in place of another file. It has to be open
+  /// with DELETE.
+  [[nodiscard]] DWORD Rename(const std::wstring& path) const;
+
+  [[nodiscard]] HANDLE Get() const { return handle_.Get(); }
 
  private:
   Handle handle_;

@@ -3,6 +3,7 @@
 // Behind windows.h.
 #include <timeapi.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -45,13 +46,16 @@ double Win32Clock::SecondsSinceMidnight() const {
 }
 
 void Win32Clock::Sleep(double seconds) {
-  if (seconds <= 0) return;
+  // Written so that what is no number is not slept either.
+  if (!(seconds > 0)) return;
+  constexpr double kLongest_s = 86400;
+  const double wait_s = std::min(seconds, kLongest_s);
   LARGE_INTEGER due{};
   // Negative: from now on.
-  due.QuadPart = -static_cast<std::int64_t>(std::ceil(seconds * static_cast<double>(kUnits_perSecond)));
+  due.QuadPart = -static_cast<std::int64_t>(std::ceil(wait_s * static_cast<double>(kUnits_perSecond)));
   if (SetWaitableTimer(timer_.Get(), &due, 0, nullptr, nullptr, FALSE) == 0 ||
       WaitForSingleObject(timer_.Get(), INFINITE) != WAIT_OBJECT_0)
-    ::Sleep(static_cast<DWORD>(std::ceil(seconds * 1000)));
+    ::Sleep(static_cast<DWORD>(std::ceil(wait_s * 1000)));
 }
 
 }  // namespace kalivor::platform

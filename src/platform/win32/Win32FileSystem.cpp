@@ -2,10 +2,9 @@
 
 #include <aclapi.h>
 
-#include <QRandomGenerator>
-#include <algorithm>
 #include <memory>
 
+#include "platform/plain/TemporaryName.h"
 #include "platform/win32/OpenFile.h"
 #include "platform/win32/SystemError.h"
 
@@ -15,16 +14,6 @@ namespace kalivor::platform {
 namespace {
 
 constexpr DWORD kAllSharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-// No dialog of the program shows files of this suffix.
-const QString kPrefix = u".kalivor-"_s;
-const QString kSuffix = u".tmp"_s;
-constexpr int kDigits = 16;
-
-std::wstring NewName() {
-  const quint64 number = QRandomGenerator::system()->generate64();
-  return (kPrefix + QString::number(number, 16).rightJustified(kDigits, u'0') + kSuffix).toStdWString();
-}
 
 // The folder part of a whole path with its "\".
 std::wstring FolderPart(const std::wstring& path) {
@@ -45,59 +34,98 @@ DWORD Patiently(Call call) {
 }
 
 // Removes what programs that ended in the middle of a save have left in `folder`. The file of a save under
-// way cannot be removed.
+// way cannot be removed: it is open for nobody else.
 void RemoveAbandonedFiles(const std::wstring& folder) {
   WIN32_FIND_DATAW entry{};
-  const std::wstring pattern = folder + (kPrefix + QString(kDigits, u'?') + kSuffix).toStdWString();
-  const HANDLE search = FindFirstFileW(pattern.c_str(), &entry);
+  const HANDLE search = FindFirstFileW((folder + TemporaryPattern().toStdWString()).c_str(), &entry);
   if (search == INVALID_HANDLE_VALUE) return;
   do {
-    DeleteFileW((folder + entry.cFileName).c_str());
+    constexpr DWORD kNoFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    if ((entry.dwFileAttributes & kNoFile) == 0 && IsTemporaryName(QString::fromWCharArray(entry.cFileName)))
+      (void)DeleteFileW((folder + entry.cFileName).c_str());
   } while (FindNextFileW(search, &entry) != 0);
-  FindClose(search);
+  (void)FindClose(search);
 }
 
-// Who may do what with the old file holds for the new one, and so does what kind of file it is.
-void TakeOverPermissions(const std::wstring& from, const std::wstring& to) {
-  PACL access = nullptr;
-  PSECURITY_DESCRIPTOR descriptor = nullptr;
-  auto source = from;
-  auto target = to;
-  if (GetNamedSecurityInfoW(source.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                            &access, nullptr, &descriptor) == ERROR_SUCCESS) {
-    (void)SetNamedSecurityInfoW(target.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                                access, nullptr);
-    LocalFree(descriptor);
+// What a file takes over from the one whose place it gets. A drive that keeps no such things is no reason not
+// to save.
+class Properties {
+ public:
+  void Read(HANDLE file) {
+    if (GetFileInformationByHandleEx(file, FileBasicInfo, &basic_, sizeof basic_) == 0) basic_ = {};
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (GetSecurityInfo(file, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &access_, nullptr,
+                        &descriptor) == ERROR_SUCCESS)
+      descriptor_.reset(descriptor);
   }
-  const DWORD attributes = GetFileAttributesW(from.c_str());
-  if (attributes != INVALID_FILE_ATTRIBUTES) (void)SetFileAttributesW(to.c_str(), attributes);
+
+  void Give(HANDLE file) const {
+    constexpr DWORD kKept =
+        FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    FILE_BASIC_INFO basic{};
+    basic.CreationTime = basic_.CreationTime;
+    basic.FileAttributes = (basic_.FileAttributes & kKept) | FILE_ATTRIBUTE_ARCHIVE;
+    (void)SetFileInformationByHandle(file, FileBasicInfo, &basic, sizeof basic);
+    if (descriptor_ == nullptr) return;
+    (void)SetSecurityInfo(file, SE_FILE_OBJECT, DACL_SECURITY_INFORMATION | OwnAccess(), nullptr, nullptr,
+                          access_, nullptr);
+  }
+
+ private:
+  struct FreeLocal {
+    void operator()(void* memory) const { LocalFree(memory); }
+  };
+
+  // Whether the folder has a say in who may do what, as it usually has.
+  [[nodiscard]] SECURITY_INFORMATION OwnAccess() const {
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    (void)GetSecurityDescriptorControl(descriptor_.get(), &control, &revision);
+    return (control & SE_DACL_PROTECTED) != 0 ? PROTECTED_DACL_SECURITY_INFORMATION
+                                              : UNPROTECTED_DACL_SECURITY_INFORMATION;
+  }
+
+  FILE_BASIC_INFO basic_{};
+  std::unique_ptr<void, FreeLocal> descriptor_;
+  PACL access_ = nullptr;  // in the descriptor
+};
+
+// The file that is to be replaced, if there is one.
+struct OldFile {
+  bool exists = false;
+  QByteArray bytes;
+  Properties properties;
+};
+
+// A file that is open anywhere cannot be replaced. The system says of it what it says of a file that must not
+// be replaced.
+DWORD Rename(const OpenFile& file, const std::wstring& path) {
+  const DWORD error = file.Rename(path);
+  if (error != ERROR_ACCESS_DENIED) return error;
+  const DWORD removing = OpenFile().Open(path, DELETE, kAllSharing, OPEN_EXISTING);
+  const bool allowed = removing == ERROR_SUCCESS || removing == ERROR_FILE_NOT_FOUND;
+  return allowed ? DWORD{ERROR_SHARING_VIOLATION} : removing;
 }
 
-// Writes the image beside the file and puts it in its place, which is one step.
-DWORD Replace(const std::wstring& path, bool exists, const QByteArray& image) {
+// Writes the image beside the file and puts it in its place, which is one step. Until then the image is open
+// for nobody else, so that no other program takes it for abandoned.
+DWORD Replace(const std::wstring& path, const OldFile& old, const QByteArray& image) {
   const std::wstring folder = FolderPart(path);
   // First, because they may be what fills the disk.
   RemoveAbandonedFiles(folder);
-  const std::wstring temporary = folder + NewName();
+  const std::wstring temporary = folder + NewTemporaryName().toStdWString();
   OpenFile file;
-  DWORD error = file.Open(temporary, GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_HIDDEN);
+  DWORD error = file.Open(temporary, GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC, 0, CREATE_NEW,
+                          FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_WRITE_THROUGH);
   if (error != ERROR_SUCCESS) return error;
   qsizetype written = 0;
   error = file.Write(image, written);
   if (error == ERROR_SUCCESS) error = file.Flush();
-  const DWORD closing = file.Close();
-  if (error == ERROR_SUCCESS) error = closing;
   if (error == ERROR_SUCCESS) {
-    if (exists) {
-      TakeOverPermissions(path, temporary);
-    } else {
-      (void)SetFileAttributesW(temporary.c_str(), FILE_ATTRIBUTE_NORMAL);
-    }
-    error = Patiently([&] {
-      return ErrorOf(
-          MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
-    });
+    old.properties.Give(file.Get());
+    error = Patiently([&] { return Rename(file, path); });
   }
+  (void)file.Close();
   if (error != ERROR_SUCCESS) (void)DeleteFileW(temporary.c_str());
   return error;
 }
@@ -109,7 +137,8 @@ struct SaveResult {
 
 SaveResult WriteInPlace(const std::wstring& path, const QByteArray& beginning, const QByteArray& old) {
   OpenFile file;
-  SaveResult result{file.Open(path, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING)};
+  SaveResult result{
+      Patiently([&] { return file.Open(path, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING); })};
   if (result.error != ERROR_SUCCESS) return result;
   qsizetype written = 0;
   result.error = file.Write(beginning, written);
@@ -122,26 +151,32 @@ SaveResult WriteInPlace(const std::wstring& path, const QByteArray& beginning, c
   return result;
 }
 
-SaveResult Save(std::wstring path, const QByteArray& beginning) {
-  // The image would be a file that is refused the next time.
-  if (beginning.size() > FileSystem::kLargestFile_bytes) return {ERROR_FILE_TOO_LARGE};
-  QByteArray old;
+// Reads the file that is to be replaced. `path` becomes that of the file that a link leads to.
+DWORD ReadOld(std::wstring& path, OldFile& old) {
   OpenFile file;
   // For writing as well, although it is to be replaced: a file that must not be written stays.
   DWORD error = Patiently([&] {
     return file.Open(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING);
   });
-  const bool exists = error != ERROR_FILE_NOT_FOUND;
-  if (exists) {
-    if (error == ERROR_SUCCESS) error = file.ReadAll(FileSystem::kLargestFile_bytes, old);
-    if (error != ERROR_SUCCESS) return {error};
-    path = file.FinalPath();
-    if (path.empty()) return {GetLastError()};
-    (void)file.Close();
-  }
-  error = Replace(path, exists, beginning + old.mid(beginning.size()));
-  // A folder that takes no new file.
-  if (exists && KindOf(error) == FileError::NoPermission) return WriteInPlace(path, beginning, old);
+  if (error == ERROR_FILE_NOT_FOUND) return ERROR_SUCCESS;
+  if (error == ERROR_SUCCESS) error = file.ReadAll(FileSystem::kLargestFile_bytes, old.bytes);
+  if (error != ERROR_SUCCESS) return error;
+  old.exists = true;
+  old.properties.Read(file.Get());
+  if (const std::wstring target = file.FinalPath(); !target.empty()) path = target;
+  return ERROR_SUCCESS;
+}
+
+SaveResult Save(std::wstring path, const QByteArray& beginning) {
+  // The image would be a file that is refused the next time.
+  if (beginning.size() > FileSystem::kLargestFile_bytes) return {ERROR_FILE_TOO_LARGE};
+  if (path.ends_with(L'\\')) return {kErrorDirectoryNotSupported};
+  OldFile old;
+  DWORD error = ReadOld(path, old);
+  if (error != ERROR_SUCCESS) return {error};
+  error = Replace(path, old, beginning + old.bytes.mid(beginning.size()));
+  // The folder takes no new file, or does not let go of this one.
+  if (old.exists && KindOf(error) == FileError::NoPermission) return WriteInPlace(path, beginning, old.bytes);
   return {error};
 }
 
@@ -150,8 +185,9 @@ SaveResult Save(std::wstring path, const QByteArray& beginning) {
 FileContent Win32FileSystem::Read(const QString& path, qint64 largest_bytes) {
   FileContent content;
   OpenFile file;
-  DWORD error =
-      Patiently([&] { return file.Open(SystemPath(path), GENERIC_READ, kAllSharing, OPEN_EXISTING); });
+  DWORD error = path.isEmpty() ? DWORD{ERROR_FILE_NOT_FOUND} : Patiently([&] {
+    return file.Open(SystemPath(path), GENERIC_READ, kAllSharing, OPEN_EXISTING);
+  });
   if (error == ERROR_SUCCESS) error = file.ReadAll(largest_bytes, content.bytes);
   if (error == ERROR_SUCCESS) return content;
   return {{}, DescribeReading(KindOf(error), static_cast<int>(error))};

@@ -45,8 +45,10 @@ class Wine(contextlib.AbstractContextManager):
 
     def stop(self):
         """Ends every program and the server."""
-        subprocess.run(["wineserver", "--kill", "--wait"], env=self.environment, check=False)
-        subprocess.run(["wineserver", "--wait"], env=self.environment, check=False)
+        subprocess.run(["wineserver", "--kill", "--wait"], env=self.environment, check=False,
+                       stderr=subprocess.DEVNULL)
+        subprocess.run(["wineserver", "--wait"], env=self.environment, check=False,
+                       stderr=subprocess.DEVNULL)
 
     def run(self, command, **options):
         """Runs a program to its end. Standard output and error are returned as bytes."""

@@ -70,6 +70,7 @@ bool Win32SerialControl::Open(int number, const QString& settings) {
   Close();
   events_.Clear();
   lineGone_ = false;
+  waiting_ = 0;
   const std::optional<LineSettings> wanted = ParseLineSettings(settings);
   const QString name = wanted ? resolver_(number) : QString();
   if (name.isEmpty()) return false;
@@ -113,6 +114,7 @@ bool Win32SerialControl::SetRts(bool raised) {
 bool Win32SerialControl::ClearInBuffer() {
   if (!IsOpen()) return false;
   Cancel(read_);
+  waiting_ = 0;
   input_.clear();
   return !lineGone_ && calls_.Purge(port_, PURGE_RXABORT | PURGE_RXCLEAR);
 }
@@ -169,18 +171,19 @@ InputWait Win32SerialControl::WaitForInput(double seconds) {
 
 int Win32SerialControl::CommEvent() {
   if (IsOpen() && !events_.ReportsSent()) {
-    TakeErrors();
+    LookAtPort();
     if (lineGone_) events_.Note(kCommEventDeviceControlBlock);
   }
   return events_.Event();
 }
 
-// Looks for the next characters, one read at a time.
+// Looks for the next characters, one read at a time: for as many as wait, or for the first one. Not every
+// driver lets a longer read end with less.
 void Win32SerialControl::StartRead() {
   if (read_.underWay || lineGone_) return;
+  const DWORD count = std::clamp<DWORD>(waiting_, 1, kArrivingSize);
   ResetEvent(read_.overlapped.hEvent);
-  read_.underWay =
-      calls_.StartRead(port_, arriving_.data(), static_cast<DWORD>(arriving_.size()), read_.overlapped);
+  read_.underWay = calls_.StartRead(port_, arriving_.data(), count, read_.overlapped);
   if (!read_.underWay) lineGone_ = true;
 }
 
@@ -223,7 +226,7 @@ void Win32SerialControl::TakeRead() {
     return;
   }
   input_.append(arriving_.data(), static_cast<qsizetype>(count));
-  TakeErrors();
+  LookAtPort();
 }
 
 void Win32SerialControl::TakeWritten() {
@@ -241,14 +244,16 @@ void Win32SerialControl::Cancel(Operation& operation) {
   if (&operation == &write_) leaving_.clear();
 }
 
-void Win32SerialControl::TakeErrors() {
+// Counts the characters that wait, and reports the line errors since the last look.
+void Win32SerialControl::LookAtPort() {
   DWORD errors = 0;
   COMSTAT status{};
   if (!calls_.ClearError(port_, errors, status)) {
     lineGone_ = true;
-  } else if (const int error = EventOf(errors); error != kCommEventNone) {
-    events_.Report(error);
+    return;
   }
+  waiting_ = status.cbInQue;
+  if (const int error = EventOf(errors); error != kCommEventNone) events_.Report(error);
 }
 
 }  // namespace kalivor::platform

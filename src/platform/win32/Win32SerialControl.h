@@ -56,6 +56,8 @@ class Win32SerialControl final : public SerialControl {
     bool underWay = false;
   };
 
+  static constexpr DWORD kArrivingSize = 4096;
+
   bool Configure(const LineSettings& settings);
   void StartRead();
   void StartWrite();
@@ -63,19 +65,20 @@ class Win32SerialControl final : public SerialControl {
   void TakeRead();
   void TakeWritten();
   void Cancel(Operation& operation);
-  void TakeErrors();
+  void LookAtPort();
 
   NameResolver resolver_;
   SerialCalls& calls_;
   HANDLE port_ = INVALID_HANDLE_VALUE;
   bool lineGone_ = false;
   CommEvents events_{*this};
+  DWORD waiting_ = 0;  // characters behind the last read, as far as is known
   Operation read_;
   Operation write_;
-  std::array<char, 4096> arriving_{};  // where the read under way puts its characters
-  QByteArray leaving_;                 // what the write under way sends
-  QByteArray output_;                  // queued behind it
-  QByteArray input_;                   // received, not yet taken by Input()
+  std::array<char, kArrivingSize> arriving_{};  // where the read under way puts its characters
+  QByteArray leaving_;                          // what the write under way sends
+  QByteArray output_;                           // queued behind it
+  QByteArray input_;                            // received, not yet taken by Input()
 };
 
 }  // namespace kalivor::platform

@@ -22,7 +22,8 @@ VALUE = "_Hk1RaumSollTag=22.5"
 # A controller of another version or plant than the one that is chosen.
 OTHER_PLANT = ["--plant", "3"]
 
-FAULTS = ["silent", "late:350", "late:450", "lost-byte", "doubled-byte", "flipped-bit", "bad-checksum", "split", "noise",
+# Which exchange a reply meets that comes after its time is a matter of milliseconds, on one system as well.
+FAULTS = ["silent", "late:350", "lost-byte", "doubled-byte", "flipped-bit", "bad-checksum", "split", "noise",
           "error-06", "wrong-length", "echo-only", "foreign-reply", "unplug"]
 
 
@@ -62,7 +63,8 @@ class Reports(unittest.TestCase):
         shutil.rmtree(cls.folder)
 
     def on_linux(self, arguments):
-        environment = dict(os.environ, XDG_CONFIG_HOME=self.folder)
+        # The language of dates is the system's.
+        environment = dict(os.environ, XDG_CONFIG_HOME=self.folder, LC_ALL="en_US.UTF-8")
         return subprocess.run([CLI, "--ini-path", EXAMPLES, "--port", self.device] + arguments, env=environment,
                               stdin=subprocess.DEVNULL, capture_output=True, check=False)
 
@@ -116,7 +118,7 @@ class Reports(unittest.TestCase):
     def test_a_question_without_an_answer(self):
         status, _, error = self.both(["send"] + CIRCUIT, simulator=OTHER_PLANT)
         self.assertEqual(status, 4)
-        self.assertIn("?", error)
+        self.assertIn("Bitte wählen Sie:", error)
 
     def test_another_version_is_found(self):
         self.both(["receive"] + CIRCUIT, simulator=["--controller", "HZL-013.1"])

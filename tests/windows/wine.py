@@ -1,9 +1,12 @@
 """Programs for Windows under Wine, with serial ports that are pseudo-terminals."""
 import contextlib
+import fcntl
 import os
 import shutil
 import subprocess
 import tempfile
+import termios
+import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 UNDER_WINE = os.path.join(HERE, "under_wine")
@@ -30,6 +33,7 @@ class Wine(contextlib.AbstractContextManager):
                 path = os.path.join(self.prefix, name)
                 shutil.copyfile(path, path + ".own")
                 os.replace(path + ".own", path)
+        self.server = None
         self.environment = dict(os.environ, WINEPREFIX=self.prefix)
 
     def map_ports(self, ports):
@@ -38,6 +42,22 @@ class Wine(contextlib.AbstractContextManager):
             self.run(["reg", "add", r"HKLM\Software\Wine\Ports", "/v", port, "/d", device, "/f"], check=True)
         # They are given when the server starts.
         self.stop()
+        # It has a terminal of its own. The first port that it opens would become that otherwise, and it would end when
+        # the port is pulled out.
+        terminal = os.openpty()
+
+        def take_terminal():
+            os.setsid()
+            fcntl.ioctl(terminal[1], termios.TIOCSCTTY, 0)
+
+        self.server = subprocess.Popen(["wineserver", "--foreground", "--persistent"], env=self.environment,
+                                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                       preexec_fn=take_terminal)
+        # A program that comes first would start another one.
+        time.sleep(1)
+        # The services that start with the first program and stay would hold what that one writes to.
+        subprocess.run([UNDER_WINE, "cmd", "/c", "exit"], env=self.environment, check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def __exit__(self, *exception):
         self.stop()
@@ -45,10 +65,13 @@ class Wine(contextlib.AbstractContextManager):
 
     def stop(self):
         """Ends every program and the server."""
-        subprocess.run(["wineserver", "--kill", "--wait"], env=self.environment, check=False,
+        subprocess.run(["wineserver", "--kill"], env=self.environment, check=False,
                        stderr=subprocess.DEVNULL)
         subprocess.run(["wineserver", "--wait"], env=self.environment, check=False,
                        stderr=subprocess.DEVNULL)
+        if self.server:
+            self.server.wait()
+            self.server = None
 
     def run(self, command, **options):
         """Runs a program to its end. Standard output and error are returned as bytes."""

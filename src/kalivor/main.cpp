@@ -6,7 +6,6 @@
 #include <QProcess>
 #include <QSessionManager>
 #include <QTranslator>
-#include <iostream>
 #include <memory>
 #include <optional>
 
@@ -34,7 +33,7 @@ using namespace kalivor;
 constexpr int kBadInput = 2;
 
 int Refuse(const QString& reason) {
-  std::cerr << reason.toStdString() << '\n';
+  platform::native::ShowRefusal(reason + u'\n');
   return kBadInput;
 }
 
@@ -73,24 +72,29 @@ struct Process {
   platform::native::Clock clock;
   platform::QtEvents events;
   platform::QtFileDialogs dialogs;
-  platform::ManualHelp help{platform::ManualFolders(QCoreApplication::applicationDirPath()),
-                            QDesktopServices::openUrl};
+  platform::ManualHelp help{
+      platform::ManualFolders(QCoreApplication::applicationDirPath(), platform::native::kManual),
+      QDesktopServices::openUrl};
 };
 
 // The program speaks German, and so are the toolkit's own dialogs to do.
 void InstallGermanTexts(QApplication& application) {
   auto* translator = new QTranslator(&application);
-  if (translator->load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+  // In the program, or where the system keeps them.
+  for (const QString& folder : {u":/translations"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)}) {
+    if (!translator->load(u"qtbase_de"_s, folder)) continue;
     QApplication::installTranslator(translator);
+    return;
+  }
 }
 
 // What needs no window is answered without one, also where there is no display. The toolkit's own options
 // pass.
 bool AnswerWithoutWindow(const QStringList& arguments) {
   if (arguments.contains(u"--help"_s)) {
-    std::cout << HelpText().toStdString();
+    platform::native::ShowAnswer(HelpText());
   } else if (arguments.contains(u"--program-version"_s)) {
-    std::cout << "kalivor " << KALIVOR_VERSION << '\n';
+    platform::native::ShowAnswer(QStringLiteral("kalivor " KALIVOR_VERSION "\n"));
   } else {
     return false;
   }

@@ -144,9 +144,10 @@ TEST_F(ManualTest, ASystemWithoutABrowserIsSaid) {
 }
 
 TEST_F(ManualTest, LiesBesideTheInstalledOrTheBuiltProgram) {
-  EXPECT_EQ(platform::ManualFolders(u"/usr/bin"_s),
+  EXPECT_EQ(platform::ManualFolders(u"/usr/bin"_s, u"../share/doc/kalivor/handbuch"),
             (QStringList{u"/usr/share/doc/kalivor/handbuch"_s, u"/usr/docs/handbuch"_s}));
-  EXPECT_EQ(platform::ManualFolders(u"/k/build/dev/src"_s).at(1), u"/k/build/dev/docs/handbuch"_s);
+  EXPECT_EQ(platform::ManualFolders(u"C:/KALIVOR"_s, u"handbuch").at(0), u"C:/KALIVOR/handbuch"_s);
+  EXPECT_EQ(platform::ManualFolders(u"/k/build/dev/src"_s, u""_s).at(1), u"/k/build/dev/docs/handbuch"_s);
 }
 
 TEST_F(ManualTest, IsNoHelpFileOfAHelpViewer) {

@@ -1,7 +1,9 @@
 // What a program on this system is put together from.
 #pragma once
 
+#include <QString>
 #include <cerrno>
+#include <iostream>
 
 #include "platform/Registry.h"
 #include "platform/posix/FileErrors.h"
@@ -17,6 +19,9 @@ using FileSystem = PosixFileSystem;
 using SerialPorts = SerialDevices;
 using SerialControl = PosixSerialControl;
 
+/// The folder of the manual, seen from that of the program.
+inline constexpr QStringView kManual = u"../share/doc/kalivor/handbuch";
+
 /// The system's registry; none here.
 [[nodiscard]] inline Registry* SystemRegistry() {
   return nullptr;
@@ -29,5 +34,14 @@ using SerialControl = PosixSerialControl;
 
 /// Lets standard output and error take UTF-8 with the line ends as they are written, which they do here.
 inline void PrepareConsole() {}
+
+/// What a program with windows says when it shows none: an answer to its command line, or why it does not
+/// start.
+inline void ShowAnswer(const QString& text) {
+  std::cout << text.toStdString();
+}
+inline void ShowRefusal(const QString& text) {
+  std::cerr << text.toStdString();
+}
 
 }  // namespace kalivor::platform::native

@@ -26,8 +26,8 @@ void ManualHelp::ShowPage(const QString& page) {
                      u"Das Handbuch wurde nicht gefunden: "_s + folders_.value(0));
 }
 
-QStringList ManualFolders(const QString& programFolder) {
-  return {QDir::cleanPath(programFolder + u"/../share/doc/kalivor/handbuch"_s),
+QStringList ManualFolders(const QString& programFolder, QStringView installed) {
+  return {QDir::cleanPath(programFolder + u'/' + installed.toString()),
           QDir::cleanPath(programFolder + u"/../docs/handbuch"_s)};
 }
 

@@ -26,7 +26,8 @@ class ManualHelp final : public Help {
   std::function<bool(const QUrl&)> open_;
 };
 
-/// Where the manual of the program in `programFolder` may be: installed, or in the build tree.
-[[nodiscard]] QStringList ManualFolders(const QString& programFolder);
+/// Where the manual of the program in `programFolder` may be: installed in the folder `installed`, seen from
+/// there, or in the build tree.
+[[nodiscard]] QStringList ManualFolders(const QString& programFolder, QStringView installed);
 
 }  // namespace kalivor::platform

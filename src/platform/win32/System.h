@@ -15,6 +15,7 @@
 #include "platform/win32/Win32FileSystem.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32SerialControl.h"
+#include "platform/win32/WindowlessText.h"
 
 namespace kalivor::platform::native {
 
@@ -22,6 +23,11 @@ using Clock = Win32Clock;
 using FileSystem = Win32FileSystem;
 using SerialPorts = platform::SerialPorts;
 using SerialControl = Win32SerialControl;
+using platform::ShowAnswer;
+using platform::ShowRefusal;
+
+/// The folder of the manual, seen from that of the program.
+inline constexpr QStringView kManual = u"handbuch";
 
 /// The system's registry, for the whole run.
 [[nodiscard]] inline Registry* SystemRegistry() {

@@ -48,6 +48,7 @@ PATH=$work/bin:$PATH
 
 expect 'There is no package: run script/release/package first.' script/release/check-package
 expect 'There is no package: run script/release/package first.' script/release/check-package nowhere.deb
+expect 'There is no zip and no installer: run script/release/package-windows first.' script/release/check-windows
 expect 'build/release/src/kalivor has not been built.' script/release/check-hardening
 expect 'build/dev/src/kalivor has not been built.' script/release/check-desktops
 expect 'half/kalivor-sim has not been built.' script/release/check-desktops half

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
   // Only printing needs fonts; everything else starts quicker without them.
   std::unique_ptr<QCoreApplication> application;
   if (WantsToPrint(argc, argv)) {
-    application = print::NewPdfApplication(argc, argv);
+    application = print::NewPdfApplication(argc, argv, platform::native::kPaintingPlatform);
   } else {
     application = std::make_unique<QCoreApplication>(argc, argv);
   }

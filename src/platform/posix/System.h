@@ -22,6 +22,9 @@ using SerialControl = PosixSerialControl;
 /// The folder of the manual, seen from that of the program.
 inline constexpr QStringView kManual = u"../share/doc/kalivor/handbuch";
 
+/// The toolkit's platform that paints where there is no display.
+inline constexpr const char* kPaintingPlatform = "offscreen";
+
 /// The system's registry; none here.
 [[nodiscard]] inline Registry* SystemRegistry() {
   return nullptr;

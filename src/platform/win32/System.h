@@ -29,6 +29,9 @@ using platform::ShowRefusal;
 /// The folder of the manual, seen from that of the program.
 inline constexpr QStringView kManual = u"handbuch";
 
+/// The toolkit's platform that paints without a window: the one that knows the system's fonts.
+inline constexpr const char* kPaintingPlatform = "windows";
+
 /// The system's registry, for the whole run.
 [[nodiscard]] inline Registry* SystemRegistry() {
   static Win32Registry registry;

@@ -40,8 +40,8 @@ void DropRemarks(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 
 }  // namespace
 
-std::unique_ptr<QGuiApplication> NewPdfApplication(int& argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+std::unique_ptr<QGuiApplication> NewPdfApplication(int& argc, char** argv, const char* platform) {
+  qputenv("QT_QPA_PLATFORM", platform);
   qInstallMessageHandler(DropRemarks);
   return std::make_unique<QGuiApplication>(argc, argv);
 }

@@ -16,8 +16,10 @@ struct PdfRequest {
   std::optional<int> page;  ///< one page only; otherwise all pages
 };
 
-/// The application object that fonts need: it works without a display. Make no other application then.
-[[nodiscard]] std::unique_ptr<QGuiApplication> NewPdfApplication(int& argc, char** argv);
+/// The application object that fonts need, on the toolkit's `platform` that paints without a display. Make no
+/// other application then.
+[[nodiscard]] std::unique_ptr<QGuiApplication> NewPdfApplication(int& argc, char** argv,
+                                                                 const char* platform);
 
 /// Writes the PDF that the print command would print. Returns "", or why not, in German. Needs a
 /// QGuiApplication. Throws RuntimeError as the preview does.

@@ -8,6 +8,7 @@
 
 #include "core/Forms.h"
 #include "core/Report.h"
+#include "fakes/FileName.h"
 #include "platform/Events.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
@@ -96,7 +97,7 @@ class HookedEvents final : public platform::Events {
 
 class MemoryFiles final : public platform::FileSystem {
  public:
-  QHash<QString, QByteArray> files;
+  QHash<FileName, QByteArray> files;
 
   [[nodiscard]] platform::FileContent Read(const QString& path, qint64 largest_bytes) override {
     const auto found = files.constFind(path);

@@ -187,7 +187,8 @@ TEST_F(TreeTest, ARecordThatCannotBeShownLeavesTheTreeVisible) {
   Choose(u"ComboVN"_s, 1);
   const auto boxes = box.Take();
   ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_EQ(boxes[0].text, u"Zahl außerhalb des zulässigen Bereichs.: /def//ZWEI.TXT, Zeile 3"_s);
+  EXPECT_EQ(boxes[0].text,
+            u"Zahl außerhalb des zulässigen Bereichs.: /def/"_s + QDir::separator() + u"ZWEI.TXT, Zeile 3"_s);
   EXPECT_EQ(Tree().Count(), 3) << "what was added before remains";
   ExpectReady();
 }

@@ -312,26 +312,26 @@ TEST_P(CliBadInputTest, IsNamedAndNothingRuns) {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, CliBadInputTest,
-    testing::Values(BadRun{{u"bogus"_s}, u"Unbekannter Befehl: bogus"_s},
-                    BadRun{{u"send"_s, u"--controller"_s, u"AB1"_s}, u"Unbekannte Reglerversion: AB1"_s},
-                    BadRun{{u"send"_s, u"--plant"_s, u"Heiz"_s}, u"Unbekannte Anlageart: Heiz"_s},
-                    BadRun{{u"send"_s, u"--plant"_s, u"#3"_s}, u"Unbekannte Anlageart: #3"_s},
-                    BadRun{{u"send"_s, u"--plant"_s, u"#-1"_s}, u"Unbekannte Anlageart: #-1"_s},
-                    BadRun{{u"send"_s, u"--plant"_s, u"#x"_s}, u"Unbekannte Anlageart: #x"_s},
-                    BadRun{{u"send"_s, u"--port"_s, u"0"_s}, u"Keine Schnittstelle von 1 bis 8: 0"_s},
-                    BadRun{{u"send"_s, u"--port"_s, u"9"_s}, u"Keine Schnittstelle von 1 bis 8: 9"_s},
-                    BadRun{{u"send"_s, u"--set"_s, u"FEHLT=1"_s}, u"Unbekannte Variable: FEHLT"_s},
-                    BadRun{{u"send"_s, u"--set"_s, u"SOLL=3000.1"_s},
-                           u"Wert für SOLL liegt nicht zwischen 0 und 3000: 3000.1"_s},
-                    BadRun{{u"send"_s, u"--set"_s, u"NAME=abcde"_s},
-                           u"Text für NAME ist länger als 4 Zeichen: abcde"_s},
-                    BadRun{{u"send"_s, u"--check"_s, u"FEHLT"_s}, u"Kein Parameter: FEHLT"_s},
-                    BadRun{{u"send"_s, u"--check"_s, u"4"_s}, u"Kein Parameter: 4"_s},
-                    BadRun{{u"send"_s, u"--check"_s, u"0"_s}, u"Kein Parameter: 0"_s},
-                    BadRun{{u"send"_s, u"--uncheck"_s, u"group=Fehlt"_s}, u"Kein Parameter: group=Fehlt"_s},
-                    BadRun{{u"send"_s, u"--ini-path"_s, u"/leer"_s},
-                           u"Fehler beim Lesen von | /leer/VF.INI | Datei nicht gefunden. | "
-                           "Ueberprüfen Sie die Einstellungen in Optionen -> Dateien"_s}));
+    testing::Values(
+        BadRun{{u"bogus"_s}, u"Unbekannter Befehl: bogus"_s},
+        BadRun{{u"send"_s, u"--controller"_s, u"AB1"_s}, u"Unbekannte Reglerversion: AB1"_s},
+        BadRun{{u"send"_s, u"--plant"_s, u"Heiz"_s}, u"Unbekannte Anlageart: Heiz"_s},
+        BadRun{{u"send"_s, u"--plant"_s, u"#3"_s}, u"Unbekannte Anlageart: #3"_s},
+        BadRun{{u"send"_s, u"--plant"_s, u"#-1"_s}, u"Unbekannte Anlageart: #-1"_s},
+        BadRun{{u"send"_s, u"--plant"_s, u"#x"_s}, u"Unbekannte Anlageart: #x"_s},
+        BadRun{{u"send"_s, u"--port"_s, u"0"_s}, u"Keine Schnittstelle von 1 bis 8: 0"_s},
+        BadRun{{u"send"_s, u"--port"_s, u"9"_s}, u"Keine Schnittstelle von 1 bis 8: 9"_s},
+        BadRun{{u"send"_s, u"--set"_s, u"FEHLT=1"_s}, u"Unbekannte Variable: FEHLT"_s},
+        BadRun{{u"send"_s, u"--set"_s, u"SOLL=3000.1"_s},
+               u"Wert für SOLL liegt nicht zwischen 0 und 3000: 3000.1"_s},
+        BadRun{{u"send"_s, u"--set"_s, u"NAME=abcde"_s}, u"Text für NAME ist länger als 4 Zeichen: abcde"_s},
+        BadRun{{u"send"_s, u"--check"_s, u"FEHLT"_s}, u"Kein Parameter: FEHLT"_s},
+        BadRun{{u"send"_s, u"--check"_s, u"4"_s}, u"Kein Parameter: 4"_s},
+        BadRun{{u"send"_s, u"--check"_s, u"0"_s}, u"Kein Parameter: 0"_s},
+        BadRun{{u"send"_s, u"--uncheck"_s, u"group=Fehlt"_s}, u"Kein Parameter: group=Fehlt"_s},
+        BadRun{{u"send"_s, u"--ini-path"_s, test::Native(u"/leer"_s)},
+               test::Native(u"Fehler beim Lesen von | /leer/VF.INI | Datei nicht gefunden. | "_s) +
+                   u"Ueberprüfen Sie die Einstellungen in Optionen -> Dateien"_s}));
 
 TEST_F(CliTest, AMissingDefinitionFileIsBadInput) {
   files.files.remove(u"/d//D2.TXT"_s);

@@ -92,7 +92,7 @@ TEST_F(Options, APathThatEndsInASeparatorLeavesNoFileNameAndReads) {
     ApplyOptions(pc.core, {0, 1, path, true});
     EXPECT_EQ(pc.module.Inipath, path);
     EXPECT_EQ(pc.module.Inifile, QString());
-    EXPECT_EQ(pc.files.reads, QStringList(path));
+    EXPECT_EQ(pc.files.reads, QStringList(FileName(path).text));
     EXPECT_EQ(pc.box.Take().size(), 1U);
   }
 }

@@ -104,7 +104,8 @@ TEST(ReadVersionTable, AnUnreadableTableIsReportedAndLeavesTheListEmpty) {
   ReadVersions(site.core);
   const auto boxes = site.box.Take();
   ASSERT_EQ(boxes.size(), 1U);
-  EXPECT_EQ(boxes[0].text, u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert."_s + kTableAdvice);
+  EXPECT_EQ(boxes[0].text,
+            Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nZugriff verweigert."_s) + kTableAdvice);
   EXPECT_EQ(boxes[0].title, QString());
   EXPECT_EQ(site.module.VersionList.Count(), 0);
   EXPECT_EQ(site.module.VersionCount, 1);
@@ -114,9 +115,10 @@ TEST(ReadVersionTable, ATableWithoutVersionsIsReported) {
   Installation site;
   site.SetVersions({});
   ReadVersions(site.core);
-  EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Auswahl liegt außerhalb der Liste."_s +
-                        kTableAdvice});
+  EXPECT_EQ(
+      TakeBoxes(site.box),
+      QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Auswahl liegt außerhalb der Liste."_s) +
+                  kTableAdvice});
   EXPECT_EQ(site.module.VersionList.Count(), 0);
 }
 
@@ -124,8 +126,9 @@ TEST(ReadVersionTable, AnEmptyTableIsReported) {
   Installation site;
   site.files.AddText(u"ini/VF.INI"_s, QString());
   ReadVersions(site.core);
-  EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Datei ist leer."_s + kTableAdvice});
+  EXPECT_EQ(
+      TakeBoxes(site.box),
+      QStringList{Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nDie Datei ist leer."_s) + kTableAdvice});
 }
 
 TEST(ReadVersionTable, ATableThatTheCounterCannotHoldIsReported) {
@@ -133,8 +136,9 @@ TEST(ReadVersionTable, ATableThatTheCounterCannotHoldIsReported) {
   site.SetVersions(QStringList(32767, u"V  -  A  L  WR"_s));
   ReadVersions(site.core);
   EXPECT_EQ(TakeBoxes(site.box),
-            QStringList{u"Fehler beim Lesen von\r\nini/VF.INI\r\nZahl außerhalb des zulässigen Bereichs."_s +
-                        kTableAdvice});
+            QStringList{
+                Native(u"Fehler beim Lesen von\r\nini/VF.INI\r\nZahl außerhalb des zulässigen Bereichs."_s) +
+                kTableAdvice});
 }
 
 TEST(ReadVersionTable, AnErrorOfTheRebuildKeepsTheEntriesAndShowsTheTablesPath) {

@@ -1,4 +1,4 @@
-// Files of the computer.
+// Files of this system that others do not have.
 #include "platform/posix/PosixFileSystem.h"
 
 #include <sys/socket.h>
@@ -8,9 +8,8 @@
 #include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
-#include "fakes/QtPrinters.h"
+#include "contract/FileSite.h"
 #include "platform/posix/Descriptor.h"
 #include "unit/posix/AsOrdinaryUser.h"
 
@@ -19,54 +18,12 @@ using namespace Qt::StringLiterals;
 namespace kalivor::platform {
 namespace {
 
-class PosixFileSystemTest : public testing::Test {
- protected:
-  [[nodiscard]] QString Path(const QString& name) const { return folder_.filePath(name); }
-
-  void Write(const QString& name, const QByteArray& bytes) const {
-    QDir().mkpath(QFileInfo(Path(name)).path());
-    QFile file(Path(name));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-  }
-
-  // What reading `name` gives: the bytes, or the error.
-  [[nodiscard]] QByteArray Bytes(const QString& name) {
-    const FileContent content = files_.Read(Path(name));
-    EXPECT_EQ(content.error, QString()) << name.toStdString();
-    return content.bytes;
-  }
-  [[nodiscard]] QString Error(const QString& name) { return ErrorOfPath(Path(name)); }
-  [[nodiscard]] QString ErrorOfPath(const QString& path) {
-    const FileContent content = files_.Read(path);
-    EXPECT_EQ(content.bytes, QByteArray());
-    EXPECT_EQ(content.Ok(), content.error.isEmpty());
-    return content.error;
-  }
-
-  QTemporaryDir folder_;
-  PosixFileSystem files_;
-};
+using PosixFileSystemTest = test::ReadingSite;
 
 const QString kNotFound = u"Datei nicht gefunden."_s;
 const QString kSeveral = u"Mehrere Dateien unterscheiden sich nur in der Groß- und Kleinschreibung."_s;
-const QString kDirectory = u"Der Pfad ist ein Ordner."_s;
 const QString kNoFile = u"Der Pfad ist keine gewöhnliche Datei."_s;
 const QString kDenied = u"Keine Berechtigung zum Lesen der Datei."_s;
-const QString kTooLarge = u"Die Datei ist zu groß."_s;
-
-TEST_F(PosixFileSystemTest, ReadsAllBytes) {
-  QByteArray all;
-  for (int i = 0; i < 100'000; ++i)
-    all.append(static_cast<char>(i * 7));
-  Write(u"a.bin"_s, all);
-  EXPECT_EQ(Bytes(u"a.bin"_s), all);
-}
-
-TEST_F(PosixFileSystemTest, ReadsAnEmptyFile) {
-  Write(u"empty"_s, {});
-  EXPECT_EQ(Bytes(u"empty"_s), QByteArray());
-}
 
 // The size that the system tells is 0 for these.
 TEST_F(PosixFileSystemTest, ReadsAFileOfUnknownSize) {
@@ -74,28 +31,6 @@ TEST_F(PosixFileSystemTest, ReadsAFileOfUnknownSize) {
   EXPECT_TRUE(content.Ok());
   EXPECT_TRUE(content.bytes.startsWith("Name:"));
   EXPECT_TRUE(content.bytes.endsWith('\n'));
-}
-
-TEST_F(PosixFileSystemTest, TakesBothSeparatorsAlsoDoubledAndMixed) {
-  Write(u"sub/deep/a.txt"_s, "x");
-  EXPECT_EQ(Bytes(u"sub\\deep\\a.txt"_s), "x");
-  EXPECT_EQ(Bytes(u"sub\\deep/a.txt"_s), "x");
-  EXPECT_EQ(Bytes(u"sub//deep\\\\a.txt"_s), "x");
-  EXPECT_EQ(Bytes(u"sub\\\\DEEP//A.TXT"_s), "x");
-}
-
-TEST_F(PosixFileSystemTest, FindsTheOneNameInOtherCase) {
-  Write(u"def.txt"_s, "x");
-  EXPECT_EQ(Bytes(u"DEF.TXT"_s), "x");
-  EXPECT_EQ(Bytes(u"Def.Txt"_s), "x");
-  Write(u"Größe Ä.TXT"_s, "y");
-  EXPECT_EQ(Bytes(u"größe ä.txt"_s), "y");
-}
-
-TEST_F(PosixFileSystemTest, FindsFoldersInOtherCase) {
-  Write(u"Regler/Tabellen/def.txt"_s, "x");
-  EXPECT_EQ(Bytes(u"REGLER/tabellen/DEF.TXT"_s), "x");
-  EXPECT_EQ(Bytes(u"REGLER/../regler/./Tabellen/def.txt"_s), "x");
 }
 
 TEST_F(PosixFileSystemTest, PrefersTheNameAsWritten) {
@@ -118,29 +53,10 @@ TEST_F(PosixFileSystemTest, DoesNotChooseAmongSeveralMatches) {
   EXPECT_EQ(Error(u"sub/b.txt"_s), kNotFound);
 }
 
-TEST_F(PosixFileSystemTest, TellsMissingFiles) {
-  EXPECT_EQ(Error(u"missing.txt"_s), kNotFound);
-  EXPECT_EQ(Error(u"missing/def.txt"_s), kNotFound);
-  EXPECT_EQ(ErrorOfPath(QString()), kNotFound);
+TEST_F(PosixFileSystemTest, TellsAFileThatIsTakenForAFolder) {
   Write(u"a.txt"_s, "x");
   EXPECT_EQ(Error(u"a.txt/b"_s), u"Ein Teil des Pfades ist kein Ordner."_s);
   EXPECT_EQ(Error(u"A.TXT/"_s), u"Ein Teil des Pfades ist kein Ordner."_s);
-}
-
-TEST_F(PosixFileSystemTest, FindsRelativePaths) {
-  Write(u"def.txt"_s, "x");
-  const QString before = QDir::currentPath();
-  ASSERT_TRUE(QDir::setCurrent(folder_.path()));
-  EXPECT_EQ(files_.Read(u"def.txt"_s).bytes, "x");
-  EXPECT_EQ(files_.Read(u"DEF.txt"_s).bytes, "x");
-  ASSERT_TRUE(QDir::setCurrent(before));
-}
-
-TEST_F(PosixFileSystemTest, RefusesDirectories) {
-  Write(u"sub/a.txt"_s, "x");
-  EXPECT_EQ(Error(u"sub"_s), kDirectory);
-  EXPECT_EQ(Error(u"SUB"_s), kDirectory);
-  EXPECT_EQ(ErrorOfPath(u"/"_s), kDirectory);
 }
 
 // Reading any of these would wait for ever or never end.
@@ -171,16 +87,6 @@ TEST_F(PosixFileSystemTest, FollowsLinks) {
   EXPECT_EQ(Error(u"REAL.txt"_s), kNotFound);
 }
 
-TEST_F(PosixFileSystemTest, RefusesHugeFilesWithoutReadingThem) {
-  // Sparse: takes no room on the disk.
-  QFile file(Path(u"huge"_s));
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  ASSERT_TRUE(file.resize(FileSystem::kLargestFile_bytes + 1));
-  EXPECT_EQ(Error(u"huge"_s), kTooLarge);
-  ASSERT_TRUE(file.resize(1LL << 40));
-  EXPECT_EQ(Error(u"huge"_s), kTooLarge);
-}
-
 TEST_F(PosixFileSystemTest, RefusesUnreadableFiles) {
   Write(u"secret.txt"_s, "x");
   Write(u"open.txt"_s, "x");
@@ -192,10 +98,8 @@ TEST_F(PosixFileSystemTest, RefusesUnreadableFiles) {
   EXPECT_TRUE(test::HoldsAsOrdinaryUser([&] { return files_.Read(Path(u"SECRET.txt"_s)).error == kDenied; }));
 }
 
-TEST_F(PosixFileSystemTest, RefusesImpossibleNames) {
+TEST_F(PosixFileSystemTest, RefusesNamesThatAreTooLong) {
   EXPECT_EQ(Error(QString(300, u'x')), u"Der Dateiname ist zu lang."_s);
-  Write(u"a"_s, "x");
-  EXPECT_EQ(Error(u"a"_s + QChar(0) + u"b"_s), u"Der Dateiname ist ungültig."_s);
 }
 
 // The system's own words would be English.

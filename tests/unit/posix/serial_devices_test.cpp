@@ -10,7 +10,6 @@
 #include <QTemporaryDir>
 
 #include "fakes/QtPrinters.h"
-#include "platform/plain/StoredDevices.h"
 
 using namespace Qt::StringLiterals;
 
@@ -163,27 +162,6 @@ TEST_F(SerialDevicesTest, SeesASecondChangeAtTheSameTime) {
   AddDevice(u"ttyUSB0"_s);
   ASSERT_EQ(utimensat(AT_FDCWD, dev.constData(), times, 0), 0);
   EXPECT_EQ(devices.Device(1), Dev(u"ttyUSB0"_s));
-}
-
-class FakeSettings final : public SettingsStore {
- public:
-  QMap<QString, QString> values;
-
-  [[nodiscard]] QString Get(const QString& section, const QString& key,
-                            const QString& fallback) const override {
-    return values.value(section + u'/' + key, fallback);
-  }
-  void Save(const QString& section, const QString& key, const QString& value) override {
-    values[section + u'/' + key] = value;
-  }
-};
-
-TEST(StoredDevices, ReadsTheSectionPorts) {
-  FakeSettings settings;
-  settings.values = {{u"Ports/COM1"_s, u"/dev/ttyUSB3"_s}, {u"Ports/COM4"_s, QString()},
-                     {u"Ports/COM8"_s, u"/dev/x"_s},       {u"Ports/COM9"_s, u"/dev/y"_s},
-                     {u"Ports/COM0"_s, u"/dev/z"_s},       {u"Settings/COM2"_s, u"/dev/w"_s}};
-  EXPECT_EQ(StoredDevices(settings), (QMap<int, QString>{{1, u"/dev/ttyUSB3"_s}, {8, u"/dev/x"_s}}));
 }
 
 }  // namespace

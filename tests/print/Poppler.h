@@ -1,7 +1,14 @@
 // PDF files as an independent program reads them.
 #pragma once
 
+#include <QtGlobal>
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 #include <gtest/gtest.h>
+#include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
@@ -14,17 +21,42 @@ namespace kalivor::test {
 
 using namespace Qt::StringLiterals;
 
+/// As the tools know a file or a program: under Wine they are those of the system below it, which has no
+/// drives.
+inline QString ForTools(const QString& path) {
+#ifdef Q_OS_WIN
+  const auto unixName = reinterpret_cast<char* (*)(const wchar_t*)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
+  if (unixName != nullptr && QDir::isAbsolutePath(path))
+    return QString::fromUtf8(unixName(QDir::toNativeSeparators(path).toStdWString().c_str()));
+#endif
+  return path;
+}
+
 /// What a tool of poppler-utils writes to its standard output.
 inline QByteArray RunTool(const QString& tool, const QStringList& arguments) {
+#ifdef Q_OS_WIN
+  const QString program = u"Z:/usr/bin/"_s + tool;
+#else
+  const QString& program = tool;
+#endif
+  QStringList names;
+  for (const QString& argument : arguments)
+    names.append(ForTools(argument));
+  // Into a file: a pipe does not reach out of Wine.
+  const QTemporaryDir folder;
+  QFile output(folder.filePath(u"output"_s));
   QProcess process;
-  process.start(tool, arguments);
+  process.setStandardOutputFile(output.fileName());
+  process.start(program, names);
   if (!process.waitForStarted()) {
     ADD_FAILURE() << tool.toStdString() << " is missing; it comes with poppler-utils";
     return {};
   }
   EXPECT_TRUE(process.waitForFinished());
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  return process.readAllStandardOutput();
+  EXPECT_TRUE(output.open(QIODevice::ReadOnly));
+  return output.readAll();
 }
 
 /// A line of pdfinfo, "" when it is missing.

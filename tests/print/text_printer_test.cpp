@@ -1,14 +1,11 @@
 // Printing a text: its pages, and what becomes of a PDF file of them.
 #include "platform/qt/TextPrinter.h"
 
-#include <QDir>
-#include <QMessageBox>
+#include <QTemporaryDir>
 
 #include "fakes/QtPrinters.h"
-#include "fakes/ThrownKind.h"
-#include "print/FullDisk.h"
+#include "platform/qt/QtPrinter.h"
 #include "print/Poppler.h"
-#include "print/PrintDialog.h"
 
 namespace kalivor::test {
 namespace {
@@ -32,28 +29,21 @@ TEST(TextPages, SmallerPaperTakesMorePages) {
   EXPECT_GT(platform::TextPages(u"Report"_s, text, kA4_cm / 2).size(), 2 * large);
 }
 
-// The user prints into a file, and lets one of that name be replaced.
+// The pages in a PDF file.
 class ReportToFile : public testing::Test {
  protected:
-  void Print(const QString& text, int copies = 1) {
-    WhenOpen([&](QDialog& dialog) {
-      FileField(dialog).setText(file);
-      SetCopies(dialog, copies);
-      QTimer::singleShot(0, [] {
-        if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
-          question->button(QMessageBox::Yes)->click();
-      });
-      PressOk(dialog);
-    });
-    platform::AskAndPrintText(u"Report"_s, text);
-  }
-
-  [[nodiscard]] QStringList Files() const {
-    return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+  void Print(const QString& text) {
+    for (const platform::Printer::Draw& page : platform::TextPages(u"Report"_s, text, printer.Paper_cm()))
+      printer.PrintPage(page);
+    printer.EndDoc();
+    ASSERT_EQ(printer.EndPrinting(), file);
   }
 
   QTemporaryDir folder;
   QString file = folder.filePath(u"report.pdf"_s);
+  platform::QtPrinter printer{u"Report"_s, QString()};
+
+  ReportToFile() { printer.UseFile(file); }
 };
 
 TEST_F(ReportToFile, HasTitleLinesAndPageNumbers) {
@@ -85,32 +75,6 @@ TEST_F(ReportToFile, ALongLineGoesOnInTheNextWithinThePaper) {
     EXPECT_LE(word.right, 21 - 1.4);
     EXPECT_LE(word.bottom, 29.7 - 1.4);
   }
-}
-
-TEST_F(ReportToFile, HasAsManyCopiesAsChosen) {
-  Print(u"eins\r\n"_s, 3);
-  ASSERT_EQ(PdfPages(file), 3);
-  for (int page = 1; page <= 3; ++page)
-    EXPECT_EQ(PdfLines(file, page), (QStringList{u"Report"_s, u"eins"_s, u"Seite1von1"_s}));
-}
-
-TEST_F(ReportToFile, AFullDiskIsAnErrorAndLeavesTheOldFile) {
-  Print(u"der alte Bericht\r\n"_s);
-  ASSERT_EQ(PdfLines(file, 1)[1], u"deralteBericht"_s);
-  {
-    const FullDisk disk(1000);
-    EXPECT_EQ(ThrownKind([&] { Print(u"der neue Bericht\r\n"_s); }), RuntimeError::Kind::FileError);
-  }
-  EXPECT_EQ(Files(), QStringList(u"report.pdf"_s));
-  EXPECT_EQ(PdfLines(file, 1)[1], u"deralteBericht"_s);
-  Print(u"der neue Bericht\r\n"_s);
-  EXPECT_EQ(PdfLines(file, 1)[1], u"derneueBericht"_s);
-}
-
-TEST_F(ReportToFile, ACancelledDialogWritesNothing) {
-  WhenOpen([](QDialog& dialog) { dialog.reject(); });
-  platform::AskAndPrintText(u"Report"_s, u"x\r\n"_s);
-  EXPECT_EQ(Files(), QStringList());
 }
 
 }  // namespace

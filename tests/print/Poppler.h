@@ -1,63 +1,75 @@
 // PDF files as an independent program reads them.
 #pragma once
 
-#include <QtGlobal>
-#ifdef Q_OS_WIN
-#include <windows.h>
-#endif
-
 #include <gtest/gtest.h>
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QLibrary>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QThread>
 #include <vector>
 
 namespace kalivor::test {
 
 using namespace Qt::StringLiterals;
 
-/// As the tools know a file or a program: under Wine they are those of the system below it, which has no
-/// drives.
-inline QString ForTools(const QString& path) {
 #ifdef Q_OS_WIN
-  const auto unixName = reinterpret_cast<char* (*)(const wchar_t*)>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
-  if (unixName != nullptr && QDir::isAbsolutePath(path))
-    return QString::fromUtf8(unixName(QDir::toNativeSeparators(path).toStdWString().c_str()));
-#endif
-  return path;
+
+/// Under Wine the tools are those of the system below it, which has no drives. Nothing tells there when such
+/// a program ends and how, and no pipe leads to it: a shell runs it and writes all that into files.
+inline QByteArray RunTool(const QString& tool, const QStringList& arguments) {
+  const auto unixName =
+      reinterpret_cast<char* (*)(const wchar_t*)>(QLibrary(u"kernel32"_s).resolve("wine_get_unix_file_name"));
+  if (unixName == nullptr) {
+    ADD_FAILURE() << "the tools of poppler-utils are run under Wine only";
+    return {};
+  }
+  const auto quoted = [&](const QString& text) {
+    const QString name = QDir::toNativeSeparators(text);
+    const bool isFile = QDir::isAbsolutePath(text);
+    return u'\'' + (isFile ? QString::fromUtf8(unixName(name.toStdWString().c_str())) : text) + u'\'';
+  };
+  const QTemporaryDir folder;
+  QFile output(folder.filePath(u"output"_s));
+  QFile status(folder.filePath(u"status"_s));
+  const QString unfinished = quoted(folder.filePath(u"unfinished"_s));
+  QString script = tool;
+  for (const QString& argument : arguments)
+    script += u' ' + quoted(argument);
+  script +=
+      u" >%1; echo $? >%2; mv %2 %3"_s.arg(quoted(output.fileName()), unfinished, quoted(status.fileName()));
+  EXPECT_TRUE(QProcess::startDetached(u"Z:/bin/sh"_s, {u"-c"_s, script}));
+  constexpr int kMostWaiting_ms = 30'000;
+  constexpr int kStep_ms = 5;
+  for (int waited_ms = 0; !status.exists() && waited_ms < kMostWaiting_ms; waited_ms += kStep_ms)
+    QThread::msleep(kStep_ms);
+  EXPECT_TRUE(status.open(QIODevice::ReadOnly)) << tool.toStdString() << " does not end";
+  EXPECT_EQ(status.readAll(), "0\n") << script.toStdString();
+  EXPECT_TRUE(output.open(QIODevice::ReadOnly));
+  return output.readAll();
 }
+
+#else
 
 /// What a tool of poppler-utils writes to its standard output.
 inline QByteArray RunTool(const QString& tool, const QStringList& arguments) {
-#ifdef Q_OS_WIN
-  const QString program = u"Z:/usr/bin/"_s + tool;
-#else
-  const QString& program = tool;
-#endif
-  QStringList names;
-  for (const QString& argument : arguments)
-    names.append(ForTools(argument));
-  // Into a file: a pipe does not reach out of Wine.
-  const QTemporaryDir folder;
-  QFile output(folder.filePath(u"output"_s));
   QProcess process;
-  process.setStandardOutputFile(output.fileName());
-  process.start(program, names);
+  process.start(tool, arguments);
   if (!process.waitForStarted()) {
     ADD_FAILURE() << tool.toStdString() << " is missing; it comes with poppler-utils";
     return {};
   }
   EXPECT_TRUE(process.waitForFinished());
   EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
-  EXPECT_TRUE(output.open(QIODevice::ReadOnly));
-  return output.readAll();
+  return process.readAllStandardOutput();
 }
+
+#endif
 
 /// A line of pdfinfo, "" when it is missing.
 inline QString PdfInfo(const QString& file, const QString& name) {

@@ -13,7 +13,7 @@ namespace kalivor::test {
 namespace {
 
 // The user prints into a file, and lets one of that name be replaced.
-class ReportToFile : public testing::Test {
+class ReportDialog : public testing::Test {
  protected:
   void Print(const QString& text, int copies = 1) {
     WhenOpen([&](QDialog& dialog) {
@@ -36,14 +36,14 @@ class ReportToFile : public testing::Test {
   QString file = folder.filePath(u"report.pdf"_s);
 };
 
-TEST_F(ReportToFile, HasAsManyCopiesAsChosen) {
+TEST_F(ReportDialog, HasAsManyCopiesAsChosen) {
   Print(u"eins\r\n"_s, 3);
   ASSERT_EQ(PdfPages(file), 3);
   for (int page = 1; page <= 3; ++page)
     EXPECT_EQ(PdfLines(file, page), (QStringList{u"Report"_s, u"eins"_s, u"Seite1von1"_s}));
 }
 
-TEST_F(ReportToFile, AFullDiskIsAnErrorAndLeavesTheOldFile) {
+TEST_F(ReportDialog, AFullDiskIsAnErrorAndLeavesTheOldFile) {
   Print(u"der alte Bericht\r\n"_s);
   ASSERT_EQ(PdfLines(file, 1)[1], u"deralteBericht"_s);
   {
@@ -56,7 +56,7 @@ TEST_F(ReportToFile, AFullDiskIsAnErrorAndLeavesTheOldFile) {
   EXPECT_EQ(PdfLines(file, 1)[1], u"derneueBericht"_s);
 }
 
-TEST_F(ReportToFile, ACancelledDialogWritesNothing) {
+TEST_F(ReportDialog, ACancelledDialogWritesNothing) {
   WhenOpen([](QDialog& dialog) { dialog.reject(); });
   platform::AskAndPrintText(u"Report"_s, u"x\r\n"_s);
   EXPECT_EQ(Files(), QStringList());

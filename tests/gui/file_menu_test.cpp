@@ -215,6 +215,18 @@ TEST(FileDialogs, AllFilesAreAllFiles) {
   EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, folder.path(), u"Alle Dateien (*.*)|*.*"_s), QString());
 }
 
+// The folder of a file that lies in no folder of its drive.
+TEST(FileDialogs, ADriveByItselfIsItsTopFolder) {
+  const QString drive = QDir::rootPath().chopped(1);
+  if (drive.isEmpty()) GTEST_SKIP() << "this system has no drives";
+  platform::QtFileDialogs dialogs(false);
+  OnFileDialog([&drive](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.directory().absolutePath(), drive + u'/');
+    dialog.reject();
+  });
+  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, drive, u"Alle Dateien (*.*)|*.*"_s), QString());
+}
+
 TEST(FileDialogs, OpeningWantsAnExistingFileOfTheFolder) {
   platform::QtFileDialogs dialogs(false);
   const QString folder = QStringLiteral(KALIVOR_SOURCE_DIR "/examples");

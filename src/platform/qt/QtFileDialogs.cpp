@@ -33,7 +33,10 @@ QStringList ToolkitFilters(const QString& filter) {
 
 QString QtFileDialogs::OpenFile(const QString& title, const QString& folder, const QString& filter) {
   QString slashed = folder;
-  QFileDialog dialog(QApplication::activeWindow(), title, slashed.replace(u'\\', u'/'));
+  slashed.replace(u'\\', u'/');
+  // A drive by itself would mean the current folder of that drive.
+  if (slashed.endsWith(u':')) slashed += u'/';
+  QFileDialog dialog(QApplication::activeWindow(), title, slashed);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
   return Ask(dialog, filter, native_);

@@ -153,12 +153,12 @@ TEST_F(EditorsTest, TheHelpTextHasAirAboveIt) {
   Open(u"sK 1"_s);
   Open(u"sK 3"_s);
   QCoreApplication::processEvents();
-  const int number = In<QLabel>(Number(), u"LabelHilfetext"_s).y() -
-                     In<QLineEdit>(Number(), u"TextBis"_s).geometry().bottom();
-  const int text =
-      In<QLabel>(Text(), u"LabelHilfetext"_s).y() - In<QLineEdit>(Text(), u"TextWert"_s).geometry().bottom();
-  const int row =
-      In<QLineEdit>(Number(), u"TextBis"_s).y() - In<QLineEdit>(Number(), u"TextVon"_s).geometry().bottom();
+  const auto gap = [](const QWidget& above, const QWidget& below) {
+    return below.y() - (above.y() + above.height());
+  };
+  const int number = gap(In<QLineEdit>(Number(), u"TextBis"_s), In<QLabel>(Number(), u"LabelHilfetext"_s));
+  const int text = gap(In<QLineEdit>(Text(), u"TextWert"_s), In<QLabel>(Text(), u"LabelHilfetext"_s));
+  const int row = gap(In<QLineEdit>(Number(), u"TextVon"_s), In<QLineEdit>(Number(), u"TextBis"_s));
   EXPECT_GE(number, 2 * row);
   EXPECT_EQ(text, number);
 }

@@ -34,6 +34,7 @@ class Wine(contextlib.AbstractContextManager):
                 shutil.copyfile(path, path + ".own")
                 os.replace(path + ".own", path)
         self.server = None
+        self.started = []
         self.environment = dict(os.environ, WINEPREFIX=self.prefix)
 
     def map_ports(self, ports):
@@ -61,6 +62,8 @@ class Wine(contextlib.AbstractContextManager):
 
     def __exit__(self, *exception):
         self.stop()
+        for program in self.started:
+            program.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def stop(self):
@@ -79,4 +82,7 @@ class Wine(contextlib.AbstractContextManager):
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
 
     def start(self, command, **options):
-        return subprocess.Popen([UNDER_WINE] + command, env=self.environment, stdin=subprocess.DEVNULL, **options)
+        """Starts a program that ends with this object at the latest."""
+        program = subprocess.Popen([UNDER_WINE] + command, env=self.environment, stdin=subprocess.DEVNULL, **options)
+        self.started.append(program)
+        return program

@@ -126,7 +126,8 @@ TEST_F(ManualTest, AMissingManualIsNamed) {
     Help({first.path(), second.path()}).ShowPage(u"optionen"_s);
     FAIL() << "nothing thrown";
   } catch (const RuntimeError& error) {
-    EXPECT_EQ(error.Description(), u"Das Handbuch wurde nicht gefunden: "_s + first.path());
+    EXPECT_EQ(error.Description(),
+              u"Das Handbuch wurde nicht gefunden: "_s + QDir::toNativeSeparators(first.path()));
   }
   EXPECT_TRUE(shown.isEmpty());
 }
@@ -138,8 +139,8 @@ TEST_F(ManualTest, ASystemWithoutABrowserIsSaid) {
     Help({first.path()}).ShowPage(u"info"_s);
     FAIL() << "nothing thrown";
   } catch (const RuntimeError& error) {
-    EXPECT_EQ(error.Description(),
-              u"Das Handbuch kann nicht geöffnet werden: "_s + first.filePath(u"info.html"_s));
+    EXPECT_EQ(error.Description(), u"Das Handbuch kann nicht geöffnet werden: "_s +
+                                       QDir::toNativeSeparators(first.filePath(u"info.html"_s)));
   }
 }
 

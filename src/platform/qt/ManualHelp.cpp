@@ -19,11 +19,11 @@ void ManualHelp::ShowPage(const QString& page) {
     QUrl url = QUrl::fromLocalFile(folder + file);
     if (page.contains(u'#')) url.setFragment(page.section(u'#', 1));
     if (open_(url)) return;
-    throw RuntimeError(RuntimeError::Kind::FileError,
-                       u"Das Handbuch kann nicht geöffnet werden: "_s + folder + file);
+    throw RuntimeError(RuntimeError::Kind::FileError, u"Das Handbuch kann nicht geöffnet werden: "_s +
+                                                          QDir::toNativeSeparators(folder + file));
   }
   throw RuntimeError(RuntimeError::Kind::FileError,
-                     u"Das Handbuch wurde nicht gefunden: "_s + folders_.value(0));
+                     u"Das Handbuch wurde nicht gefunden: "_s + QDir::toNativeSeparators(folders_.value(0)));
 }
 
 QStringList ManualFolders(const QString& programFolder, QStringView installed) {

@@ -1,6 +1,7 @@
 // kalivor: the desktop program.
 #include <QApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QProcess>
@@ -148,7 +149,8 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &loaded.main,
                      [&loaded](QSessionManager&) { loaded.main.EndSession(); });
   });
-  if (!valueFile.isEmpty()) desktop->OpenFile(QFileInfo(valueFile).absoluteFilePath());
+  if (!valueFile.isEmpty())
+    desktop->OpenFile(QDir::toNativeSeparators(QFileInfo(valueFile).absoluteFilePath()));
   const int status = QApplication::exec();
   // The print frame works on the desktop.
   printing.reset();

@@ -169,8 +169,8 @@ Plant RandomPlant(Random& random) {
   return plant;
 }
 
-QHash<QString, QByteArray> FilesOf(const Plant& plant) {
-  QHash<QString, QByteArray> files;
+QHash<test::FileName, QByteArray> FilesOf(const Plant& plant) {
+  QHash<test::FileName, QByteArray> files;
   QString table = u"Heading\r\n"_s;
   int number = 0;
   for (const PlantVersion& version : plant.versions) {

@@ -10,6 +10,7 @@
 
 #include "campaign/Line.h"
 #include "campaign/Random.h"
+#include "fakes/FileName.h"
 
 namespace kalivor::campaign {
 
@@ -61,7 +62,7 @@ inline constexpr int kStation = 1;
 [[nodiscard]] Plant RandomPlant(Random& random);
 
 /// The files of the definition folder "ini" that describe it.
-[[nodiscard]] QHash<QString, QByteArray> FilesOf(const Plant& plant);
+[[nodiscard]] QHash<test::FileName, QByteArray> FilesOf(const Plant& plant);
 
 /// Gives the controller random words wherever a parameter of `version` lies, and a plant number.
 void FillController(Random& random, const PlantVersion& version, sim::Memory& memory);

@@ -26,7 +26,7 @@ class Station {
       if (!reply.isEmpty()) response.chunks = {{0, reply}};
     };
     EXPECT_EQ(line_.Open(), QString());
-    thread_ = std::thread([this] { (void)line_.Run(stop_); });
+    thread_ = std::thread([this] { (void)line_.Run(); });
   }
 
   ~Station() {
@@ -45,8 +45,8 @@ class Station {
   sim::Controller controller_{memory_, 1, u"WR"_s, *sim::VersionPayload(u"AB1-123.4"_s)};
   sim::Faults faults_;
   sim::LineModel model_{controller_, faults_};
-  sim::PtyLine line_{model_};
   int stop_;
+  sim::PtyLine line_{model_, stop_};
   std::thread thread_;
 };
 

@@ -81,11 +81,11 @@ class Window(unittest.TestCase):
     def cli(self, *arguments):
         return subprocess.run([os.environ["KALIVOR_CLI"], "--ini-path", os.environ["KALIVOR_EXAMPLES"]] + list(arguments),
                               env=dict(os.environ, XDG_CONFIG_HOME=self.folder), capture_output=True, text=True,
-                              check=False).stdout
+                              check=False)
 
     def value(self, *arguments):
         """The value of the parameter that is edited, after the arguments."""
-        lines = [line for line in self.cli("params", *arguments).splitlines() if DAY in line]
+        lines = [line for line in self.cli("params", *arguments).stdout.splitlines() if DAY in line]
         self.assertEqual(len(lines), 1)
         return lines[0].split("\t")[3]
 
@@ -119,8 +119,17 @@ class Window(unittest.TestCase):
         xdotool("type", "--delay", "20", text)
         time.sleep(0.3)
 
+    def picture(self, number):
+        return subprocess.run(["import", "-window", number, "png:-"], capture_output=True, check=True,
+                              timeout=LONG_S).stdout
+
+    def is_still(self, number):
+        before = self.picture(number)
+        time.sleep(1.5)
+        return before == self.picture(number)
+
     def take_picture(self, number, title):
-        picture = subprocess.run(["import", "-window", number, "png:-"], capture_output=True, check=True).stdout
+        picture = self.picture(number)
         colours = subprocess.run(["identify", "-format", "%k", "-"], input=picture, capture_output=True, check=True)
         self.assertGreater(int(colours.stdout), 20, f"the window {title!r} shows nothing")
         if "KALIVOR_PICTURES" in os.environ:
@@ -129,17 +138,19 @@ class Window(unittest.TestCase):
 
     def report(self):
         """Waits for the report's end and closes it."""
-        self.window("Report")
+        number = self.window("Report")
+        wait_for(lambda: self.is_still(number), "the last line of the report")
+        self.take_picture(number, "Report")
         self.keys("Escape")
         self.gone("Report")
         self.window("KALIVOR")
 
     def file_dialog(self, title, path):
         self.window(title)
+        self.keys("Home", "shift+End")
         self.type(windows_path(path))
         self.keys("Return")
         self.gone(title)
-        self.window("KALIVOR")
 
     def test_a_day_at_work(self):
         self.plug_in()
@@ -157,41 +168,61 @@ class Window(unittest.TestCase):
         self.gone("Edit Parameter")
         self.window("KALIVOR")
 
-        saved = os.path.join(self.folder, "größe.qpf")
+        saved = os.path.join(self.folder, "werte.qpf")
         self.keys("ctrl+s")
-        self.file_dialog("Speichern", os.path.join(self.folder, "werte.qpf"))
-        os.rename(os.path.join(self.folder, "werte.qpf"), saved)
+        self.file_dialog("Speichern", saved)
         self.assertEqual(self.value("--load", saved), "225")
 
-        # "Senden" stands behind "Empfangen".
-        self.keys("Tab", "Tab", "space")
-        self.report()
-        self.assertEqual(self.cli("compare", "--port", self.device, "--load", saved).splitlines()[-1],
-                         "Vergleichen beendet")
-        self.shot("1")
-        self.keys("Tab", "Tab", "space")
-        self.shot("2")
-        self.report()
-        self.keys("alt+o", "Return")
-        time.sleep(1)
-        self.shot("3")
-        self.keys("Escape")
-        self.keys("ctrl+p")
-        time.sleep(2)
-        self.shot("4")
-        self.keys("alt+F4")
-        time.sleep(1)
-        self.shot("5")
-        self.pull_out()
-        self.plug_in("--plant", "3")
+        # "Senden" stands behind "Empfangen", "Vergleichen" two further.
         self.window("KALIVOR")
-        self.keys("shift+Tab","shift+Tab","shift+Tab", "space")
-        time.sleep(3)
-        self.shot("6")
+        self.keys("Tab", "Tab", "space")
+        self.report()
+        self.assertEqual(self.cli("compare", "--port", self.device, "--load", saved).returncode, 0)
+        self.keys("Tab", "Tab", "space")
+        self.report()
 
-    def shot(self, name):
-        print(name,subprocess.run("for i in $(xdotool search --onlyvisible --name . 2>/dev/null); do xdotool getwindowname $i; done",shell=True,capture_output=True,text=True).stdout)
-        subprocess.run(["import", "-window", "root", f"/tmp/w-{name}.png"])
+        self.keys("alt+o", "Return")
+        self.window("Optionen")
+        self.keys("Escape")
+        self.gone("Optionen")
+
+        # Another value file, and what the controller holds over it.
+        standard = os.path.join(self.folder, "standard.qpf")
+        self.cli("standard", "--save", standard)
+        self.window("KALIVOR")
+        self.keys("ctrl+o")
+        self.file_dialog("Öffnen", standard)
+        self.window("KALIVOR")
+        self.keys("shift+Tab", "shift+Tab", "shift+Tab", "space")
+        self.report()
+        self.keys("ctrl+s")
+        wait_for(lambda: self.value("--load", standard) == "225", "the received value in the file")
+
+        # Without a printer, pages become a PDF file.
+        pages = os.path.join(self.folder, "liste.pdf")
+        self.keys("ctrl+p")
+        self.file_dialog("Drucken in PDF-Datei", pages)
+        self.window("Print Preview")
+        self.keys("Tab", "space")
+        wait_for(lambda: os.path.exists(pages), "the printed pages")
+        text = subprocess.run(["pdftotext", "-layout", pages, "-"], capture_output=True, text=True, check=True).stdout
+        self.assertRegex(text, r"Heizkreis 1 Raumsolltemperatur Tag\.+ +22\.5 °C")
+        self.keys("alt+F4")
+        self.gone("Print Preview")
+
+        # A controller of another plant: the question, which the second answer settles.
+        self.pull_out()
+        self.plug_in("--plant", "1")
+        self.window("KALIVOR")
+        self.keys("Tab", "space")
+        self.window("Wählen")
+        self.keys("Tab", "Tab", "space")
+        self.gone("Wählen")
+        self.report()
+
+        self.keys("alt+F4")
+        self.gone("KALIVOR")
+        self.assertEqual(program.wait(LONG_S), 0)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 #include "platform/qt/QtFileDialogs.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -15,7 +16,8 @@ QString Ask(QFileDialog& dialog, const QString& filter, bool native) {
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setNameFilters(ToolkitFilters(filter));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-  return QFileInfo(dialog.selectedFiles().constFirst()).absoluteFilePath();
+  // As the user reads names on this system.
+  return QDir::toNativeSeparators(QFileInfo(dialog.selectedFiles().constFirst()).absoluteFilePath());
 }
 
 }  // namespace

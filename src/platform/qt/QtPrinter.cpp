@@ -2,8 +2,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QLibrary>
+#include <QOperatingSystemVersion>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
@@ -122,9 +124,23 @@ void QtPrinter::UseDefaultPrinter() {
   SetOrientation(orientation);
 }
 
+// Where the dialog of the system knows printers only, and there are none.
+std::optional<int> QtPrinter::ChooseFile(const Target& before) {
+  const QString path = QFileDialog::getSaveFileName(QApplication::activeWindow(), u"Drucken in PDF-Datei"_s,
+                                                    printer_.outputFileName(), u"PDF (*.pdf)"_s);
+  if (path.isEmpty()) {
+    Use(before);
+    return std::nullopt;
+  }
+  UseFile(QDir::toNativeSeparators(path));
+  return 1;
+}
+
 std::optional<int> QtPrinter::Choose(qint32 flags) {
   const Target before = CurrentTarget();
   UseDefaultPrinter();
+  if (PrintsToFile() && QOperatingSystemVersion::currentType() == QOperatingSystemVersion::Windows)
+    return ChooseFile(before);
   QPrintDialog dialog(&printer_, QApplication::activeWindow());
   dialog.setObjectName(u"CDlg"_s);
   // Page ranges and collating are the program's own business.

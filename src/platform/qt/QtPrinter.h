@@ -47,6 +47,7 @@ class QtPrinter final : public Printer {
   [[nodiscard]] Target CurrentTarget() const;
   void Use(const Target& target);
   void UseDefaultPrinter();
+  [[nodiscard]] std::optional<int> ChooseFile(const Target& before);
   void Send(const std::vector<Draw>& pages);
   [[nodiscard]] bool PrintsToFile() const { return printer_.outputFormat() == QPrinter::PdfFormat; }
 

@@ -216,9 +216,9 @@ TEST(FileDialogs, AllFilesAreAllFiles) {
 }
 
 // The folder of a file that lies in no folder of its drive.
+#ifdef Q_OS_WIN
 TEST(FileDialogs, ADriveByItselfIsItsTopFolder) {
   const QString drive = QDir::rootPath().chopped(1);
-  if (drive.isEmpty()) GTEST_SKIP() << "this system has no drives";
   platform::QtFileDialogs dialogs(false);
   OnFileDialog([&drive](QFileDialog& dialog) {
     EXPECT_EQ(dialog.directory().absolutePath(), drive + u'/');
@@ -226,6 +226,7 @@ TEST(FileDialogs, ADriveByItselfIsItsTopFolder) {
   });
   EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, drive, u"Alle Dateien (*.*)|*.*"_s), QString());
 }
+#endif
 
 TEST(FileDialogs, OpeningWantsAnExistingFileOfTheFolder) {
   platform::QtFileDialogs dialogs(false);

@@ -5,8 +5,10 @@ KALIVOR_CLI_EXE, KALIVOR_CLI, KALIVOR_SIM and KALIVOR_EXAMPLES name the programs
 """
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 
 from wine import Wine, windows_path
@@ -146,6 +148,22 @@ class Reports(unittest.TestCase):
 
     def test_a_paced_line_with_echo(self):
         self.assertEqual(self.both(["receive"] + WATER, simulator=["--paced", "--echo"])[0], 0)
+
+
+    def test_ctrl_c_ends_a_transfer(self):
+        arguments = ["receive"]
+        linux = lambda: subprocess.Popen([CLI, "--ini-path", EXAMPLES, "--port", self.device] + arguments,
+                                         stdout=subprocess.PIPE)
+        windows = lambda: self.wine.start([CLI_EXE, "--ini-path", windows_path(EXAMPLES), "--port", "COM9"] + arguments,
+                                          stdout=subprocess.PIPE)
+        for start in (linux, windows):
+            with Simulator(self.device, ["--paced"]):
+                program = start()
+                time.sleep(2)
+                program.send_signal(signal.SIGINT)
+                out = program.communicate(timeout=30)[0].decode()
+            self.assertRegex(out, r"^Empfangen\.+\nEmpfangen abgebrochen\n$")
+            self.assertEqual(program.returncode, 3)
 
 
 def fault_test(fault, echo):

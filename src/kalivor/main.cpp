@@ -82,11 +82,9 @@ struct Process {
 void InstallGermanTexts(QApplication& application) {
   auto* translator = new QTranslator(&application);
   // In the program, or where the system keeps them.
-  for (const QString& folder : {u":/translations"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)}) {
-    if (!translator->load(u"qtbase_de"_s, folder)) continue;
+  if (translator->load(u"qtbase_de"_s, u":/translations"_s) ||
+      translator->load(u"qtbase_de"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
     QApplication::installTranslator(translator);
-    return;
-  }
 }
 
 // What needs no window is answered without one, also where there is no display. The toolkit's own options

@@ -173,6 +173,7 @@ TEST_F(Overwrite, SavesIntoOneFolderDoNotDisturbEachOther) {
   constexpr int kWriters = 3;
   constexpr int kSaves = 40;
   std::vector<std::thread> writers;
+  writers.reserve(kWriters);
   std::vector<QStringList> errors(kWriters);
   for (int i = 0; i < kWriters; ++i) {
     writers.emplace_back([&, i] {

@@ -237,7 +237,8 @@ TEST(FileDialogs, OpeningWantsAnExistingFileOfTheFolder) {
     dialog.selectFile(u"VF.INI"_s);
     QMetaObject::invokeMethod(&dialog, "accept");
   });
-  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, folder, u"Alle Dateien (*.*)|*.*"_s), folder + u"/VF.INI"_s);
+  EXPECT_EQ(dialogs.OpenFile(u"Öffnen"_s, folder, u"Alle Dateien (*.*)|*.*"_s),
+            QDir::toNativeSeparators(folder + u"/VF.INI"_s));
 }
 
 }  // namespace

@@ -24,9 +24,9 @@ class Wine(contextlib.AbstractContextManager):
     def __init__(self):
         subprocess.run([UNDER_WINE, "cmd", "/c", "exit"], check=True, stdout=subprocess.DEVNULL,
                        stderr=subprocess.DEVNULL)
-        self.folder = tempfile.mkdtemp(prefix="kalivor-wine-")
+        self.folder = tempfile.mkdtemp(prefix="wine-of-", dir=os.path.dirname(PREPARED))
         self.prefix = os.path.join(self.folder, "prefix")
-        # Linked, as nothing writes into the system's files there.
+        # Linked, which needs the same drive; nothing writes into the system's files there.
         subprocess.run(["cp", "-al", PREPARED, self.prefix], check=True)
         for name in os.listdir(self.prefix):
             if name.endswith(".reg"):

@@ -65,13 +65,11 @@ class Cable(threading.Thread):
 
 
 def main():
-    folder_of_wine = None
     with Wine() as wine:
-        folder_of_wine = wine.folder
-        cable = Cable(folder_of_wine)
+        cable = Cable(wine.folder)
         wine.map_ports({"COM9": cable.pc.link, "COM10": cable.far.link})
         cable.start()
-        wine.environment["KALIVOR_JOINED_PORTS"] = "COM9 COM10 " + windows_path(folder_of_wine)
+        wine.environment["KALIVOR_JOINED_PORTS"] = "COM9 COM10 " + windows_path(wine.folder)
         return wine.start(sys.argv[1:]).wait()
 
 

@@ -9,8 +9,7 @@ namespace {
 
 // Offsets and widths of a record's fields.
 constexpr int kTextAt = 4;
-constexpr int kTextWidth = 20;
-constexpr int kNameAt = kTextAt + kTextWidth;
+constexpr int kNameAt = kTextAt + kFileTextWidth;
 constexpr int kTypeWidth = 8;
 
 constexpr int NameWidth(int recordLength) {
@@ -21,7 +20,7 @@ ValueRecord ParseRecord(QByteArrayView bytes) {
   const int length = static_cast<int>(bytes.size());
   ValueRecord record;
   record.Wert = qFromLittleEndian<qint32>(bytes.data());
-  record.WertText = TextFromBytes(bytes.sliced(kTextAt, kTextWidth));
+  record.WertText = TextFromBytes(bytes.sliced(kTextAt, kFileTextWidth));
   record.Variable = WithoutTrailingBlanks(TextFromBytes(bytes.sliced(kNameAt, NameWidth(length))));
   record.Typ = TextFromBytes(bytes.last(kTypeWidth));
   return record;
@@ -42,7 +41,7 @@ int RecordLength(const QByteArray& image) {
 QByteArray ComposeRecord(qint32 number, const QString& text, const QString& name, const QString& type) {
   QByteArray record(4, '\0');
   qToLittleEndian(number, record.data());
-  record += BytesFromText(text.leftJustified(kTextWidth, u' ', true));
+  record += BytesFromText(text.leftJustified(kFileTextWidth, u' ', true));
   record += BytesFromText(name.leftJustified(NameWidth(kCurrentRecord_bytes), u' ', true));
   record += BytesFromText(type.leftJustified(kTypeWidth, u' ', true));
   return record;

@@ -13,10 +13,14 @@ namespace kalivor {
 inline constexpr int kCurrentRecord_bytes = 62;
 inline constexpr int kOldRecord_bytes = 52;
 
+/// Characters of a record's text, and of a name in the old layout; what is longer has been cut.
+inline constexpr int kFileTextWidth = 20;
+inline constexpr int kOldNameWidth = 20;
+
 /// One record. In the first one only Wert (the stored parameter count) and Variable (the version) count.
 struct ValueRecord {
   qint32 Wert = 0;
-  QString WertText;  ///< 20 characters as stored, with their padding
+  QString WertText;  ///< kFileTextWidth characters as stored, with their padding
   QString Variable;  ///< without trailing blanks
   FixedText<8> Typ;
 };

@@ -11,7 +11,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-constexpr int kOldNameWidth = 20;
 constexpr int kVersionWidth = 30;
 
 void ShowFailure(Core& core, const QString& what, const QString& description) {

@@ -30,6 +30,11 @@ class COM_A {
         transport_(host),
         onFailure_(std::move(onFailure)) {}
 
+  /// The same controller on the same line, whose failures are told to `onFailure` instead.
+  [[nodiscard]] COM_A TellingFailuresTo(FailureHandler onFailure) const {
+    return COM_A(settings_, versions_, host_, std::move(onFailure));
+  }
+
   /// The version text of the connected controller ("AB1-123.4"), or a failure ("ERROR: …"). Tries the
   /// current line rate, then 19200, then 9600 baud; the line keeps the rate that was tried last.
   [[nodiscard]] QString Identify(qint16 slot);

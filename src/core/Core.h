@@ -4,6 +4,7 @@
 #include "base/Module1.h"
 #include "comm/COM_A.h"
 #include "core/Forms.h"
+#include "platform/Clock.h"
 #include "platform/Events.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
@@ -26,6 +27,7 @@ struct Surroundings {
 struct Core : Surroundings {
   Module1& module;
   COM_A& controller;
+  const platform::Clock& clock;
 };
 
 }  // namespace kalivor

@@ -287,13 +287,13 @@ ValueSet FileValues(const ValueFileContent& content, const QString& path) {
 
 SetResult ReadFileValues(platform::FileSystem& files, const QString& path) {
   const auto failure = [&](const QString& description) {
-    return SetResult{{}, u"Fehler beim lesen von\r\n"_s + path + u"\r\n"_s + description};
+    return SetResult{{}, u"Fehler beim lesen von\r\n"_s + path + u"\r\n"_s + description, false};
   };
   const platform::FileContent file = files.Read(path, kLargestValueFile_bytes);
   if (!file.Ok()) return failure(file.error);
   const ValueFileContent content = ParseValueFile(file.bytes);
   if (!content.hasHeader) return failure(u"Die Datei ist keine Wertedatei."_s);
-  return {FileValues(content, path), {}};
+  return {FileValues(content, path)};
 }
 
 QString VersionFault(const VersionTable& versions, const ValueSet& set) {

@@ -43,7 +43,8 @@ struct ValueSet {
 /// A set, or why there is none, in German.
 struct SetResult {
   ValueSet set;
-  QString error;  ///< empty when there is a set
+  QString error = {};    ///< empty when there is a set
+  bool aborted = false;  ///< the user ended it: the set holds what had been read by then
 
   [[nodiscard]] bool Ok() const { return error.isEmpty(); }
 };

@@ -93,7 +93,7 @@ bool IsDigit(QChar c) {
 QString AlphabetKey(const QString& text) {
   constexpr qsizetype kDigits = 10;
   QString key;
-  const QString letters = text.toCaseFolded().normalized(QString::NormalizationForm_D);
+  const QString letters = text.toCaseFolded().replace(u'ß', u"ss"_s).normalized(QString::NormalizationForm_D);
   for (qsizetype at = 0; at < letters.size();) {
     qsizetype end = at;
     while (end < letters.size() && IsDigit(letters.at(end)))
@@ -229,8 +229,11 @@ bool ListBefore(const Module1& module, const ListRow& left, const ListRow& right
 }
 
 QString Folded(const QString& text) {
-  // Folding the case makes two letters of the sharp s.
-  return text.toCaseFolded().replace(u'ä', u"ae"_s).replace(u'ö', u"oe"_s).replace(u'ü', u"ue"_s);
+  return text.toCaseFolded()
+      .replace(u'ä', u"ae"_s)
+      .replace(u'ö', u"oe"_s)
+      .replace(u'ü', u"ue"_s)
+      .replace(u'ß', u"ss"_s);
 }
 
 QString SearchedText(const ParameterRecord& record) {

@@ -534,7 +534,7 @@ class WatchingChoiceForm final : public ChoiceForm {
 TEST_F(ValueFiles, TheMainWindowTakesNoInputDuringTheQuestionOnly) {
   for (const qint16 answer : {qint16{1}, qint16{2}}) {
     WatchingChoiceForm watching(module, main, answer);
-    Core watched{{main, report, watching, editors, box, files, events}, module, controller};
+    Core watched{{main, report, watching, editors, box, files, events}, module, controller, clock};
     module.Antwort = 1;  // of an earlier question
     SetImage(Current(1, {}, u"AB1-124.0"_s, {}));
     EXPECT_TRUE(ReadValueFile(watched));
@@ -625,7 +625,7 @@ class ValueFilesOnDisk : public ValueFiles {
 
   QTemporaryDir folder_;
   platform::native::FileSystem disk_;
-  Core real_{{main, report, choice, editors, box, disk_, events}, module, controller};
+  Core real_{{main, report, choice, editors, box, disk_, events}, module, controller, clock};
 };
 
 TEST_F(ValueFilesOnDisk, SavesAndLoadsByteForByte) {

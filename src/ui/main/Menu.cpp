@@ -25,7 +25,8 @@ struct TopMenu {
   std::vector<Item> items;
 };
 
-// kept: the items that are never visible; what calls them by name still finds them.
+// kept: the items of "Datei", "Daten" and "?" that are never visible; what calls them by name still finds
+// them.
 const std::vector<TopMenu>& Menus() {
   static const std::vector<TopMenu> menus = {
       {u"mnuFile",
@@ -53,6 +54,17 @@ const std::vector<TopMenu>& Menus() {
        {{u"mnuOptioenSchnittstelle", u"&Schnittstelle"},
         {u"mnuOptioenRegler", u"&Regler", true, Qt::Key_R},
         {u"mnuOptioenFiles", u"&Dateien"}}},
+      {u"mnuWerkzeuge",
+       u"&Werkzeuge",
+       true,
+       {{u"mnuWerkzeugeListe", u"&Parameterliste", true, Qt::Key_L},
+        {u"mnuWerkzeugeSuchen", u"&Suchen", true, Qt::Key_F},
+        {u"mnuWerkzeugeBar0", u"-"},
+        {u"mnuWerkzeugeRueckgaengig", u"&Rückgängig", true, Qt::Key_Z},
+        {u"mnuWerkzeugeWiederholen", u"&Wiederholen", true, Qt::Key_Y},
+        {u"mnuWerkzeugeWiederherstellen", u"Wieder&herstellen", false},
+        {u"mnuWerkzeugeBar1", u"-"},
+        {u"mnuWerkzeugePruefen", u"&Definitionen prüfen"}}},
       {u"mnuHelp",
        u"&?",
        true,

@@ -22,6 +22,7 @@ MAIN_CONTROLS = [
     (LABEL, "Ready"),
     ("menu item", "Datei"),
     ("menu item", "Optionen"),
+    ("menu item", "Werkzeuge"),
     ("menu item", "?"),
 ]
 PANELS = ["Zustand", "Wertedatei"]
@@ -35,6 +36,7 @@ TOOL_TIPS = {
 MENUS = {
     "Datei": ["Öffnen...", "Schließen", "Speichern", "Speichern unter...", "Drucken...", "Beenden"],
     "Optionen": ["Schnittstelle", "Regler", "Dateien"],
+    "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen"],
     "?": ["Info "],
 }
 REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]

@@ -133,8 +133,8 @@ class Keyboard(Scenario):
     def test_menus(self):
         program = self.start()
         bar = program.main.find("menu bar")
-        menus = {name: bar.find("menu item", name) for name in ("Datei", "Optionen", "?")}
-        for stroke, name in (("alt+d", "Datei"), ("alt+o", "Optionen"), ("alt+question", "?")):
+        menus = {name: bar.find("menu item", name) for name in ("Datei", "Optionen", "Werkzeuge", "?")}
+        for stroke, name in (("alt+d", "Datei"), ("alt+o", "Optionen"), ("alt+w", "Werkzeuge"), ("alt+question", "?")):
             program.menu(stroke, "Down")
             self.assertTrue(menus[name].find_all("menu item"), name)
             keys("Escape", "Escape")

@@ -11,12 +11,20 @@ void ParameterTable::SetText(int index, const QString& text, ValueSource source)
 }
 
 void ParameterTable::SetValue(int index, const ParameterValue& value, ValueSource source) {
+  SetTyped(index, value, Par[index].Typ, source);
+}
+
+void ParameterTable::SetTyped(int index, const ParameterValue& value, const FixedText<8>& typ,
+                              ValueSource source) {
   ParameterRecord& record = Par[index];
-  const bool tell = OnValue.Listens() && (record.Wert != value.number || record.WertText != value.text);
-  const ParameterValue before = tell ? ParameterValue{record.Wert, record.WertText} : ParameterValue();
+  ValueChange change;
+  if (OnValue.Listens()) {
+    change = {index, {record.Wert, record.WertText}, value, source, record.Typ, typ};
+  }
   record.Wert = value.number;
   record.WertText = value.text;
-  if (tell) OnValue.Tell({index, before, value, source});
+  record.Typ = typ;
+  if (OnValue.Listens()) OnValue.Tell(change);
 }
 
 }  // namespace kalivor

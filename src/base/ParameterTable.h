@@ -44,40 +44,58 @@ struct ParameterValue {
   bool operator==(const ParameterValue&) const = default;
 };
 
-/// Why a value changes.
+/// Why a value is set.
 enum class ValueSource {
   Received,   ///< read from the controller
-  Edited,     ///< by an editor or an option
+  Edited,     ///< by an editor, the list or an option
   Loaded,     ///< from a value file
-  Standard,   ///< set to the definition's default
+  Standard,   ///< the definition's default, as the user wished
+  Defined,    ///< the same, as the definitions were read
   PlantType,  ///< the plant type was selected or taken over
+  TakenOver,  ///< from a comparison
+  Recovered,  ///< what an earlier run had not saved
+  Undone,     ///< a step was taken back, or done again
 };
 
-/// One changed value.
+/// One value that was set.
 struct ValueChange {
   int index = 0;  ///< in Par
   ParameterValue before;
   ParameterValue after;
   ValueSource source = ValueSource::Received;
+  FixedText<8> typBefore;
+  FixedText<8> typAfter;
+
+  /// False where everything stays the same.
+  [[nodiscard]] bool Differs() const { return before != after || typBefore != typAfter; }
 };
 
-/// Whom a table tells of its changes; at first nobody. It stays with the table that it was given to: a copy
-/// of the table is silent, and assigning a whole table tells nothing.
-class ValueObserver {
- public:
-  using Function = std::function<void(const ValueChange&)>;
+/// What is about to be read anew.
+enum class Rereading {
+  Definitions,  ///< the parameters, of this or another version
+  Everything,   ///< the version table as well
+};
 
-  ValueObserver() = default;
-  ~ValueObserver() = default;
-  ValueObserver(const ValueObserver& /*other*/) {}
-  ValueObserver& operator=(const ValueObserver& /*other*/) { return *this; }
-  ValueObserver& operator=(Function function) {
+/// Whom a table tells of something; at first nobody. It stays with the table that it was given to: a copy of
+/// the table is silent, and assigning a whole table tells nothing.
+template <typename News>
+class Observer {
+ public:
+  using Function = std::function<void(News)>;
+
+  Observer() = default;
+  ~Observer() = default;
+  Observer(const Observer& /*other*/) {}
+  Observer& operator=(const Observer& /*other*/) { return *this; }
+  Observer& operator=(Function function) {
     function_ = std::move(function);
     return *this;
   }
 
   [[nodiscard]] bool Listens() const { return static_cast<bool>(function_); }
-  void Tell(const ValueChange& change) const { function_(change); }
+  void Tell(News news) const {
+    if (function_) function_(news);
+  }
 
  private:
   Function function_;
@@ -85,9 +103,9 @@ class ValueObserver {
 
 /// The parameters. Written by the definition reader, the engines, the editors and value files.
 struct ParameterTable {
-  /// 1..ParCount-1; element 0: the plant-type record. Wert and WertText are changed by the functions below
-  /// alone; only the definition reader fills slots whole, which is no change of a value: values stay with
-  /// their slot.
+  /// 1..ParCount-1; element 0: the plant-type record. Wert, WertText and Typ are changed by the functions
+  /// below alone; only the definition reader fills slots whole, which is no change of a value: values stay
+  /// with their slot.
   BoundedArray<ParameterRecord, kLastParameter> Par;
   qint16 ParCount = 1;  ///< next free index of Par
 
@@ -95,13 +113,20 @@ struct ParameterTable {
   QString ParFile;                            ///< path of the definition file; empty before the first one
   BoundedArray<int, kLastParameter> ParLine;  ///< line of parameter i; 0: element 0 was not in the file
 
-  /// Told after each change, once, and not of a value that stays the same. Must not throw.
-  ValueObserver OnValue;
+  /// Told each time that a value was set, once, also where it stays the same. Must not throw.
+  Observer<const ValueChange&> OnValue;
+
+  /// Told before definitions are read anew: nothing of the parameters, the marks and the plant types has
+  /// changed by then, but what is selected may have. They need not arrive.
+  Observer<Rereading> OnDefinitions;
 
   /// Give parameter `index` a number, a text, or both. Throw RuntimeError (Bounds).
   void SetNumber(int index, qint32 number, ValueSource source);
   void SetText(int index, const QString& text, ValueSource source);
   void SetValue(int index, const ParameterValue& value, ValueSource source);
+
+  /// The same, and the type that the value comes with.
+  void SetTyped(int index, const ParameterValue& value, const FixedText<8>& typ, ValueSource source);
 };
 
 }  // namespace kalivor

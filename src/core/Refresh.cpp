@@ -33,7 +33,7 @@ void ReadParameters(Core& core) {
   Module1& module = core.module;
   ReadSelectedDefinitions(core);
   ReadSelectedAddresses(core);
-  SetStandard(module);
+  SetStandard(module, ValueSource::Defined);
   TakePlantType(module);
   // The last element keeps its mark on purpose: parameter 2000 starts unchecked.
   for (int i = 0; i < kLastParameter; ++i) {
@@ -46,8 +46,11 @@ void ReadParameters(Core& core) {
 
 void Refresh(Core& core, int level) {
   const BusyGuard busy(core);
-  // The editors' parameter would no longer be the one that they show.
-  if (level >= 3) core.editors.HideEditors();
+  if (level >= 3) {
+    // The editors' parameter would no longer be the one that they show.
+    core.editors.HideEditors();
+    core.module.OnDefinitions.Tell(level >= 5 ? Rereading::Everything : Rereading::Definitions);
+  }
   if (level >= 5) {
     // The version list's change handler has rebuilt the rest by then.
     ReadVersions(core);
@@ -88,10 +91,10 @@ void ReadSelectedAddresses(Core& core) {
   }
 }
 
-void SetStandard(ParameterTable& table) {
+void SetStandard(ParameterTable& table, ValueSource source) {
   const int last = std::min<int>(table.ParCount, kLastParameter);
   for (int i = 1; i <= last; ++i) {
-    table.SetValue(i, {table.Par[i].Standard, table.Par[i].StandardText}, ValueSource::Standard);
+    table.SetValue(i, {table.Par[i].Standard, table.Par[i].StandardText}, source);
   }
 }
 

@@ -6,8 +6,9 @@
 namespace kalivor {
 
 /// Rebuilds from `level` down: 5 version table, 4 plant types, 3 definitions, values and marks, 2 tree.
-/// Errors pass as RuntimeError; the busy state is left all the same. Those of level 5, and of everything that
-/// is rebuilt from there, are shown in a box instead; so is an address list that cannot be read.
+/// From level 3 on the table's observer is told before. Errors pass as RuntimeError; the busy state is left
+/// all the same. Those of level 5, and of everything that is rebuilt from there, are shown in a box instead;
+/// so is an address list that cannot be read.
 void Refresh(Core& core, int level);
 
 /// The readers of the levels. ReadVersions() selects the first version, which rebuilds everything below; any
@@ -18,7 +19,7 @@ void ReadSelectedDefinitions(Core& core);
 void ReadSelectedAddresses(Core& core);
 
 /// Sets parameters 1..ParCount to their standard values, checked or not.
-void SetStandard(ParameterTable& table);
+void SetStandard(ParameterTable& table, ValueSource source = ValueSource::Standard);
 
 /// The plant-type record takes the position of the plant-type list as its value, if it has an address.
 void TakePlantType(Module1& module);

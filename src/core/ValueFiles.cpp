@@ -44,8 +44,7 @@ void TakeValues(Module1& module, const ValueFileContent& content) {
   for (const ValueRecord& stored : content.records) {
     const int index = parameters.value(stored.Variable);
     if (index == 0 || module.ParNode[index] == kFalse) continue;
-    module.Par[index].Typ = stored.Typ;
-    module.SetValue(index, {stored.Wert, stored.WertText}, ValueSource::Loaded);
+    module.SetTyped(index, {stored.Wert, stored.WertText}, stored.Typ, ValueSource::Loaded);
   }
 }
 

@@ -35,7 +35,7 @@ QStringList Matches(const QRegularExpression& pattern, const QStringList& except
   return found;
 }
 
-const QRegularExpression kAssignment(uR"x((?:\.|->)Wert(?:Text)?\s*(?:[-+*/%&|^]|<<|>>)?=(?!=))x"_s);
+const QRegularExpression kAssignment(uR"x((?:\.|->)(?:Wert(?:Text)?|Typ)\s*(?:[-+*/%&|^]|<<|>>)?=(?!=))x"_s);
 const QRegularExpression kPrefix(uR"x(\bIsError\b|"ERROR)x"_s);
 
 TEST(Doors, ValuesChangeThroughTheParameterTableAlone) {
@@ -47,7 +47,7 @@ TEST(Doors, ValuesChangeThroughTheParameterTableAlone) {
                                                   // A copy for the tree's text, before the value is stored.
                                                   u"commands/EditorCommands.cpp"_s});
   EXPECT_EQ(found.join(u'\n').toStdString(), "");
-  EXPECT_EQ(Matches(kAssignment, {u"core/"_s, u"commands/"_s}).size(), 2)
+  EXPECT_EQ(Matches(kAssignment, {u"core/"_s, u"commands/"_s}).size(), 3)
       << "the pattern finds the door itself";
 }
 

@@ -52,27 +52,50 @@ TEST_F(ParameterTableTest, TellsIndexOldNewAndWhyBehindTheChange) {
   EXPECT_EQ(seen, 2);
 }
 
-TEST_F(ParameterTableTest, TellsNothingOfAValueThatStaysTheSame) {
+// Who wants to know what was received last needs those values as well.
+TEST_F(ParameterTableTest, TellsOfAValueThatStaysTheSameThatItDoes) {
   table->SetValue(3, {1, u"a"_s}, ValueSource::Standard);
   Listen();
   table->SetValue(3, {1, u"a"_s}, ValueSource::Received);
   table->SetNumber(3, 1, ValueSource::Received);
   table->SetText(3, u"a"_s, ValueSource::Received);
-  EXPECT_EQ(changes.size(), 0U);
+  ASSERT_EQ(changes.size(), 3U);
+  for (const ValueChange& change : changes)
+    EXPECT_FALSE(change.Differs());
   table->SetText(3, u"b"_s, ValueSource::Received);
-  EXPECT_EQ(changes.size(), 1U);
+  EXPECT_TRUE(changes.back().Differs());
+}
+
+TEST_F(ParameterTableTest, AValueMayComeWithAType) {
+  table->SetTyped(3, {1, u"a"_s}, u"int"_s, ValueSource::Loaded);
+  Listen();
+  table->SetTyped(3, {1, u"a"_s}, u"long"_s, ValueSource::Loaded);
+  EXPECT_EQ(table->Par[3].Typ, u"long"_s);
+  table->SetValue(3, {2, u"a"_s}, ValueSource::Edited);
+  EXPECT_EQ(table->Par[3].Typ, u"long"_s) << "the type stays";
+  ASSERT_EQ(changes.size(), 2U);
+  EXPECT_EQ(changes[0].typBefore, u"int"_s);
+  EXPECT_EQ(changes[0].typAfter, u"long"_s);
+  EXPECT_TRUE(changes[0].Differs()) << "another type is another value";
+  EXPECT_EQ(changes[1].typAfter, u"long"_s);
 }
 
 TEST_F(ParameterTableTest, ACopyIsSilentAndTheOriginalStaysObserved) {
   Listen();
+  int readings = 0;
+  table->OnDefinitions = [&](Rereading) { ++readings; };
   const auto copy = std::make_unique<ParameterTable>(*table);
   copy->SetNumber(1, 5, ValueSource::Edited);
+  copy->OnDefinitions.Tell(Rereading::Definitions);
   EXPECT_EQ(changes.size(), 0U);
+  EXPECT_EQ(readings, 0);
   *table = *copy;
   EXPECT_EQ(table->Par[1].Wert, 5);
   EXPECT_EQ(changes.size(), 0U) << "assigning a whole table tells nothing";
   table->SetNumber(1, 6, ValueSource::Edited);
+  table->OnDefinitions.Tell(Rereading::Definitions);
   EXPECT_EQ(changes.size(), 1U);
+  EXPECT_EQ(readings, 1);
 }
 
 TEST_F(ParameterTableTest, RefusesAnIndexOutsideTheTable) {
@@ -83,6 +106,8 @@ TEST_F(ParameterTableTest, RefusesAnIndexOutsideTheTable) {
     EXPECT_EQ(ThrownKind([&] { table->SetText(index, {}, ValueSource::Edited); }),
               RuntimeError::Kind::Bounds);
     EXPECT_EQ(ThrownKind([&] { table->SetValue(index, {}, ValueSource::Edited); }),
+              RuntimeError::Kind::Bounds);
+    EXPECT_EQ(ThrownKind([&] { table->SetTyped(index, {}, u"int"_s, ValueSource::Edited); }),
               RuntimeError::Kind::Bounds);
   }
   EXPECT_EQ(changes.size(), 0U);

@@ -14,7 +14,9 @@ struct Listening : Installation {
 
   Listening() {
     StartWithFiles();
-    module.OnValue = [this](const ValueChange& change) { changes.push_back(change); };
+    module.OnValue = [this](const ValueChange& change) {
+      if (change.Differs()) changes.push_back(change);
+    };
   }
 
   /// The changes since the last look: "index number text", all for the one reason.
@@ -72,6 +74,20 @@ TEST(ValueChanges, Loaded) {
             (QStringList{u"1 1500"_s, u"2 65536"_s, u"3 45"_s, u"4 0 ABCD"_s}));
 }
 
+// A file gives its types to what it is loaded into.
+TEST(ValueChanges, LoadedTypes) {
+  Listening site;
+  site.module.Dateiname = u"a.qpf"_s;
+  EXPECT_TRUE(WriteValueFile(site.core));
+  site.module.Par[1].Typ = u"long"_s;
+  EXPECT_TRUE(ReadValueFile(site.core));
+  ASSERT_GE(site.changes.size(), 1U);
+  EXPECT_EQ(site.changes[0].index, 1);
+  EXPECT_EQ(site.changes[0].typBefore, u"long"_s);
+  EXPECT_EQ(site.changes[0].typAfter, u"int"_s);
+  EXPECT_EQ(site.module.Par[1].Typ, u"int"_s);
+}
+
 TEST(ValueChanges, Standard) {
   Listening site;
   site.module.SetNumber(1, 7, ValueSource::Edited);
@@ -94,6 +110,40 @@ TEST(ValueChanges, PlantTypeOfTheController) {
   EXPECT_EQ(site.changes.at(0).source, ValueSource::PlantType);
   EXPECT_EQ(site.changes.at(0).index, 0);
   EXPECT_EQ(site.changes.at(0).after.number, 1);
+}
+
+// Before anything of the parameters, the marks and the plant types is touched.
+TEST(ValueChanges, DefinitionsAreAnnounced) {
+  Listening site;
+  QStringList news;
+  site.module.OnDefinitions = [&](Rereading rereading) {
+    news.append(u"%1 %2 %3 %4"_s.arg(rereading == Rereading::Everything ? u"all"_s : u"definitions"_s)
+                    .arg(site.module.ParCount)
+                    .arg(site.module.PlantTypeList.Count())
+                    .arg(site.module.ParNode[1]));
+  };
+  site.module.ParNode[1] = kFalse;
+  site.module.PlantTypeList.Select(1);
+  EXPECT_EQ(news, QStringList{u"definitions 5 2 0"_s});
+  news.clear();
+  site.module.VersionList.Select(1);
+  EXPECT_EQ(news.value(0), u"definitions 5 2 -1"_s);
+  news.clear();
+  Refresh(site.core, 5);
+  EXPECT_EQ(news.value(0), u"all 2 1 -1"_s);
+  news.clear();
+  Refresh(site.core, 2);
+  EXPECT_EQ(news, QStringList());
+}
+
+TEST(ValueChanges, TheDefaultsOfNewDefinitionsSayThatTheyAre) {
+  Listening site;
+  site.module.SetNumber(1, 7, ValueSource::Edited);
+  site.changes.clear();
+  Refresh(site.core, 3);
+  ASSERT_GE(site.changes.size(), 1U);
+  EXPECT_EQ(site.changes[0].index, 1);
+  EXPECT_EQ(site.changes[0].source, ValueSource::Defined);
 }
 
 TEST(ValueChanges, ReadingDefinitionsIsNone) {

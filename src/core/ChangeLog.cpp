@@ -1,0 +1,304 @@
+#include "core/ChangeLog.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/ParameterTypes.h"
+#include "core/Refresh.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+constexpr int kSources = static_cast<int>(ValueSource::Undone) + 1;
+
+// How many values differ by reason of their last setting.
+using Counts = std::array<int, kSources>;
+
+int& CountOf(Counts& counts, ValueSource source) {
+  return counts.at(static_cast<std::size_t>(source));
+}
+
+// "Empfangen, 312 Werte" for the most telling of the reasons; "" where there is none of them.
+QString NameOfTransfer(Counts& counts) {
+  constexpr std::pair<ValueSource, QStringView> kNames[] = {{ValueSource::Received, u"Empfangen"},
+                                                            {ValueSource::Loaded, u"Laden"},
+                                                            {ValueSource::Recovered, u"Wiederherstellen"},
+                                                            {ValueSource::TakenOver, u"Übernehmen"},
+                                                            {ValueSource::Standard, u"Standardwerte"}};
+  for (const auto& [source, name] : kNames) {
+    const int count = CountOf(counts, source);
+    if (count > 0) return name.toString() + (count == 1 ? u", 1 Wert"_s : u", %1 Werte"_s.arg(count));
+  }
+  return {};
+}
+
+QString NameOfEdits(const ParameterTable& table, const std::vector<StepValue>& values) {
+  if (values.size() > 1) return u"Ändern, %1 Werte"_s.arg(values.size());
+  return u"Ändern: "_s + table.Par[values.front().index].Name;
+}
+
+QString NameOfSelection(const Selected& before, const Module1& module) {
+  if (before.VersionIndex != module.VersionIndex ||
+      before.VersionList.Position() != module.VersionList.Position())
+    return u"Reglerversion "_s + module.VersionList.SelectedText();
+  if (before.PlantTypeList.Position() == module.PlantTypeList.Position()) return u"Definitionen gelesen"_s;
+  const QString plantType = module.PlantTypeList.SelectedText();
+  return u"Anlageart "_s + (plantType.isEmpty() ? u"(leer)"_s : plantType);
+}
+
+bool Differs(const ParameterRecord& record, const ParameterValue& value, const FixedText<8>& typ) {
+  return record.Wert != value.number || record.WertText != value.text || record.Typ != typ;
+}
+
+// Another parameter at the same place counts as another value.
+bool Differs(const ParameterRecord& record, const ParameterRecord& before) {
+  return record.Variable != before.Variable || Differs(record, {before.Wert, before.WertText}, before.Typ);
+}
+
+bool Same(const SelectionList& left, const SelectionList& right) {
+  if (left.Count() != right.Count() || left.Position() != right.Position()) return false;
+  for (int i = 0; i < left.Count(); ++i) {
+    if (left.Text(i) != right.Text(i)) return false;
+  }
+  return true;
+}
+
+bool Same(const DefinedTable& before, const Module1& module) {
+  const ParameterTable& table = *before.table;
+  const Selected& selected = before.selected;
+  return table.ParCount == module.ParCount && table.ParFile == module.ParFile &&
+         table.ParLine == module.ParLine && table.Par == module.Par &&
+         selected.VersionIndex == module.VersionIndex && Same(selected.VersionList, module.VersionList) &&
+         Same(selected.PlantTypeList, module.PlantTypeList) &&
+         selected.PlantTypeOffered == module.PlantTypeOffered &&
+         selected.tree.NodeState == module.NodeState && selected.tree.ParNode == module.ParNode;
+}
+
+Selected SelectedOf(const Module1& module) {
+  return {module.VersionIndex, module.VersionList, module.PlantTypeList, module.PlantTypeOffered, module};
+}
+
+void Select(Module1& module, const Selected& selected) {
+  module.VersionIndex = selected.VersionIndex;
+  module.VersionList = selected.VersionList;
+  // Other entries: who shows a list counts on its being filled from the start.
+  module.PlantTypeList.Clear();
+  module.PlantTypeList = selected.PlantTypeList;
+  module.PlantTypeOffered = selected.PlantTypeOffered;
+  module.NodeState = selected.tree.NodeState;
+  module.ParNode = selected.tree.ParNode;
+}
+
+// With what goes along with a text that is not empty.
+qsizetype SizeOf_bytes(const QString& text) {
+  constexpr qsizetype kHeader_bytes = 32;
+  return text.isEmpty() ? 0 : kHeader_bytes + text.capacity() * qsizetype{sizeof(QChar)};
+}
+
+qsizetype SizeOf_bytes(const ParameterRecord& record) {
+  qsizetype size = 0;
+  for (const QString* text :
+       {&record.Rubrik, &record.Name, &record.WertText, &record.StandardText, &record.Einheit.Padded(),
+        &record.VarAdresse, &record.Variable, &record.Typ.Padded(), &record.Zusatz, &record.Hilfetext})
+    size += SizeOf_bytes(*text);
+  return size;
+}
+
+qsizetype SizeOf_bytes(const DefinedTable& defined) {
+  qsizetype size = sizeof(DefinedTable) + sizeof(ParameterTable);
+  for (int i = 0; i <= kLastParameter; ++i)
+    size += SizeOf_bytes(defined.table->Par[i]);
+  for (const ParameterValue& value : defined.lastTaken)
+    size += qsizetype{sizeof(ParameterValue)} + SizeOf_bytes(value.text);
+  return size;
+}
+
+}  // namespace
+
+// What the steps share with each other and with the table counts for each of them.
+qsizetype ChangeStep::Size_bytes() const {
+  qsizetype size = qsizetype{sizeof(ChangeStep)} + SizeOf_bytes(name);
+  for (const StepValue& value : values) {
+    size += qsizetype{sizeof(StepValue)} + SizeOf_bytes(value.before.text) + SizeOf_bytes(value.after.text);
+  }
+  return otherSide ? size + SizeOf_bytes(*otherSide) : size;
+}
+
+ChangeLog::ChangeLog(Module1& module) : module_(module), lastTaken_(kLastParameter + 1) {
+  module_.OnValue = [this](const ValueChange& change) { Listen(change); };
+  module_.OnDefinitions = [this](Rereading rereading) { Announce(rereading); };
+}
+
+ChangeLog::~ChangeLog() {
+  module_.OnValue = nullptr;
+  module_.OnDefinitions = nullptr;
+}
+
+void ChangeLog::Begin() {
+  if (depth_++ == 0) begun_ = SelectedOf(module_);
+}
+
+void ChangeLog::End() {
+  if (--depth_ > 0) return;
+  if (std::exchange(forgets_, false)) {
+    DropRecorded();
+    if (OnForget) OnForget();
+    return;
+  }
+  ChangeStep step = before_ ? StepOfDefinitions() : StepOfValues();
+  DropRecorded();
+  if (!step.name.isEmpty() && OnStep) OnStep(std::move(step));
+}
+
+void ChangeLog::Listen(const ValueChange& change) {
+  ++revision_;
+  switch (change.source) {
+    case ValueSource::Received:
+    case ValueSource::Loaded:
+      transferred_ = true;
+      [[fallthrough]];
+    case ValueSource::Recovered:
+    case ValueSource::Defined:
+      lastTaken_[static_cast<std::size_t>(change.index)] = change.after;
+      break;
+    default:
+      break;
+  }
+  // Steps hold the others already, or not at all.
+  if (change.source == ValueSource::Undone || change.source == ValueSource::Defined) return;
+  if (depth_ > 0) {
+    Record(change);
+  } else if (change.Differs() && change.source != ValueSource::PlantType) {
+    // The plant type comes with definitions, of which there is no step here.
+    Begin();
+    Record(change);
+    End();
+  }
+}
+
+void ChangeLog::Record(const ValueChange& change) {
+  qint16& place = place_[change.index];
+  if (place == 0) {
+    // Where nothing differs a later setting still may.
+    recorded_.push_back({change.index, change.before, change.typBefore, change.source});
+    place = static_cast<qint16>(recorded_.size());
+  }
+  recorded_[static_cast<std::size_t>(place - 1)].source = change.source;
+}
+
+void ChangeLog::DropRecorded() {
+  for (const Recorded& recorded : recorded_)
+    place_[recorded.index] = 0;
+  recorded_.clear();
+}
+
+void ChangeLog::Announce(Rereading rereading) {
+  ++revision_;
+  if (depth_ == 0) {
+    if (OnForget) OnForget();
+    return;
+  }
+  if (rereading == Rereading::Everything) {
+    forgets_ = true;
+    transferred_ = false;
+    before_.reset();
+  }
+  if (!before_ && !forgets_) before_ = TableBefore();
+  // What was set until now is read anew.
+  DropRecorded();
+}
+
+std::unique_ptr<DefinedTable> ChangeLog::TableBefore() const {
+  auto before = std::make_unique<DefinedTable>();
+  before->table = std::make_unique<ParameterTable>(module_);
+  for (const Recorded& recorded : recorded_)
+    before->table->SetTyped(recorded.index, recorded.before, recorded.typBefore, ValueSource::Undone);
+  before->selected = begun_;
+  before->lastTaken = lastTaken_;
+  return before;
+}
+
+ChangeStep ChangeLog::StepOfValues() {
+  ChangeStep step;
+  Counts counts{};
+  for (Recorded& recorded : recorded_) {
+    const ParameterRecord& record = module_.Par[recorded.index];
+    if (!Differs(record, recorded.before, recorded.typBefore)) continue;
+    ++CountOf(counts, recorded.source);
+    step.values.push_back({recorded.index,
+                           std::move(recorded.before),
+                           {record.Wert, record.WertText},
+                           std::move(recorded.typBefore),
+                           record.Typ});
+  }
+  if (step.values.empty()) return step;
+  step.name = NameOfTransfer(counts);
+  if (step.name.isEmpty()) step.name = NameOfEdits(module_, step.values);
+  return step;
+}
+
+ChangeStep ChangeLog::StepOfDefinitions() {
+  ChangeStep step;
+  step.otherSide = std::move(before_);
+  if (Same(*step.otherSide, module_)) return step;
+  Counts counts{};
+  for (const Recorded& recorded : recorded_) {
+    if (Differs(module_.Par[recorded.index], step.otherSide->table->Par[recorded.index]))
+      ++CountOf(counts, recorded.source);
+  }
+  step.name = NameOfTransfer(counts);
+  if (step.name.isEmpty()) step.name = NameOfSelection(step.otherSide->selected, module_);
+  return step;
+}
+
+void ChangeLog::Undo(ChangeStep& step) {
+  if (step.otherSide) Swap(*step.otherSide);
+  for (const StepValue& value : step.values)
+    module_.SetTyped(value.index, value.before, value.typBefore, ValueSource::Undone);
+}
+
+void ChangeLog::Redo(ChangeStep& step) {
+  if (step.otherSide) Swap(*step.otherSide);
+  for (const StepValue& value : step.values)
+    module_.SetTyped(value.index, value.after, value.typAfter, ValueSource::Undone);
+}
+
+void ChangeLog::Swap(DefinedTable& other) {
+  ++revision_;
+  ParameterTable& table = *other.table;
+  // One after the other: a table is too large for the stack.
+  for (int i = 0; i <= kLastParameter; ++i) {
+    std::swap(module_.Par[i], table.Par[i]);
+    std::swap(module_.ParLine[i], table.ParLine[i]);
+  }
+  std::swap(module_.ParCount, table.ParCount);
+  std::swap(module_.ParFile, table.ParFile);
+  Selected now = SelectedOf(module_);
+  Select(module_, other.selected);
+  other.selected = std::move(now);
+  std::swap(lastTaken_, other.lastTaken);
+}
+
+bool ChangeLog::Changed(int index) const {
+  const ParameterRecord& record = module_.Par[index];
+  return lastTaken_[static_cast<std::size_t>(index)] != ParameterValue{record.Wert, record.WertText};
+}
+
+int ChangeLog::Outside() const {
+  int count = 0;
+  for (int i = 1; transferred_ && i < module_.ParCount; ++i) {
+    const ParameterRecord& record = module_.Par[i];
+    const bool outside = record.Wert < record.Min || record.Wert > record.Max;
+    if (outside && TypeOf(record.Typ).kind != ValueKind::Text) ++count;
+  }
+  return count;
+}
+
+void ShowTable(Core& core) {
+  core.main.SetPlantSelectorVisible(core.module.PlantTypeOffered);
+  Refresh(core, 2);
+}
+
+}  // namespace kalivor

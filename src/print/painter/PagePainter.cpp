@@ -1,19 +1,11 @@
 #include "print/painter/PagePainter.h"
 
-#include <QFontMetricsF>
-#include <QTextLayout>
 #include <algorithm>
 
-#include "platform/gui/FixedFont.h"
+#include "print/painter/TextDrawer.h"
 
 namespace kalivor::print {
 namespace {
-
-// Fonts have whole sizes, so text is drawn in thousandths of a centimetre.
-constexpr double kUnitsPerCentimetre = 1000;
-
-// Printers cannot print up to the edge of the paper.
-constexpr double kPaperMargin = 0.8;
 
 // Lines that are too long make the whole list smaller, down to this part of its size: beyond it the list
 // could not be read, and the long lines alone are made narrower.
@@ -51,53 +43,6 @@ QRectF Sign(const Geometry& geometry, double scale, int line, int level) {
                        LineArea(geometry, line).center().y());
   return {middle.x() - size / 2, middle.y() - size / 2, size, size};
 }
-
-QString Printable(QString text) {
-  for (QChar& c : text) {
-    if (c.unicode() < 0x20 || (c.unicode() >= 0x7F && c.unicode() < 0xA0)) c = u' ';
-  }
-  return text;
-}
-
-// Text in the fixed-pitch font, on a painter in centimetres.
-class TextDrawer {
- public:
-  // In the size in which the characters have the pitch of the layout.
-  TextDrawer(QPainter& painter, bool bold, double size_pt) : painter_(painter), font_(platform::FixedFont()) {
-    font_.setBold(bold);
-    font_.setKerning(false);
-    font_.setHintingPreference(QFont::PreferNoHinting);
-    constexpr int kTrial = 1000;
-    font_.setPixelSize(kTrial);
-    const double pitch = QFontMetricsF(font_).horizontalAdvance(u'0') / kTrial;
-    font_.setPixelSize(std::max(1, static_cast<int>(TextWidth_cm(1, size_pt) * kUnitsPerCentimetre / pitch)));
-    height_ = QFontMetricsF(font_).height() / kUnitsPerCentimetre;
-  }
-
-  // One line, its upper edge at `y`; made narrower when it is wider than `room`.
-  void Draw(double x, double y, double room, const QString& text) const {
-    QTextLayout layout(Printable(text), font_);
-    layout.beginLayout();
-    QTextLine line = layout.createLine();
-    if (!line.isValid()) return;
-    line.setNumColumns(static_cast<int>(text.size()));
-    layout.endLayout();
-    const double width = line.naturalTextWidth() / kUnitsPerCentimetre;
-    const double narrower = width > room ? room / width : 1;
-    painter_.save();
-    painter_.translate(x, y);
-    painter_.scale(narrower / kUnitsPerCentimetre, 1 / kUnitsPerCentimetre);
-    layout.draw(&painter_, QPointF());
-    painter_.restore();
-  }
-
-  [[nodiscard]] double Height() const { return height_; }
-
- private:
-  QPainter& painter_;
-  QFont font_;
-  double height_;
-};
 
 // The branches of the tree: a step of indentation for each level, the sign or branch in its middle.
 class BranchDrawer {

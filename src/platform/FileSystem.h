@@ -34,6 +34,10 @@ class FileSystem {
   /// takes no new file, but the file itself can be written, it is written in place. What a save that was
   /// killed has left in the folder is removed. Returns "" or a German description of the failure.
   [[nodiscard]] virtual QString Overwrite(const QString& path, const QByteArray& beginning) = 0;
+
+  /// As Overwrite(), but the file is afterwards exactly `content`, a folder that takes no new file is a
+  /// failure, and folders that are missing on the way are made, for the user alone.
+  [[nodiscard]] virtual QString Replace(const QString& path, const QByteArray& content) = 0;
 };
 
 }  // namespace kalivor::platform

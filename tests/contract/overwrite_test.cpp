@@ -148,6 +148,40 @@ TEST_F(Overwrite, RefusesImpossibleNames) {
   EXPECT_EQ(Names(), QStringList());
 }
 
+// --- replacing the whole file ---
+
+TEST_F(Overwrite, ReplacingLeavesExactlyTheContent) {
+  EXPECT_EQ(files_.Replace(Path(u"new.json"_s), "content"), QString());
+  EXPECT_EQ(Stored(u"new.json"_s), "content");
+  for (const QByteArray& content : {QByteArray("shorter"), QByteArray(), QByteArray(300'000, 'x')}) {
+    Write(u"a.json"_s, QByteArray(124'062, 'o'));
+    EXPECT_EQ(files_.Replace(Path(u"A.JSON"_s), content), QString());
+    EXPECT_EQ(Stored(u"a.json"_s), content);
+  }
+  EXPECT_EQ(Names(), (QStringList{u"a.json"_s, u"new.json"_s}));
+}
+
+TEST_F(Overwrite, ReplacingMakesEveryMissingFolder) {
+  Write(u"Da/x"_s, "x");
+  EXPECT_EQ(files_.Replace(Path(u"DA\\Größe ä//neu/a.json"_s), "1"), QString());
+  EXPECT_EQ(files_.Replace(Path(u"Da/GRÖSSE/b.json"_s), "2"), QString());
+  EXPECT_EQ(files_.Replace(Path(u"da/größe Ä/NEU/A.json"_s), "3"), QString());
+  EXPECT_EQ(Stored(u"Da/Größe ä/neu/a.json"_s), "3");
+  EXPECT_EQ(Stored(u"Da/GRÖSSE/b.json"_s), "2");
+  EXPECT_EQ(Names(), QStringList{u"Da"_s});
+  EXPECT_EQ(Names(u"Da/Größe ä"_s), QStringList{u"neu"_s});
+}
+
+TEST_F(Overwrite, ReplacingRefusesWhatSavingRefuses) {
+  Write(u"sub/a.json"_s, "x");
+  EXPECT_EQ(files_.Replace(Path(u"sub"_s), "x"), kDirectory);
+  EXPECT_EQ(files_.Replace(Path(u"missing/"_s), "x"), kDirectory);
+  EXPECT_EQ(files_.Replace({}, "x"), kBadName);
+  EXPECT_NE(files_.Replace(Path(u"sub/a.json/deeper/b.json"_s), "x"), QString());
+  EXPECT_EQ(Names(), QStringList{u"sub"_s});
+  EXPECT_EQ(Stored(u"sub/a.json"_s), "x");
+}
+
 // --- what others do ---
 
 TEST_F(Overwrite, RemovesWhatAKilledSaveHasLeft) {

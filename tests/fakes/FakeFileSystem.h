@@ -17,13 +17,18 @@ class FakeFileSystem final : public platform::FileSystem {
   /// Adds a file of windows-1252 text.
   void AddText(const QString& path, const QString& text) { files[path] = {BytesFromText(text), {}}; }
 
-  QString writeError;  ///< what every Overwrite() fails with; "" for none
+  QString writeError;  ///< what every Overwrite() and Replace() fails with; "" for none
 
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override {
     if (!writeError.isEmpty()) return writeError;
     QByteArray& bytes = files[path].bytes;
     bytes.replace(0, beginning.size(), beginning);
     return {};
+  }
+
+  [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override {
+    if (writeError.isEmpty()) files[path] = {content, {}};
+    return writeError;
   }
 
   void AddFailure(const QString& path, const QString& error) { files[path] = {{}, error}; }

@@ -109,6 +109,10 @@ class MemoryFiles final : public platform::FileSystem {
     files[path].replace(0, beginning.size(), beginning);
     return {};
   }
+  [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override {
+    files[path] = content;
+    return {};
+  }
 };
 
 /// No port can be opened.

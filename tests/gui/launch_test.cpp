@@ -32,6 +32,9 @@ struct ToldFiles final : platform::FileSystem {
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override {
     return stored.Overwrite(path, beginning);
   }
+  [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override {
+    return stored.Replace(path, content);
+  }
   [[nodiscard]] platform::FileContent Read(const QString& path, qint64 largest_bytes) override {
     told();
     return stored.Read(path, largest_bytes);

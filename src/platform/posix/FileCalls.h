@@ -52,6 +52,7 @@ class FileCalls {
   virtual int Duplicate(int fd) const { return fcntl(fd, F_DUPFD_CLOEXEC, 0); }
   virtual int Close(int fd) const { return close(fd); }
 
+  virtual int MakeFolder(const QByteArray& path, mode_t mode) const { return mkdir(path.constData(), mode); }
   virtual int Rename(const QByteArray& from, const QByteArray& to) const {
     return rename(from.constData(), to.constData());
   }

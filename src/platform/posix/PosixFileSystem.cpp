@@ -22,6 +22,32 @@ int ReadFile(const FileCalls& calls, QByteArray path, qint64 largest_bytes, QByt
   return error != 0 ? error : OpenFile(calls).ReadRegular(path, O_RDONLY, largest_bytes, status, bytes);
 }
 
+QString DescriptionOf(const SaveResult& result) {
+  if (result.error == 0) return {};
+  const QString description = DescribeWriting(result.error);
+  return result.uncertain ? description + u" Der Inhalt der Datei ist jetzt ungewiss."_s : description;
+}
+
+SaveResult Save(const FileCalls& calls, QByteArray path, const QByteArray& bytes, Tail tail) {
+  const int error = path.contains('\0') ? EINVAL : CorrectCaseForWriting(calls, path);
+  return error != 0 ? SaveResult{error} : SafeSave(calls, path, bytes, tail);
+}
+
+// Makes a folder, and those above it that are missing too. `path` becomes its real name.
+int MakeFolders(const FileCalls& calls, QByteArray& path) {
+  while (path.endsWith('/'))
+    path.chop(1);
+  int error = CorrectCaseForWriting(calls, path);
+  if (QByteArray above = FolderPart(path); error == ENOENT) {
+    const QByteArray name = path.sliced(above.size());
+    error = MakeFolders(calls, above);
+    path = above + '/' + name;
+  }
+  if (error == 0) error = ErrorOf([&] { return calls.MakeFolder(path, S_IRWXU); });
+  // Another program may have been quicker.
+  return error == EEXIST ? 0 : error;
+}
+
 }  // namespace
 
 FileContent PosixFileSystem::Read(const QString& path, qint64 largest_bytes) {
@@ -32,12 +58,17 @@ FileContent PosixFileSystem::Read(const QString& path, qint64 largest_bytes) {
 }
 
 QString PosixFileSystem::Overwrite(const QString& path, const QByteArray& beginning) {
-  QByteArray name = SystemPath(path);
-  const int nameError = name.contains('\0') ? EINVAL : CorrectCaseForWriting(calls_, name);
-  const SaveResult result = nameError != 0 ? SaveResult{nameError} : SafeSave(calls_, name, beginning);
-  if (result.error == 0) return {};
-  const QString description = DescribeWriting(result.error);
-  return result.uncertain ? description + u" Der Inhalt der Datei ist jetzt ungewiss."_s : description;
+  return DescriptionOf(Save(calls_, SystemPath(path), beginning, Tail::Kept));
+}
+
+QString PosixFileSystem::Replace(const QString& path, const QByteArray& content) {
+  const QByteArray name = SystemPath(path);
+  SaveResult result = Save(calls_, name, content, Tail::Cut);
+  if (QByteArray folder = FolderPart(name); result.error == ENOENT && !folder.isEmpty()) {
+    result.error = MakeFolders(calls_, folder);
+    if (result.error == 0) result = Save(calls_, name, content, Tail::Cut);
+  }
+  return DescriptionOf(result);
 }
 
 }  // namespace kalivor::platform

@@ -13,6 +13,7 @@ class PosixFileSystem final : public FileSystem {
 
   [[nodiscard]] FileContent Read(const QString& path, qint64 largest_bytes = kLargestFile_bytes) override;
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
+  [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override;
 
  private:
   const FileCalls& calls_;

@@ -124,17 +124,19 @@ SaveResult WriteInPlace(const OldFile& old, const QByteArray& beginning) {
 
 }  // namespace
 
-SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& beginning) {
+SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& bytes, Tail tail) {
   // The image would be a file that is refused the next time.
-  if (beginning.size() > FileSystem::kLargestFile_bytes) return {EFBIG};
+  if (bytes.size() > FileSystem::kLargestFile_bytes) return {EFBIG};
   OldFile old(calls);
   QByteArray target = path;
   int error = OpenOldFile(calls, path, old);
   if (error == 0) error = FollowLinks(calls, target);
   if (error != 0) return {error};
 
-  error = Replace(calls, target, old, beginning + old.bytes.mid(beginning.size()));
-  if (old.exists && FolderRefused(error)) return WriteInPlace(old, beginning);
+  const QByteArray image = tail == Tail::Kept ? bytes + old.bytes.mid(bytes.size()) : bytes;
+  error = Replace(calls, target, old, image);
+  // Cutting a file in place is a second step that may not come about.
+  if (tail == Tail::Kept && old.exists && FolderRefused(error)) return WriteInPlace(old, bytes);
   return {error};
 }
 

@@ -12,9 +12,12 @@ struct SaveResult {
   bool uncertain = false;  ///< the old image could not be brought back: the file may hold parts of both
 };
 
-/// Puts `beginning` over the beginning of the file `path`, or into a new one. See FileSystem::Overwrite();
-/// the name is taken as it is written.
-[[nodiscard]] SaveResult SafeSave(const FileCalls& calls, const QByteArray& path,
-                                  const QByteArray& beginning);
+/// What becomes of the bytes of a longer file behind the new ones.
+enum class Tail { Kept, Cut };
+
+/// Puts `bytes` over the beginning of the file `path`, or into a new one. See FileSystem::Overwrite() and
+/// Replace(); the name is taken as it is written.
+[[nodiscard]] SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& bytes,
+                                  Tail tail);
 
 }  // namespace kalivor::platform

@@ -2,6 +2,7 @@
 
 #include <aclapi.h>
 
+#include <QDir>
 #include <memory>
 
 #include "platform/plain/TemporaryName.h"
@@ -167,17 +168,29 @@ DWORD ReadOld(std::wstring& path, OldFile& old) {
   return ERROR_SUCCESS;
 }
 
-SaveResult Save(std::wstring path, const QByteArray& beginning) {
+// What becomes of the bytes of a longer file behind the new ones.
+enum class Tail { Kept, Cut };
+
+SaveResult Save(std::wstring path, const QByteArray& bytes, Tail tail) {
   // The image would be a file that is refused the next time.
-  if (beginning.size() > FileSystem::kLargestFile_bytes) return {ERROR_FILE_TOO_LARGE};
+  if (bytes.size() > FileSystem::kLargestFile_bytes) return {ERROR_FILE_TOO_LARGE};
   if (path.ends_with(L'\\')) return {kErrorDirectoryNotSupported};
   OldFile old;
   DWORD error = ReadOld(path, old);
   if (error != ERROR_SUCCESS) return {error};
-  error = Replace(path, old, beginning + old.bytes.mid(beginning.size()));
+  const QByteArray image = tail == Tail::Kept ? bytes + old.bytes.mid(bytes.size()) : bytes;
+  error = Replace(path, old, image);
   // The folder takes no new file, or does not let go of this one.
-  if (old.exists && KindOf(error) == FileError::NoPermission) return WriteInPlace(path, beginning, old.bytes);
+  // Cutting a file in place would be a second step that may not come about.
+  if (tail == Tail::Kept && old.exists && KindOf(error) == FileError::NoPermission)
+    return WriteInPlace(path, bytes, old.bytes);
   return {error};
+}
+
+QString DescriptionOf(const SaveResult& result) {
+  if (result.error == ERROR_SUCCESS) return {};
+  const QString description = DescribeWriting(KindOf(result.error), static_cast<int>(result.error));
+  return result.uncertain ? description + u" Der Inhalt der Datei ist jetzt ungewiss."_s : description;
 }
 
 }  // namespace
@@ -194,10 +207,14 @@ FileContent Win32FileSystem::Read(const QString& path, qint64 largest_bytes) {
 }
 
 QString Win32FileSystem::Overwrite(const QString& path, const QByteArray& beginning) {
-  const SaveResult result = Save(SystemPath(path), beginning);
-  if (result.error == ERROR_SUCCESS) return {};
-  const QString description = DescribeWriting(KindOf(result.error), static_cast<int>(result.error));
-  return result.uncertain ? description + u" Der Inhalt der Datei ist jetzt ungewiss."_s : description;
+  return DescriptionOf(Save(SystemPath(path), beginning, Tail::Kept));
+}
+
+QString Win32FileSystem::Replace(const QString& path, const QByteArray& content) {
+  SaveResult result = Save(SystemPath(path), content, Tail::Cut);
+  if (result.error == ERROR_PATH_NOT_FOUND && QDir().mkpath(QFileInfo(path).path()))
+    result = Save(SystemPath(path), content, Tail::Cut);
+  return DescriptionOf(result);
 }
 
 }  // namespace kalivor::platform

@@ -13,6 +13,7 @@ class Win32FileSystem final : public FileSystem {
 
   /// A file that another program holds open is tried again for a second.
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
+  [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override;
 };
 
 }  // namespace kalivor::platform

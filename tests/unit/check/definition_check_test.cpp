@@ -605,6 +605,7 @@ class DiskFiles final : public platform::FileSystem {
   QString Overwrite(const QString& /*path*/, const QByteArray& /*beginning*/) override {
     return u"unbenutzt"_s;
   }
+  QString Replace(const QString& /*path*/, const QByteArray& /*content*/) override { return u"unbenutzt"_s; }
 };
 
 class ShippedExampleTest : public testing::Test {

@@ -28,6 +28,7 @@ enum class FileCall {
   Lock,
   Duplicate,
   Close,
+  MakeFolder,
   Rename,
   Remove,
 };
@@ -99,6 +100,9 @@ class FaultyFileCalls final : public platform::FileCalls {
     FileCalls::Close(fd);
     errno = error;
     return fails ? -1 : 0;
+  }
+  int MakeFolder(const QByteArray& path, mode_t mode) const override {
+    return Fails(FileCall::MakeFolder) || Refuses(true) ? -1 : FileCalls::MakeFolder(path, mode);
   }
   int Rename(const QByteArray& from, const QByteArray& to) const override {
     return Fails(FileCall::Rename) || Refuses(true) ? -1 : FileCalls::Rename(from, to);

@@ -32,6 +32,9 @@ struct Situation {
   bool otherCase = false;
   bool folderRefuses = false;
   bool leftover = false;  ///< a save that was killed has left a file behind
+  bool cut = false;       ///< the whole file is replaced, not its beginning
+
+  [[nodiscard]] bool IsRefused() const { return folderRefuses && (!old || cut); }
 };
 
 QByteArray Pattern(int size, int step) {
@@ -56,6 +59,8 @@ std::vector<Situation> SituationsOf(Way way) {
         situations.push_back({old, Pattern(size, 7), way, otherCase, false, true});
       }
     }
+    for (const bool refuses : {false, true})
+      situations.push_back({old, Pattern(62, 7), way, false, refuses, false, true});
   }
   return situations;
 }
@@ -110,6 +115,7 @@ class Site {
 
   /// The complete new image.
   [[nodiscard]] QByteArray Image() const {
+    if (situation_.cut) return situation_.beginning;
     return situation_.beginning + situation_.old.value_or(QByteArray()).mid(situation_.beginning.size());
   }
 
@@ -166,7 +172,9 @@ class Site {
 };
 
 QString SaveWith(const FaultyFileCalls& calls, const Site& site, const Situation& situation) {
-  return PosixFileSystem(calls).Overwrite(site.Name(), situation.beginning);
+  PosixFileSystem files(calls);
+  return situation.cut ? files.Replace(site.Name(), situation.beginning)
+                       : files.Overwrite(site.Name(), situation.beginning);
 }
 
 bool IsHarmless(const QString& stray) {
@@ -180,7 +188,7 @@ void CheckOutcome(const Site& site, const Situation& situation, const FileFault&
   const bool dead = fault.lasting == Lasting::Everything;
   const auto content = site.Content();
   const bool isNew = content == site.Image();
-  const bool refused = situation.folderRefuses && !situation.old && message == DescribeWriting(EACCES);
+  const bool refused = situation.IsRefused() && message == DescribeWriting(EACCES);
   // Half a write is continued and an interrupted call repeated.
   const bool bearable =
       fault.failure == FileFault::kShort || (fault.failure == EINTR && fault.lasting == Lasting::Once);
@@ -239,9 +247,9 @@ std::vector<FileCall> Undisturbed(Site& site, const Situation& situation) {
   FaultyFileCalls calls;
   calls.folderRefuses = situation.folderRefuses;
   const QString message = SaveWith(calls, site, situation);
-  const bool refused = situation.folderRefuses && !situation.old;
+  const bool refused = situation.IsRefused();
   EXPECT_EQ(message, refused ? DescribeWriting(EACCES) : QString());
-  EXPECT_EQ(site.Content(), refused ? std::nullopt : std::optional(site.Image()));
+  EXPECT_EQ(site.Content(), refused ? situation.old : std::optional(site.Image()));
   EXPECT_EQ(site.Strays(), QStringList());
   EXPECT_FALSE(site.HoldsLeftover());
   return calls.Calls();
@@ -263,7 +271,8 @@ TEST_P(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
     const Situation& situation = situations[i];
     SCOPED_TRACE(testing::Message() << "situation " << i << (situation.otherCase ? ", other case" : "")
                                     << (situation.folderRefuses ? ", folder refuses" : "")
-                                    << (situation.leftover ? ", leftover" : ""));
+                                    << (situation.leftover ? ", leftover" : "")
+                                    << (situation.cut ? ", cut" : ""));
     Site site(situation);
     const std::vector<FileCall> calls = Undisturbed(site, situation);
     for (int at = 0; at < static_cast<int>(calls.size()); ++at) {
@@ -290,6 +299,33 @@ TEST_P(OverwriteFaults, LeaveTheOldOrTheNewImageWhereverTheyStrike) {
   RecordProperty("kills", kills);
   std::cout << "interrupted saves: " << situations.size() << " situations, " << failures << " failures, "
             << kills << " kills, " << failures + kills << " cases\n";
+}
+
+// Folders that are made on the way may stay; a part of a file never does.
+TEST(ReplaceFaults, InAMissingFolderLeaveNoFileOrAllOfIt) {
+  int count = 1;
+  for (int at = -1; at < count; ++at) {
+    for (const int failure : {EIO, EACCES, ENOENT, EINTR}) {
+      SCOPED_TRACE(testing::Message() << "call " << at << " of " << count << ", failure " << failure);
+      const QTemporaryDir folder;
+      FaultyFileCalls calls;
+      calls.fault = {at, failure, Lasting::Once};
+      const QString message =
+          PosixFileSystem(calls).Replace(folder.filePath(u"Neu\\Tief/Werte.json"_s), "whole");
+      if (at < 0) count = static_cast<int>(calls.Calls().size());
+      if (at < 0 || failure == EINTR) {
+        EXPECT_EQ(message, QString());
+      }
+      constexpr auto kAll = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+      const QDir inside(folder.filePath(u"Neu/Tief"_s));
+      EXPECT_EQ(inside.entryList(kAll), message.isEmpty() ? QStringList{u"Werte.json"_s} : QStringList());
+      if (!message.isEmpty()) continue;
+      QFile file(inside.filePath(u"Werte.json"_s));
+      EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+      EXPECT_EQ(file.readAll(), "whole");
+    }
+  }
+  EXPECT_GT(count, 20);
 }
 
 std::string NameOf(const testing::TestParamInfo<Way>& info) {

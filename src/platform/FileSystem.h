@@ -9,7 +9,8 @@ namespace kalivor::platform {
 /// What a file held, or why it could not be read.
 struct FileContent {
   QByteArray bytes;
-  QString error;  ///< German description of the failure; empty on success
+  QString error;         ///< German description of the failure; empty on success
+  bool missing = false;  ///< the failure is that there is no such file
 
   [[nodiscard]] bool Ok() const { return error.isEmpty(); }
 };

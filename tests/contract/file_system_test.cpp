@@ -75,6 +75,9 @@ TEST_F(FileSystem, TellsMissingFiles) {
   EXPECT_EQ(Error(u"missing.txt"_s), kNotFound);
   EXPECT_EQ(Error(u"missing/def.txt"_s), kNotFound);
   EXPECT_EQ(ErrorOfPath(QString()), kNotFound);
+  EXPECT_TRUE(files_.Read(Path(u"missing.txt"_s)).missing);
+  EXPECT_TRUE(files_.Read(Path(u"missing/def.txt"_s)).missing);
+  EXPECT_FALSE(files_.Read(folder_.path()).missing);
 }
 
 TEST_F(FileSystem, RefusesANameWithACharacterOfCode0) {

@@ -36,8 +36,9 @@ class FakeFileSystem final : public platform::FileSystem {
   [[nodiscard]] platform::FileContent Read(const QString& path, qint64 /*largest_bytes*/) override {
     reads.append(FileName(path).text);
     const auto found = files.constFind(path);
-    return found == files.constEnd() ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden.")}
-                                     : *found;
+    return found == files.constEnd()
+               ? platform::FileContent{{}, QStringLiteral("Datei nicht gefunden."), true}
+               : *found;
   }
 };
 

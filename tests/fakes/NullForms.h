@@ -101,7 +101,7 @@ class MemoryFiles final : public platform::FileSystem {
 
   [[nodiscard]] platform::FileContent Read(const QString& path, qint64 largest_bytes) override {
     const auto found = files.constFind(path);
-    if (found == files.constEnd()) return {{}, QStringLiteral("Datei nicht gefunden.")};
+    if (found == files.constEnd()) return {{}, QStringLiteral("Datei nicht gefunden."), true};
     if (found->size() > largest_bytes) return {{}, QStringLiteral("Die Datei ist zu groß.")};
     return {*found, {}};
   }

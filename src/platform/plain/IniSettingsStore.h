@@ -18,6 +18,8 @@ class IniSettingsStore final : public SettingsStore {
   /// A file of the caller's choice.
   explicit IniSettingsStore(const QString& path);
 
+  [[nodiscard]] const QString& Path() const { return path_; }
+
   [[nodiscard]] QString Get(const QString& section, const QString& key,
                             const QString& fallback) const override;
   void Save(const QString& section, const QString& key, const QString& value) override;

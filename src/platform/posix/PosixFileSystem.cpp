@@ -54,7 +54,7 @@ FileContent PosixFileSystem::Read(const QString& path, qint64 largest_bytes) {
   FileContent content;
   const int error = ReadFile(calls_, SystemPath(path), largest_bytes, content.bytes);
   if (error == 0) return content;
-  return {{}, DescribeReading(error)};
+  return {{}, DescribeReading(error), error == ENOENT};
 }
 
 QString PosixFileSystem::Overwrite(const QString& path, const QByteArray& beginning) {

@@ -203,7 +203,8 @@ FileContent Win32FileSystem::Read(const QString& path, qint64 largest_bytes) {
   });
   if (error == ERROR_SUCCESS) error = file.ReadAll(largest_bytes, content.bytes);
   if (error == ERROR_SUCCESS) return content;
-  return {{}, DescribeReading(KindOf(error), static_cast<int>(error))};
+  const FileError kind = KindOf(error);
+  return {{}, DescribeReading(kind, static_cast<int>(error)), kind == FileError::NotFound};
 }
 
 QString Win32FileSystem::Overwrite(const QString& path, const QByteArray& beginning) {

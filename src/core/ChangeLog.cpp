@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/ParameterTypes.h"
 #include "core/Refresh.h"
+#include "core/ValueSets.h"
 
 using namespace Qt::StringLiterals;
 
@@ -34,9 +34,8 @@ QString NameOfTransfer(Counts& counts) {
   return {};
 }
 
-QString NameOfEdits(const ParameterTable& table, const std::vector<StepValue>& values) {
-  if (values.size() > 1) return u"Ändern, %1 Werte"_s.arg(values.size());
-  return u"Ändern: "_s + table.Par[values.front().index].Name;
+QString NameOfEdits(int count, const QString& parameter) {
+  return count == 1 ? u"Ändern: "_s + parameter : u"Ändern, %1 Werte"_s.arg(count);
 }
 
 QString NameOfSelection(const Selected& before, const Module1& module) {
@@ -48,13 +47,26 @@ QString NameOfSelection(const Selected& before, const Module1& module) {
   return u"Anlageart "_s + (plantType.isEmpty() ? u"(leer)"_s : plantType);
 }
 
-bool Differs(const ParameterRecord& record, const ParameterValue& value, const FixedText<8>& typ) {
-  return record.Wert != value.number || record.WertText != value.text || record.Typ != typ;
+// What a file or the controller pads is no other value to the user, but has to come back all the same.
+bool IsAsBefore(const ParameterRecord& record, const StepValue& value) {
+  return value.typBefore == value.typAfter && SameValue(record, value.before, value.after);
 }
 
-// Another parameter at the same place counts as another value.
-bool Differs(const ParameterRecord& record, const ParameterRecord& before) {
-  return record.Variable != before.Variable || Differs(record, {before.Wert, before.WertText}, before.Typ);
+// Another parameter at the same place counts as another value, and so does one where there was none.
+bool IsAsBefore(const Module1& module, int index, const ParameterTable& before) {
+  const ParameterRecord& now = module.Par[index];
+  const ParameterRecord& then = before.Par[index];
+  return index < before.ParCount && now.Variable == then.Variable && now.Typ == then.Typ &&
+         SameValue(now, {then.Wert, then.WertText}, {now.Wert, now.WertText});
+}
+
+bool Same(const ParameterRecord& now, const ParameterRecord& then) {
+  if (now == then) return true;
+  if (!SameValue(now, {then.Wert, then.WertText}, {now.Wert, now.WertText})) return false;
+  ParameterRecord record = then;
+  record.Wert = now.Wert;
+  record.WertText = now.WertText;
+  return record == now;
 }
 
 bool Same(const SelectionList& left, const SelectionList& right) {
@@ -67,10 +79,13 @@ bool Same(const SelectionList& left, const SelectionList& right) {
 
 bool Same(const DefinedTable& before, const Module1& module) {
   const ParameterTable& table = *before.table;
+  for (int i = 0; i <= kLastParameter; ++i) {
+    if (!Same(module.Par[i], table.Par[i])) return false;
+  }
   const Selected& selected = before.selected;
   return table.ParCount == module.ParCount && table.ParFile == module.ParFile &&
-         table.ParLine == module.ParLine && table.Par == module.Par &&
-         selected.VersionIndex == module.VersionIndex && Same(selected.VersionList, module.VersionList) &&
+         table.ParLine == module.ParLine && selected.VersionIndex == module.VersionIndex &&
+         Same(selected.VersionList, module.VersionList) &&
          Same(selected.PlantTypeList, module.PlantTypeList) &&
          selected.PlantTypeOffered == module.PlantTypeOffered &&
          selected.tree.NodeState == module.NodeState && selected.tree.ParNode == module.ParNode;
@@ -223,19 +238,26 @@ std::unique_ptr<DefinedTable> ChangeLog::TableBefore() const {
 ChangeStep ChangeLog::StepOfValues() {
   ChangeStep step;
   Counts counts{};
+  int count = 0;
+  QString last;
   for (Recorded& recorded : recorded_) {
     const ParameterRecord& record = module_.Par[recorded.index];
-    if (!Differs(record, recorded.before, recorded.typBefore)) continue;
-    ++CountOf(counts, recorded.source);
-    step.values.push_back({recorded.index,
-                           std::move(recorded.before),
-                           {record.Wert, record.WertText},
-                           std::move(recorded.typBefore),
-                           record.Typ});
+    StepValue value{recorded.index,
+                    std::move(recorded.before),
+                    {record.Wert, record.WertText},
+                    std::move(recorded.typBefore),
+                    record.Typ};
+    if (value.before == value.after && value.typBefore == value.typAfter) continue;
+    if (!IsAsBefore(record, value)) {
+      ++count;
+      ++CountOf(counts, recorded.source);
+      last = record.Name;
+    }
+    step.values.push_back(std::move(value));
   }
-  if (step.values.empty()) return step;
+  if (count == 0) return {};
   step.name = NameOfTransfer(counts);
-  if (step.name.isEmpty()) step.name = NameOfEdits(module_, step.values);
+  if (step.name.isEmpty()) step.name = NameOfEdits(count, last);
   return step;
 }
 
@@ -245,8 +267,7 @@ ChangeStep ChangeLog::StepOfDefinitions() {
   if (Same(*step.otherSide, module_)) return step;
   Counts counts{};
   for (const Recorded& recorded : recorded_) {
-    if (Differs(module_.Par[recorded.index], step.otherSide->table->Par[recorded.index]))
-      ++CountOf(counts, recorded.source);
+    if (!IsAsBefore(module_, recorded.index, *step.otherSide->table)) ++CountOf(counts, recorded.source);
   }
   step.name = NameOfTransfer(counts);
   if (step.name.isEmpty()) step.name = NameOfSelection(step.otherSide->selected, module_);
@@ -283,15 +304,14 @@ void ChangeLog::Swap(DefinedTable& other) {
 
 bool ChangeLog::Changed(int index) const {
   const ParameterRecord& record = module_.Par[index];
-  return lastTaken_[static_cast<std::size_t>(index)] != ParameterValue{record.Wert, record.WertText};
+  return !SameValue(record, lastTaken_[static_cast<std::size_t>(index)], {record.Wert, record.WertText});
 }
 
 int ChangeLog::Outside() const {
   int count = 0;
   for (int i = 1; transferred_ && i < module_.ParCount; ++i) {
     const ParameterRecord& record = module_.Par[i];
-    const bool outside = record.Wert < record.Min || record.Wert > record.Max;
-    if (outside && TypeOf(record.Typ).kind != ValueKind::Text) ++count;
+    if (IsOutside(record, {record.Wert, record.WertText})) ++count;
   }
   return count;
 }

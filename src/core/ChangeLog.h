@@ -44,7 +44,8 @@ struct ChangeStep {
 };
 
 /// Listens to the parameter table. What the user sets off stands between Begin and End, which may be nested;
-/// the outermost pair makes one step of all that differs afterwards, or none. A value that changes outside of
+/// the outermost pair makes one step of all that differs afterwards, or none; what a file or the controller
+/// pads differs for nobody, but belongs to a step that there is. A value that changes outside of
 /// them is a step of its own. Steps hold values and types; only where definitions were read anew they hold
 /// the whole table, with its marks and the selected version and plant type. Who reads everything anew, the
 /// version table as well, or definitions outside of Begin and End, makes all steps useless: they are to be

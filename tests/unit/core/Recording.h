@@ -16,10 +16,18 @@ inline QStringList Entries(const SelectionList& list) {
   return entries;
 }
 
+inline ParameterRecord WithoutPadding(ParameterRecord record) {
+  record.WertText = WithoutTrailingBlanks(record.WertText);
+  return record;
+}
+
 /// The first difference between the tables of two modules, their marks aside; "" when there is none.
-inline QString TableDifference(const Module1& left, const Module1& right) {
+/// Blanks at the ends of texts count unless `padding` is false.
+inline QString TableDifference(const Module1& left, const Module1& right, bool padding = true) {
   for (int i = 0; i <= kLastParameter; ++i) {
-    if (left.Par[i] != right.Par[i]) return u"Par[%1]"_s.arg(i);
+    if (left.Par[i] != right.Par[i] &&
+        (padding || WithoutPadding(left.Par[i]) != WithoutPadding(right.Par[i])))
+      return u"Par[%1]"_s.arg(i);
     if (left.ParLine[i] != right.ParLine[i]) return u"ParLine[%1]"_s.arg(i);
   }
   if (left.ParCount != right.ParCount) return u"ParCount"_s;

@@ -4,6 +4,7 @@
 #include "campaign/Random.h"
 #include "commands/EditorCommands.h"
 #include "commands/TransferCommands.h"
+#include "core/ParameterTypes.h"
 #include "core/Refresh.h"
 #include "core/ValueFiles.h"
 #include "unit/core/Recording.h"
@@ -113,7 +114,7 @@ class RandomActions : public Recording {
     const int index = random_.Between(1, kReached);
     const ValueSource sources[] = {ValueSource::Edited, ValueSource::TakenOver, ValueSource::Recovered};
     const ValueSource source = sources[random_.Below(3)];
-    if (random_.Chance(0.3)) {
+    if (TypeOf(module.Par[index].Typ).kind == ValueKind::Text) {
       module.SetText(index, QString(random_.Below(4), u'a'), source);
     } else {
       module.SetNumber(index, random_.Below(4), source);
@@ -163,7 +164,8 @@ class RandomActions : public Recording {
 
   void Expect() {
     (void)box.Take();
-    ASSERT_EQ(TableDifference(*now_, module), QString()) << "action " << action_;
+    // Loading what is there already is no step, but pads texts.
+    ASSERT_EQ(TableDifference(*now_, module, false), QString()) << "action " << action_;
     ASSERT_EQ(MarkDifference(*marks_, module), QString()) << "action " << action_;
     ASSERT_TRUE(log.Rests());
     ASSERT_TRUE(Rests());

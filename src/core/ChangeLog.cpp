@@ -1,6 +1,6 @@
 #include "core/ChangeLog.h"
 
-#include <algorithm>
+#include <QScopeGuard>
 #include <array>
 
 #include "core/Refresh.h"
@@ -47,9 +47,18 @@ QString NameOfSelection(const Selected& before, const Module1& module) {
   return u"Anlageart "_s + (plantType.isEmpty() ? u"(leer)"_s : plantType);
 }
 
+ParameterValue ValueOf(const ParameterRecord& record) {
+  return {record.Wert, record.WertText};
+}
+
 // What a file or the controller pads is no other value to the user, but has to come back all the same.
-bool IsAsBefore(const ParameterRecord& record, const StepValue& value) {
-  return value.typBefore == value.typAfter && SameValue(record, value.before, value.after);
+bool SameUnpadded(const ParameterValue& left, const ParameterValue& right) {
+  return left.number == right.number &&
+         (left.text == right.text || WithoutTrailingBlanks(left.text) == WithoutTrailingBlanks(right.text));
+}
+
+bool IsAsBefore(const StepValue& value) {
+  return value.typBefore == value.typAfter && SameUnpadded(value.before, value.after);
 }
 
 // Another parameter at the same place counts as another value, and so does one where there was none.
@@ -57,14 +66,13 @@ bool IsAsBefore(const Module1& module, int index, const ParameterTable& before) 
   const ParameterRecord& now = module.Par[index];
   const ParameterRecord& then = before.Par[index];
   return index < before.ParCount && now.Variable == then.Variable && now.Typ == then.Typ &&
-         SameValue(now, {then.Wert, then.WertText}, {now.Wert, now.WertText});
+         SameUnpadded(ValueOf(now), ValueOf(then));
 }
 
 bool Same(const ParameterRecord& now, const ParameterRecord& then) {
   if (now == then) return true;
-  if (!SameValue(now, {then.Wert, then.WertText}, {now.Wert, now.WertText})) return false;
+  if (!SameUnpadded(ValueOf(now), ValueOf(then))) return false;
   ParameterRecord record = then;
-  record.Wert = now.Wert;
   record.WertText = now.WertText;
   return record == now;
 }
@@ -157,13 +165,17 @@ void ChangeLog::Begin() {
 
 void ChangeLog::End() {
   if (--depth_ > 0) return;
-  if (std::exchange(forgets_, false)) {
+  // Also when there is no memory left for a step.
+  const auto rest = qScopeGuard([this] {
     DropRecorded();
+    before_.reset();
+    forgets_ = false;
+  });
+  if (forgets_) {
     if (OnForget) OnForget();
     return;
   }
   ChangeStep step = before_ ? StepOfDefinitions() : StepOfValues();
-  DropRecorded();
   if (!step.name.isEmpty() && OnStep) OnStep(std::move(step));
 }
 
@@ -242,13 +254,10 @@ ChangeStep ChangeLog::StepOfValues() {
   QString last;
   for (Recorded& recorded : recorded_) {
     const ParameterRecord& record = module_.Par[recorded.index];
-    StepValue value{recorded.index,
-                    std::move(recorded.before),
-                    {record.Wert, record.WertText},
-                    std::move(recorded.typBefore),
-                    record.Typ};
+    StepValue value{recorded.index, std::move(recorded.before), ValueOf(record),
+                    std::move(recorded.typBefore), record.Typ};
     if (value.before == value.after && value.typBefore == value.typAfter) continue;
-    if (!IsAsBefore(record, value)) {
+    if (!IsAsBefore(value)) {
       ++count;
       ++CountOf(counts, recorded.source);
       last = record.Name;
@@ -303,15 +312,13 @@ void ChangeLog::Swap(DefinedTable& other) {
 }
 
 bool ChangeLog::Changed(int index) const {
-  const ParameterRecord& record = module_.Par[index];
-  return !SameValue(record, lastTaken_[static_cast<std::size_t>(index)], {record.Wert, record.WertText});
+  return !SameUnpadded(lastTaken_[static_cast<std::size_t>(index)], ValueOf(module_.Par[index]));
 }
 
 int ChangeLog::Outside() const {
   int count = 0;
   for (int i = 1; transferred_ && i < module_.ParCount; ++i) {
-    const ParameterRecord& record = module_.Par[i];
-    if (IsOutside(record, {record.Wert, record.WertText})) ++count;
+    if (IsOutside(module_.Par[i], ValueOf(module_.Par[i]))) ++count;
   }
   return count;
 }

@@ -60,6 +60,7 @@ class ChangeLog {
 
   void Begin();
   void End();
+  [[nodiscard]] bool Open() const { return depth_ > 0; }
 
   std::function<void(ChangeStep step)> OnStep;
   std::function<void()> OnForget;

@@ -12,7 +12,7 @@ namespace kalivor::ui {
 
 Desktop::Desktop(const World& theWorld, const RunSettings& run)
     : world(theWorld),
-      guard([this](const std::function<void()>& handler) { RunHandler(world.box, handler); }),
+      guard([this](const std::function<void()>& handler) { Run(handler); }),
       main(module, guard),
       editors(module),
       auswahl(module),
@@ -37,6 +37,9 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   reportDialog.Connect(report, guard, world.printText);
   ConnectOptions();
   main.SetMenuActions(Actions());
+  main.OnOutside = [this] {
+    if (ShowList) ShowList(true);
+  };
   main.OnUnload = [this] { StoreSettings(); };
   LoadMain(run);
 }
@@ -55,6 +58,8 @@ MenuActions Desktop::Actions() {
       {u"mnuOptioenSchnittstelle"_s, [this] { ShowOptions(0); }},
       {u"mnuOptioenRegler"_s, [this] { ShowOptions(1); }},
       {u"mnuOptioenFiles"_s, [this] { ShowOptions(2); }},
+      {u"mnuWerkzeugeRueckgaengig"_s, [this] { undo.Undo(); }},
+      {u"mnuWerkzeugeWiederholen"_s, [this] { undo.Redo(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -63,7 +68,7 @@ MenuActions Desktop::Actions() {
 
 void Desktop::ConnectOptions() {
   options.OnApply = [this](const OptionsContent& content) {
-    return RunHandler(world.box, [&] { ApplyOptions(core, content); });
+    return Run([&] { ApplyOptions(core, content); });
   };
   options.OnBrowse = [this] {
     return world.dialogs.OpenFile(u"Parameterfile"_s, module.Inipath, u"Alle Dateien (*.*)|*.*"_s);
@@ -90,8 +95,25 @@ void Desktop::LoadMain(const RunSettings& run) {
   FromBusy(core);
 }
 
+// The table as it is by then is where undo ends.
 void Desktop::Start() {
-  StartUp(core);
+  Run([this] { StartUp(core); });
+}
+
+bool Desktop::Run(const std::function<void()>& handler) {
+  changes.Begin();
+  const bool done = RunHandler(world.box, handler);
+  RunHandler(world.box, [this] { changes.End(); });
+  if (!changes.Open()) Settled();
+  return done;
+}
+
+void Desktop::Settled() {
+  if (std::exchange(settled_, changes.Revision()) != changes.Revision()) {
+    OfferItem(main, u"mnuWerkzeugeRueckgaengig"_s, undo.UndoName());
+    OfferItem(main, u"mnuWerkzeugeWiederholen"_s, undo.RedoName());
+    main.ShowOutside(changes.Outside());
+  }
 }
 
 void Desktop::StoreSettings() {

@@ -20,6 +20,7 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/main/HelpKey.h"
+#include "ui/main/UndoStack.h"
 #include "ui/main/frmMain.h"
 #include "ui/options/frmOptions.h"
 
@@ -54,6 +55,13 @@ struct Desktop {
   /// Opens a value file as the Open command does once the user has chosen it.
   void OpenFile(const QString& path);
 
+  /// Runs what the user sets off: one step that can be taken back, as far as it changes the table. Shows the
+  /// RuntimeError that escapes it; false then. `guard` does the same.
+  bool Run(const std::function<void()>& handler);
+
+  /// Shows the parameter list, with those outside their limits alone if that is wanted; empty: there is none.
+  std::function<void(bool outsideOnly)> ShowList;
+
   World world;
   platform::EventGuard guard;
   Module1 module;
@@ -68,9 +76,14 @@ struct Desktop {
   Core& core = wiring.core;
   FileCommandContext files;
   frmOptions options;
+  ChangeLog changes{module};
+  UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
 
  private:
+  /// Shows what came of an action of the user, after the outermost one has ended.
+  void Settled();
+
   void LoadMain(const RunSettings& run);
   void StoreSettings();
   void ShowAbout();
@@ -78,8 +91,9 @@ struct Desktop {
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();
 
-  Settings stored_;  // before the command line's were taken over
-  Settings begun_;   // after that
+  Settings stored_;   // before the command line's were taken over
+  Settings begun_;    // after that
+  int settled_ = -1;  // the revision of the table that the windows show
 };
 
 /// Starts the program, in the order that the user sees: shows the splash screen, loads the main window

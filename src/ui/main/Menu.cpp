@@ -76,6 +76,23 @@ const std::vector<TopMenu>& Menus() {
   return menus;
 }
 
+const Item* ItemNamed(const QString& name) {
+  for (const TopMenu& top : Menus()) {
+    for (const Item& item : top.items) {
+      if (item.name == name) return &item;
+    }
+  }
+  return nullptr;
+}
+
+// As a caption shows it: "&" would be a mnemonic, a TAB a shortcut, and a long name as wide as the screen.
+QString InCaption(const QString& detail) {
+  constexpr int kLongest = 60;
+  QString text = detail.simplified();
+  if (text.size() > kLongest) text = text.left(kLongest - 1) + u'…';
+  return text.replace(u'&', u"&&"_s);
+}
+
 QAction* NewAction(QMenu& menu, const Item& item) {
   QAction* action = item.caption == u"-" ? menu.addSeparator() : menu.addAction(item.caption.toString());
   action->setObjectName(item.name.toString());
@@ -111,6 +128,15 @@ void UpdateMenus(QMainWindow& window, const MenuActions& actions) {
       window.findChild<QAction*>(name)->setEnabled(static_cast<bool>(actions.value(name)));
     }
   }
+}
+
+void OfferItem(QMainWindow& window, const QString& name, const QString& detail) {
+  const Item* item = ItemNamed(name);
+  auto* action = window.findChild<QAction*>(name);
+  const bool offered = !detail.isEmpty();
+  action->setText(item->caption.toString() + (offered ? u": "_s + InCaption(detail) : QString()));
+  action->setEnabled(offered);
+  action->setVisible(item->visible || offered);
 }
 
 }  // namespace kalivor::ui

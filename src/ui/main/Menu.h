@@ -20,4 +20,9 @@ void BuildMenus(QMainWindow& window, const MenuActions& actions, const platform:
 /// Enables the items that have an action by now, and disables the others.
 void UpdateMenus(QMainWindow& window, const MenuActions& actions);
 
+/// Enables an item to do something about `detail`, which its caption names: "&Rückgängig: Empfangen, 312
+/// Werte". Without a detail it is disabled and has its own caption. An item that is hidden otherwise is shown
+/// as long as it is offered.
+void OfferItem(QMainWindow& window, const QString& name, const QString& detail);
+
 }  // namespace kalivor::ui

@@ -138,6 +138,18 @@ void frmMain::BuildStatusBar() {
   bar->setContentsMargins(kMargin_px, 0, 0, 0);
   bar->addWidget(state_);
   bar->addWidget(file_);
+  outside_ = Named(new QToolButton, u"outside"_s);
+  outside_->setAccessibleDescription(u"Werte außerhalb ihrer Grenzen"_s);
+  outside_->setToolTip(u"Zeigt die Werte außerhalb ihrer Grenzen in der Parameterliste."_s);
+  outside_->setAutoRaise(true);
+  outside_->setFocusPolicy(Qt::StrongFocus);
+  // The bar has its height from the font.
+  outside_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+  connect(outside_, &QToolButton::clicked, this, [this] {
+    if (OnOutside) guard_([this] { OnOutside(); });
+  });
+  bar->addPermanentWidget(outside_);
+  outside_->hide();
 }
 
 void frmMain::ShowMenuIcons() {
@@ -262,6 +274,11 @@ void frmMain::SavePlace(platform::SettingsStore& settings) const {
 void frmMain::ShowFile(const QString& path) {
   file_->setText(path);
   file_->setToolTip(path);
+}
+
+void frmMain::ShowOutside(int count) {
+  outside_->setText(count == 1 ? u"1 Wert außerhalb"_s : u"%1 Werte außerhalb"_s.arg(count));
+  outside_->setVisible(count > 0);
 }
 
 void frmMain::SetPlantSelectorVisible(bool visible) {

@@ -7,6 +7,7 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
+#include <QToolButton>
 #include <array>
 #include <vector>
 
@@ -44,6 +45,12 @@ class frmMain final : public QMainWindow, public MainForm {
 
   /// Panel 2 of the status bar: the current value file.
   void ShowFile(const QString& path);
+
+  /// Panel 3 of the status bar: so many numbers are outside their limits. It is hidden when there are none.
+  void ShowOutside(int count);
+
+  /// Runs when the user wants to see them.
+  std::function<void()> OnOutside;
 
   /// Runs once when the window closes, after its companions have.
   std::function<void()> OnUnload;
@@ -106,6 +113,7 @@ class frmMain final : public QMainWindow, public MainForm {
   std::vector<QPushButton*> buttons_;
   QLabel* state_ = nullptr;
   QLabel* file_ = nullptr;
+  QToolButton* outside_ = nullptr;
 
   platform::QtListBox versions_;
   platform::QtListBox plants_;

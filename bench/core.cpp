@@ -4,9 +4,11 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 
 #include "Site.h"
 #include "core/DefinitionFiles.h"
+#include "core/ParameterList.h"
 #include "core/Refresh.h"
 #include "core/TreeTexts.h"
 #include "core/ValueFiles.h"
@@ -84,6 +86,44 @@ void ValueFileReading(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(ValueFileReading)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+// The table against a file that it was saved to; every eighth value differs.
+void ValueSetComparing(benchmark::State& state) {
+  ValueSite site(static_cast<int>(state.range(0)));
+  const ValueSet left = TableValues(site.module);
+  const SetResult file = ReadFileValues(site.files, site.module.Dateiname);
+  ValueSet right = file.set;
+  for (std::size_t i = 0; i < right.values.size(); i += 8)
+    ++right.values[i].value.number;
+  for (auto _ : state)
+    benchmark::DoNotOptimize(CompareSets(site.module, left, right));
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(ValueSetComparing)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+// What opening the list and sorting it by name cost without their window.
+void ListRowMaking(benchmark::State& state) {
+  const ValueSite site(static_cast<int>(state.range(0)));
+  const ValueSet standard = StandardValues(site.module);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(ListRows(site.module, &standard));
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(ListRowMaking)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+void ListRowSorting(benchmark::State& state) {
+  const ValueSite site(static_cast<int>(state.range(0)));
+  const std::vector<ListRow> rows = ListRows(site.module, nullptr);
+  for (auto _ : state) {
+    std::vector<ListKey> keys;
+    for (const ListRow& row : rows)
+      keys.push_back(KeyOf(site.module, row, ListColumn::Name));
+    std::ranges::sort(keys, std::less<>());
+    benchmark::DoNotOptimize(keys);
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(ListRowSorting)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oNLogN);
 
 }  // namespace
 }  // namespace kalivor::bench

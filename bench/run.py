@@ -164,6 +164,11 @@ class Bench:
                     [(100000, 25)])
         self.growth("value file, writing", best, fits, "ValueFileWriting", parameters, "parameters")
         self.growth("value file, reading", best, fits, "ValueFileReading", parameters, "parameters")
+        self.growth("two sets of values compared", best, fits, "ValueSetComparing", parameters, "parameters",
+                    [(2000, 2)])
+        self.growth("rows of the list made, with a comparison", best, fits, "ListRowMaking", parameters, "parameters")
+        self.growth("rows of the list sorted by name", best, fits, "ListRowSorting", parameters, "parameters",
+                    [(2000, 16)])
 
     def windows(self):
         best, fits = google_benchmark(self.bench("windows"), "--benchmark_min_time=0.1")

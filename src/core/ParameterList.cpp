@@ -162,10 +162,6 @@ bool IsNumeric(ListColumn column) {
   }
 }
 
-bool Differs(const ListRow& row) {
-  return row.difference != Difference::NotCompared && row.difference != Difference::Equal;
-}
-
 std::vector<ListRow> ListRows(const Module1& module, const ValueSet* comparison,
                               const std::function<bool(int index)>& changed) {
   const QString plantType = module.PlantTypeList.SelectedText();

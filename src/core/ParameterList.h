@@ -58,8 +58,9 @@ struct ListRow {
   bool operator==(const ListRow&) const = default;
 };
 
-/// True for every Difference but NotCompared and Equal.
-[[nodiscard]] bool Differs(const ListRow& row);
+[[nodiscard]] inline bool Differs(const ListRow& row) {
+  return Differs(row.difference);
+}
 
 /// The rows of parameters 1..ParCount - 1 in their order. `comparison` null: nothing is compared. `changed`
 /// may be empty: no row is.
@@ -101,7 +102,7 @@ struct ListKey {
 struct ListFilter {
   QString search;  ///< words, all of which must occur
   bool checked = false;
-  bool different = false;  ///< Differs()
+  bool different = false;  ///< Differs(row)
   bool nonStandard = false;
   bool changed = false;
   bool outside = false;

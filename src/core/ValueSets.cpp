@@ -17,6 +17,8 @@ constexpr int kMostDecimals = 9;
 // Says of each name that it is asked for how often it has been before.
 class NameCounter {
  public:
+  explicit NameCounter(std::size_t names) { counts_.reserve(static_cast<qsizetype>(names)); }
+
   int Next(QStringView name) { return counts_[name]++; }
 
  private:
@@ -30,7 +32,7 @@ ValueSet SetOf(const Module1& module, Origin origin, const QString& name,
   set.name = name;
   set.version = module.VersionList.SelectedText();
   set.values.reserve(static_cast<std::size_t>(module.ParCount));
-  NameCounter counter;
+  NameCounter counter(static_cast<std::size_t>(module.ParCount));
   for (int i = 1; i < module.ParCount; ++i) {
     const ParameterRecord& record = module.Par[i];
     set.values.push_back(
@@ -60,7 +62,7 @@ Identity IdentityOf(const SetValue& value, bool shortName) {
 std::vector<Identity> IdentitiesOf(const ParameterTable& table, bool shortNames) {
   std::vector<Identity> identities;
   identities.reserve(static_cast<std::size_t>(table.ParCount));
-  NameCounter counter;
+  NameCounter counter(static_cast<std::size_t>(table.ParCount));
   for (int i = 1; i < table.ParCount; ++i) {
     const ParameterRecord& record = table.Par[i];
     const QStringView variable = record.Variable;
@@ -70,36 +72,46 @@ std::vector<Identity> IdentitiesOf(const ParameterTable& table, bool shortNames)
   return identities;
 }
 
-// Finds which of some identities another one means. Each is meant once only.
-class Matcher {
+// Finds which of its identities others mean.
+class Directory {
  public:
-  explicit Matcher(const std::vector<Identity>& identities)
-      : identities_(identities), taken_(identities.size(), false) {
-    byElement_.reserve(static_cast<qsizetype>(identities.size()));
-    for (std::size_t i = identities.size(); i-- > 0;)
-      byElement_.insert({identities[i].name, identities[i].element}, static_cast<int>(i));
+  explicit Directory(std::vector<Identity> identities) : identities_(std::move(identities)) {
+    byElement_.reserve(static_cast<qsizetype>(identities_.size()));
+    for (std::size_t i = identities_.size(); i-- > 0;)
+      byElement_.insert({identities_[i].name, identities_[i].element}, static_cast<int>(i));
   }
 
-  // For each of `sought` its position among the identities, -1: none. What both sides know the address of
-  // goes before what is known by its number.
-  std::vector<int> Match(const std::vector<Identity>& sought) {
+  [[nodiscard]] std::size_t Size() const { return identities_.size(); }
+
+  // For each of `sought` its position here, -1: none; each position is meant once. What both sides know the
+  // address of goes before what is known by its number.
+  [[nodiscard]] std::vector<int> Match(const std::vector<Identity>& sought) const {
     std::vector<int> found(sought.size(), -1);
+    std::vector<bool> taken(identities_.size(), false);
     const auto pass = [&](auto&& find) {
       for (std::size_t i = 0; i < sought.size(); ++i) {
-        if (found[i] < 0) found[i] = Take((this->*find)(sought[i]));
+        if (found[i] >= 0) continue;
+        const int at = find(sought[i]);
+        if (at < 0 || taken[static_cast<std::size_t>(at)]) continue;
+        taken[static_cast<std::size_t>(at)] = true;
+        found[i] = at;
       }
     };
-    pass(&Matcher::ByElementAndAddress);
-    if (std::ranges::find(found, -1) == found.end()) return found;
-    for (std::size_t i = identities_.size(); i-- > 0;) {
-      if (!taken_[i]) byAddress_.insert({identities_[i].name, identities_[i].address}, static_cast<int>(i));
+    pass([this](const Identity& one) { return ByElementAndAddress(one); });
+    bool addressLeft = false;
+    for (std::size_t i = 0; i < sought.size(); ++i)
+      addressLeft = addressLeft || (found[i] < 0 && !sought[i].address.isEmpty());
+    if (addressLeft) {
+      Addresses addresses = AddressesBut(taken);
+      pass([&addresses](const Identity& one) { return TakeAddress(addresses, one); });
     }
-    pass(&Matcher::ByAddress);
-    pass(&Matcher::ByElement);
+    pass([this](const Identity& one) { return ByElement(one); });
     return found;
   }
 
  private:
+  using Addresses = QMultiHash<std::pair<QStringView, QStringView>, int>;
+
   [[nodiscard]] int At(const Identity& sought) const {
     return byElement_.value({sought.name, sought.element}, -1);
   }
@@ -107,39 +119,40 @@ class Matcher {
     return identities_[static_cast<std::size_t>(at)].address;
   }
 
-  int ByElementAndAddress(const Identity& sought) {
+  [[nodiscard]] int ByElementAndAddress(const Identity& sought) const {
+    if (sought.address.isEmpty()) return -1;
     const int at = At(sought);
-    return at >= 0 && !sought.address.isEmpty() && AddressAt(at) == sought.address ? at : -1;
+    return at >= 0 && AddressAt(at) == sought.address ? at : -1;
+  }
+
+  [[nodiscard]] Addresses AddressesBut(const std::vector<bool>& taken) const {
+    Addresses addresses;
+    // The first of equal ones comes first when it is inserted last.
+    for (std::size_t i = identities_.size(); i-- > 0;) {
+      if (!taken[i]) addresses.insert({identities_[i].name, identities_[i].address}, static_cast<int>(i));
+    }
+    return addresses;
   }
 
   // An address may stand at several of one name: each is handed out once.
-  int ByAddress(const Identity& sought) {
-    const auto found = byAddress_.find({sought.name, sought.address});
-    if (sought.address.isEmpty() || found == byAddress_.end()) return -1;
+  static int TakeAddress(Addresses& addresses, const Identity& sought) {
+    const auto found = addresses.find({sought.name, sought.address});
+    if (sought.address.isEmpty() || found == addresses.end()) return -1;
     const int at = *found;
-    byAddress_.erase(found);
+    addresses.erase(found);
     return at;
   }
 
   // Two addresses that are known and differ are two elements; but of a name that stands for one parameter the
   // address is of no account.
-  int ByElement(const Identity& sought) {
+  [[nodiscard]] int ByElement(const Identity& sought) const {
     const int at = At(sought);
-    if (at < 0) return -1;
-    const bool single = sought.element == 0 && !byElement_.contains({sought.name, 1});
-    return single || sought.address.isEmpty() || AddressAt(at).isEmpty() ? at : -1;
+    if (at < 0 || sought.address.isEmpty() || AddressAt(at).isEmpty()) return at;
+    return sought.element == 0 && !byElement_.contains({sought.name, 1}) ? at : -1;
   }
 
-  int Take(int at) {
-    if (at < 0 || taken_[static_cast<std::size_t>(at)]) return -1;
-    taken_[static_cast<std::size_t>(at)] = true;
-    return at;
-  }
-
-  const std::vector<Identity>& identities_;
-  std::vector<bool> taken_;
+  std::vector<Identity> identities_;
   QHash<std::pair<QStringView, int>, int> byElement_;
-  QMultiHash<std::pair<QStringView, QStringView>, int> byAddress_;  // the first one comes first
 };
 
 // The values of a set by the parameters that they belong to.
@@ -148,14 +161,14 @@ struct Placed {
   std::vector<int> unknown;      // positions of the values that the definitions do not know
 };
 
-Placed Place(const ParameterTable& definitions, const ValueSet& set) {
-  const std::vector<Identity> parameters = IdentitiesOf(definitions, set.shortNames);
+// `parameters` has names as long as the set's.
+Placed Place(const Directory& parameters, const ValueSet& set) {
   std::vector<Identity> sought;
   sought.reserve(set.values.size());
   for (const SetValue& value : set.values)
     sought.push_back(IdentityOf(value, set.shortNames));
-  const std::vector<int> found = Matcher(parameters).Match(sought);
-  Placed placed{std::vector<int>(parameters.size(), -1), {}};
+  const std::vector<int> found = parameters.Match(sought);
+  Placed placed{std::vector<int>(parameters.Size(), -1), {}};
   for (std::size_t i = 0; i < found.size(); ++i) {
     if (found[i] < 0) {
       placed.unknown.push_back(static_cast<int>(i));
@@ -171,10 +184,6 @@ std::vector<Identity> UnknownOf(const ValueSet& set, const Placed& placed, bool 
   for (const int at : placed.unknown)
     identities.push_back(IdentityOf(set.values[static_cast<std::size_t>(at)], shortNames));
   return identities;
-}
-
-const SetValue* ValueAt(const ValueSet& set, int at) {
-  return at < 0 ? nullptr : &set.values[static_cast<std::size_t>(at)];
 }
 
 // A record for what the definitions do not know.
@@ -234,6 +243,10 @@ ComparedValue Compared(const ParameterTable& definitions, int index, const Value
   return row;
 }
 
+QString ReadingFailure(const QString& path, const QString& description) {
+  return u"Fehler beim lesen von\r\n"_s + path + u"\r\n"_s + description;
+}
+
 // A file keeps the beginning of a text only; whether it was longer can be seen where nothing of it is free.
 bool IsCut(const ParameterRecord& record, const SetValue& value, Origin origin) {
   if (!value.read || TypeOf(record.Typ).kind != ValueKind::Text) return false;
@@ -277,7 +290,7 @@ ValueSet FileValues(const ValueFileContent& content, const QString& path) {
   set.version = content.version;
   set.shortNames = content.recordLength == kOldRecord_bytes;
   set.values.reserve(content.records.size());
-  NameCounter counter;
+  NameCounter counter(content.records.size());
   for (const ValueRecord& record : content.records) {
     set.values.push_back(
         {record.Variable, record.Typ, {}, counter.Next(record.Variable), {record.Wert, record.WertText}});
@@ -286,19 +299,16 @@ ValueSet FileValues(const ValueFileContent& content, const QString& path) {
 }
 
 SetResult ReadFileValues(platform::FileSystem& files, const QString& path) {
-  const auto failure = [&](const QString& description) {
-    return SetResult{{}, u"Fehler beim lesen von\r\n"_s + path + u"\r\n"_s + description, false};
-  };
   const platform::FileContent file = files.Read(path, kLargestValueFile_bytes);
-  if (!file.Ok()) return failure(file.error);
+  if (!file.Ok()) return {{}, ReadingFailure(path, file.error)};
   const ValueFileContent content = ParseValueFile(file.bytes);
-  if (!content.hasHeader) return failure(u"Die Datei ist keine Wertedatei."_s);
+  if (!content.hasHeader) return {{}, ReadingFailure(path, u"Die Datei ist keine Wertedatei."_s)};
   return {FileValues(content, path)};
 }
 
 QString VersionFault(const VersionTable& versions, const ValueSet& set) {
   if (versions.VersionList.Find(set.version) >= 0) return {};
-  return u"Unbekannte ReglerVersion: "_s + set.version;
+  return ReadingFailure(set.name, u"Unbekannte ReglerVersion: "_s + set.version);
 }
 
 QString DifferenceText(Difference difference) {
@@ -321,10 +331,21 @@ QString DifferenceText(Difference difference) {
   return {};
 }
 
+bool Differs(Difference difference) {
+  return difference != Difference::NotCompared && difference != Difference::Equal;
+}
+
+const SetValue* ValueAt(const ValueSet& set, int position) {
+  return position < 0 ? nullptr : &set.values[static_cast<std::size_t>(position)];
+}
+
 std::vector<ComparedValue> CompareSets(const ParameterTable& definitions, const ValueSet& left,
                                        const ValueSet& right) {
-  const Placed placedLeft = Place(definitions, left);
-  const Placed placedRight = Place(definitions, right);
+  const Directory parameters(IdentitiesOf(definitions, left.shortNames));
+  const Placed placedLeft = Place(parameters, left);
+  const Placed placedRight = left.shortNames == right.shortNames
+                                 ? Place(parameters, right)
+                                 : Place(Directory(IdentitiesOf(definitions, right.shortNames)), right);
   std::vector<ComparedValue> rows;
   rows.reserve(placedLeft.atParameter.size());
   const auto add = [&](int index, int atLeft, int atRight) {
@@ -336,9 +357,9 @@ std::vector<ComparedValue> CompareSets(const ParameterTable& definitions, const 
     if (atLeft >= 0 || atRight >= 0) add(static_cast<int>(i) + 1, atLeft, atRight);
   }
   const bool shortNames = left.shortNames || right.shortNames;
-  const std::vector<Identity> unknownLeft = UnknownOf(left, placedLeft, shortNames);
-  const std::vector<int> partners = Matcher(unknownLeft).Match(UnknownOf(right, placedRight, shortNames));
-  std::vector<int> rightOf(unknownLeft.size(), -1);
+  const Directory unknownLeft(UnknownOf(left, placedLeft, shortNames));
+  const std::vector<int> partners = unknownLeft.Match(UnknownOf(right, placedRight, shortNames));
+  std::vector<int> rightOf(unknownLeft.Size(), -1);
   for (std::size_t i = 0; i < partners.size(); ++i) {
     if (partners[i] >= 0) rightOf[static_cast<std::size_t>(partners[i])] = placedRight.unknown[i];
   }
@@ -351,7 +372,7 @@ std::vector<ComparedValue> CompareSets(const ParameterTable& definitions, const 
 }
 
 ConversionAccount AccountOf(const ParameterTable& definitions, const ValueSet& set) {
-  const Placed placed = Place(definitions, set);
+  const Placed placed = Place(Directory(IdentitiesOf(definitions, set.shortNames)), set);
   ConversionAccount account;
   account.onlyInSet = static_cast<int>(placed.unknown.size());
   for (std::size_t i = 0; i < placed.atParameter.size(); ++i) {

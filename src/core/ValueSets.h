@@ -52,7 +52,7 @@ struct SetResult {
 /// Reads a value file without touching the table. One of an unknown version is a set as well.
 [[nodiscard]] SetResult ReadFileValues(platform::FileSystem& files, const QString& path);
 
-/// What the user reads where the set's version is in no row of the version table; "" where it is.
+/// What the user reads where the version of a file's set is in no row of the version table; "" where it is.
 [[nodiscard]] QString VersionFault(const VersionTable& versions, const ValueSet& set);
 
 /// What the two sides of a comparison are to each other.
@@ -69,6 +69,9 @@ enum class Difference {
 /// "verschieden", "nur links" …; "" for NotCompared, "gleich" for Equal.
 [[nodiscard]] QString DifferenceText(Difference difference);
 
+/// True for all but NotCompared and Equal.
+[[nodiscard]] bool Differs(Difference difference);
+
 /// A value that at least one side holds.
 struct ComparedValue {
   int index = 0;  ///< in Par; 0: the definitions know no such parameter
@@ -78,6 +81,9 @@ struct ComparedValue {
   bool leftOutside = false;  ///< the number is outside the parameter's limits
   bool rightOutside = false;
 };
+
+/// The value at a position as ComparedValue has it; null for -1.
+[[nodiscard]] const SetValue* ValueAt(const ValueSet& set, int position);
 
 /// Compares two sets by variable and type, the elements of an array by their address too; where a side knows
 /// no addresses, by their number. Types agree when they are transferred alike, so texts of two lengths do;

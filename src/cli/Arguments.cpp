@@ -1,5 +1,9 @@
 #include "cli/Arguments.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include "base/CommandLine.h"
 #include "base/Numbers.h"
 #include "commands/SettingsTable.h"
@@ -68,6 +72,39 @@ QString TakeDate(Arguments& arguments, const QString& value) {
   return {};
 }
 
+QString TakeOnly(Arguments& arguments, const QString& value) {
+  constexpr struct {
+    QStringView name;
+    bool ListFilter::*member;
+  } kNames[] = {{u"checked", &ListFilter::checked},
+                {u"different", &ListFilter::different},
+                {u"nonstandard", &ListFilter::nonStandard},
+                {u"outside", &ListFilter::outside}};
+  if (arguments.only) return Repeated();
+  arguments.only.emplace();
+  for (const QString& word : value.split(u',')) {
+    const auto* const known =
+        std::ranges::find(kNames, word, &std::remove_reference_t<decltype(*kNames)>::name);
+    if (known == std::end(kNames)) {
+      return u"erwartet checked, different, nonstandard oder outside statt "_s + word;
+    }
+    (*arguments.only).*known->member = true;
+  }
+  return {};
+}
+
+QString TakeFormat(Arguments& arguments, const QString& value) {
+  constexpr std::array<std::pair<QStringView, ListFormat>, 4> kFormats = {{{u"tsv", ListFormat::Tsv},
+                                                                           {u"csv", ListFormat::Csv},
+                                                                           {u"html", ListFormat::Html},
+                                                                           {u"pdf", ListFormat::Pdf}}};
+  if (arguments.format) return Repeated();
+  for (const auto& [name, format] : kFormats) {
+    if (value == name) arguments.format = format;
+  }
+  return arguments.format ? QString() : u"erwartet tsv, csv, html oder pdf statt "_s + value;
+}
+
 constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--ini-path", TakeText<&Arguments::iniPath>},
     {u"--ini-file", TakeText<&Arguments::iniFile>},
@@ -86,6 +123,11 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--pdf", TakeText<&Arguments::pdf>},
     {u"--copies", TakeCount<&Arguments::copies, 0>},
     {u"--page", TakeCount<&Arguments::page, 1>},
+    {u"--filter", TakeText<&Arguments::filter>},
+    {u"--only", TakeOnly},
+    {u"--against", TakeText<&Arguments::against>},
+    {u"--format", TakeFormat},
+    {u"--out", TakeText<&Arguments::out>},
 };
 
 constexpr Switch<Arguments> kSwitches[] = {
@@ -99,6 +141,7 @@ constexpr Switch<Arguments> kSwitches[] = {
 QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool pages = arguments.command == u"pages";
   const bool print = arguments.command == u"print";
+  const bool list = arguments.command == u"list";
   const struct {
     QStringView option;
     bool given = false;
@@ -106,15 +149,30 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   } options[] = {{u"--json", arguments.json, json},
                  {u"--landscape", arguments.landscape, pages || print},
                  {u"--status-path", arguments.statusPath.has_value(), pages},
-                 {u"--date", arguments.date.has_value(), pages},
+                 {u"--date", arguments.date.has_value(), pages || list},
                  {u"--pdf", arguments.pdf.has_value(), print},
                  {u"--copies", arguments.copies.has_value(), print},
-                 {u"--page", arguments.page.has_value(), print}};
+                 {u"--page", arguments.page.has_value(), print},
+                 {u"--filter", arguments.filter.has_value(), list},
+                 {u"--only", arguments.only.has_value(), list},
+                 {u"--against", arguments.against.has_value(), list},
+                 {u"--format", arguments.format.has_value(), list},
+                 {u"--out", arguments.out.has_value(), list}};
   for (const auto& [option, given, understood] : options) {
     if (given && !understood)
       return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
   }
   if (print && !arguments.pdf) return u"Es fehlt die Option --pdf zum Befehl print."_s;
+  return {};
+}
+
+// Options of `list` that do not go together; returns a German complaint or "".
+QString ContradictoryList(const Arguments& arguments) {
+  if (arguments.only && arguments.only->different && !arguments.against)
+    return u"Zu --only different gehört die Option --against."_s;
+  if (arguments.format && arguments.json) return u"--json und --format schließen einander aus."_s;
+  if (arguments.format == ListFormat::Pdf && !arguments.out)
+    return u"Zu --format pdf gehört die Option --out."_s;
   return {};
 }
 
@@ -125,16 +183,18 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
   }
   arguments.command = words.first();
   const Command* command = FindCommand(arguments.command);
-  const qsizetype expected = command != nullptr && command->file ? 2 : 1;
+  const qsizetype expected = 1 + (command != nullptr ? command->words : 0);
   if (command == nullptr) {
     arguments.error = u"Unbekannter Befehl: "_s + arguments.command;
   } else if (words.size() < expected) {
-    arguments.error = u"Es fehlt die Datei zum Befehl "_s + arguments.command + u'.';
+    arguments.error =
+        u"Es fehlt "_s + command->expected.toString() + u" zum Befehl "_s + arguments.command + u'.';
   } else if (words.size() > expected) {
     arguments.error = u"Überzähliges Argument: "_s + words.at(expected);
   } else {
-    arguments.file = words.value(1);
+    arguments.words = words.sliced(1);
     arguments.error = MisplacedOption(arguments, command->json);
+    if (arguments.error.isEmpty()) arguments.error = ContradictoryList(arguments);
   }
 }
 
@@ -159,6 +219,11 @@ Arguments ParseArguments(const QStringList& list) {
   return arguments;
 }
 
+bool Draws(const Arguments& arguments) {
+  return arguments.command == u"print" ||
+         (arguments.command == u"list" && arguments.format == ListFormat::Pdf);
+}
+
 QString HelpText() {
   return uR"(Aufruf: kalivor-cli [OPTIONEN] BEFEHL
 
@@ -178,6 +243,11 @@ Befehle:
   pages               die gedruckten Seiten als Text
   print --pdf DATEI   die gedruckten Seiten als PDF
   check-definitions   Definitionsdateien auf Fehler prüfen
+  list                die Parameterliste, auf Wunsch mit einem Vergleich
+  diff LINKS RECHTS   worin sich zwei Sätze von Werten unterscheiden
+
+LINKS und RECHTS sind table (die Werte auf dem PC), standard, controller (der Regler)
+oder eine Wertedatei.
 
 Optionen (vor oder nach dem Befehl):
   --ini-path ORDNER          Ordner der Versionstabelle und der Definitionsdateien
@@ -194,11 +264,17 @@ Optionen (vor oder nach dem Befehl):
   --answer first | second    Antwort auf die nächste Frage (mehrfach)
   --landscape                Querformat (pages, print)
   --status-path TEXT         Dateipfad in der Fußzeile (pages)
-  --date JJJJ-MM-TT          Datum in der Fußzeile (pages)
+  --date JJJJ-MM-TT          Datum in der Fußzeile oder im Kopf (pages, list)
   --pdf DATEI                wohin gedruckt wird (print)
   --copies N                 Anzahl der Exemplare (print)
   --page N                   nur diese Seite (print)
-  --json                     Ausgabe als JSON (versions, plants, params, show, compare)
+  --filter TEXT              nur Parameter, in denen alle Wörter vorkommen (list)
+  --only WAS,…               nur checked, different, nonstandard, outside (list)
+  --against WAS              Vergleich mit standard, controller oder einer Wertedatei (list)
+  --format FORMAT            tsv, csv, html oder pdf (list)
+  --out DATEI                wohin die Liste geschrieben wird (list)
+  --json                     Ausgabe als JSON (versions, plants, params, show, compare,
+                             list, diff)
   --help                     diese Hilfe
   --program-version          Name und Version des Programms
 

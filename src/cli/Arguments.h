@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "core/ParameterList.h"
+
 namespace kalivor::cli {
 
 class Session;
@@ -22,8 +24,9 @@ struct Command {
   QStringView name;
   int (Session::*run)() = nullptr;  ///< returns an ExitStatus
   Needs needs = Needs::Definitions;
-  bool json = false;  ///< can answer in JSON
-  bool file = false;  ///< a file follows
+  bool json = false;          ///< can answer in JSON
+  int words = 0;              ///< how many words follow
+  QStringView expected = {};  ///< what they are, for the user
 };
 
 /// The command of that name; null when there is none.
@@ -35,9 +38,11 @@ struct MarkChange {
   bool checked = false;
 };
 
+enum class ListFormat { Tsv, Csv, Html, Pdf };
+
 struct Arguments {
   QString command;
-  QString file;  ///< the argument of `show`
+  QStringList words;  ///< behind it: the file of `show`, the two sides of `diff`
   bool help = false;
   bool programVersion = false;
   bool json = false;
@@ -49,13 +54,18 @@ struct Arguments {
   std::optional<qint16> address;  ///< 0..255
   std::optional<QString> load;
   std::optional<QString> save;
-  bool landscape = false;  ///< of `pages` and `print`, like all that follow here
+  bool landscape = false;  ///< of `pages` and `print`, like those that follow here
   std::optional<QString> statusPath;
   std::optional<QDate> date;
   std::optional<QString> pdf;
-  std::optional<qint16> copies;  ///< 0..32767
-  std::optional<qint16> page;    ///< 1..32767
-  QStringList set;               ///< "VARIABLE=VALUE"
+  std::optional<qint16> copies;    ///< 0..32767
+  std::optional<qint16> page;      ///< 1..32767
+  std::optional<QString> against;  ///< of `list`, like all that follow here
+  std::optional<ListFilter> only;
+  std::optional<QString> filter;
+  std::optional<ListFormat> format;
+  std::optional<QString> out;
+  QStringList set;  ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault
@@ -64,6 +74,9 @@ struct Arguments {
 /// Reads the arguments behind the program's name. Options may stand before and after the command, as
 /// "--name value" or "--name=value"; "--" ends them.
 [[nodiscard]] Arguments ParseArguments(const QStringList& arguments);
+
+/// True when the run draws pages, for which it needs fonts.
+[[nodiscard]] bool Draws(const Arguments& arguments);
 
 /// The text of --help.
 [[nodiscard]] QString HelpText();

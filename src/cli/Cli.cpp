@@ -12,14 +12,32 @@
 #include "commands/SettingsTable.h"
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
+#include "core/ControllerValues.h"
+#include "core/ParameterList.h"
 #include "core/Refresh.h"
 #include "core/ValueFiles.h"
 #include "core/Wiring.h"
 #include "print/painter/PdfPrint.h"
+#include "print/painter/TablePages.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
+
+namespace {
+
+constexpr QStringView kController = u"controller";
+
+constexpr ListColumn kListedColumns[] = {ListColumn::Number,   ListColumn::Group,      ListColumn::Name,
+                                         ListColumn::Value,    ListColumn::Comparison, ListColumn::State,
+                                         ListColumn::Unit,     ListColumn::Minimum,    ListColumn::Maximum,
+                                         ListColumn::Standard, ListColumn::Variable,   ListColumn::Address,
+                                         ListColumn::Type};
+
+/// Ends the run with kNoTransfer; what there is to say has been said.
+struct NoController {};
+
+}  // namespace
 
 /// One run: the program's parts wired together, and the commands on them.
 class Session {
@@ -86,8 +104,8 @@ class Session {
   }
 
   int ShowValueFile() {
-    const platform::FileContent file = world_.files.Read(arguments_.file, kLargestValueFile_bytes);
-    const QString failed = u"Fehler beim lesen von | "_s + arguments_.file + u" | "_s;
+    const platform::FileContent file = world_.files.Read(arguments_.words.first(), kLargestValueFile_bytes);
+    const QString failed = u"Fehler beim lesen von | "_s + arguments_.words.first() + u" | "_s;
     if (!file.Ok()) throw BadInput{failed + file.error};
     const ValueFileContent content = ParseValueFile(file.bytes);
     if (!content.hasHeader) throw BadInput{failed + u"Die Datei ist keine Wertedatei."_s};
@@ -115,6 +133,40 @@ class Session {
       errors = errors || finding.error;
     }
     return errors ? kFindings : kDone;
+  }
+
+  int List() {
+    const std::optional<ValueSet> comparison =
+        arguments_.against ? std::optional(NamedSet(*arguments_.against)) : std::nullopt;
+    const ListFilter filter = arguments_.only.value_or(ListFilter());
+    const QStringList words = SearchWords(arguments_.filter.value_or(QString()));
+    std::vector<ListRow> rows = ListRows(module_, comparison ? &*comparison : nullptr);
+    std::erase_if(rows, [&](const ListRow& row) {
+      return !Shows(filter, words, row, SearchedText(module_.Par[row.index]));
+    });
+    const QDate date = arguments_.date.value_or(QDate::currentDate());
+    const ListTable table = TableOf(module_, rows, kListedColumns, ListHeading(module_, date));
+    if (arguments_.format == ListFormat::Pdf) {
+      const QString error = print::SaveTablePdf(table, print::LabelsOf(module_, Printed()), *arguments_.out);
+      if (!error.isEmpty()) throw BadInput{error};
+      return kDone;
+    }
+    return Deliver(ListText(table));
+  }
+
+  int Diff() {
+    const QString& left = arguments_.words.at(0);
+    const QString& right = arguments_.words.at(1);
+    // What is wrong with a file is said before the controller is asked.
+    const bool rightFirst = left == kController;
+    std::optional<ValueSet> first;
+    if (rightFirst) first = NamedSet(right);
+    const ValueSet leftSet = NamedSet(left);
+    const ValueSet rightSet = first ? *std::move(first) : NamedSet(right);
+    const Table table = DifferenceTableOf(module_, leftSet, rightSet);
+    if (!arguments_.json) Print(NamesLine(DifferenceRow(module_, leftSet, rightSet, {})));
+    Print(table);
+    return table.empty() ? kDone : kFindings;
   }
 
  private:
@@ -204,6 +256,54 @@ class Session {
             arguments_.landscape ? platform::kLandscape : platform::kPortrait};
   }
 
+  /// "table", "standard", "controller" or a value file.
+  ValueSet NamedSet(const QString& name) {
+    if (name == u"table") return TableValues(module_);
+    if (name == u"standard") return StandardValues(module_);
+    if (name == kController) return ControllerSet();
+    SetResult file = ReadFileValues(world_.files, name);
+    if (file.Ok()) file.error = VersionFault(module_, file.set);
+    if (file.Ok()) return std::move(file.set);
+    core_.box.Show(file.error);
+    throw BadInput{};
+  }
+
+  ValueSet ControllerSet() {
+    // A port that cannot be opened shows in the first query.
+    (void)core_.controller.Configure(kSlot, kSettings9600);
+    NoProgress progress;
+    SetResult read;
+    if (!RunHandler(box_, [&] { read = ReadControllerValues(core_, progress); })) throw NoController();
+    if (read.aborted) read.error = u"Das Lesen des Reglers wurde abgebrochen."_s;
+    if (read.Ok()) return std::move(read.set);
+    core_.box.Show(read.error);
+    throw NoController();
+  }
+
+  [[nodiscard]] QByteArray ListText(const ListTable& table) const {
+    if (arguments_.json) return QJsonDocument(ToJson(ListTableOf(table))).toJson();
+    switch (arguments_.format.value_or(ListFormat::Tsv)) {
+      case ListFormat::Csv:
+        return CsvOf(table);
+      case ListFormat::Html:
+        return HtmlOf(table);
+      default:
+        return (table.titles.join(u'\t') + u'\n' + ToText(ListTableOf(table))).toUtf8();
+    }
+  }
+
+  /// To the file of --out, or to standard output.
+  int Deliver(const QByteArray& text) {
+    if (!arguments_.out) {
+      world_.out << text.toStdString();
+      return kDone;
+    }
+    const QString error = world_.files.Replace(*arguments_.out, text);
+    if (error.isEmpty()) return kDone;
+    core_.box.Show(u"Fehler beim schreiben von\r\n"_s + *arguments_.out + u"\r\n"_s + error);
+    throw BadInput{};
+  }
+
   int RunTransfer(void (*command)(Core&, TransferOutcome&)) {
     // A port that cannot be opened shows in the first query.
     (void)core_.controller.Configure(kSlot, kSettings9600);
@@ -244,10 +344,12 @@ constexpr Command kCommands[] = {
     {u"send", &Session::Send},
     {u"compare", &Session::Compare, Needs::Definitions, true},
     {u"standard", &Session::Standard},
-    {u"show", &Session::ShowValueFile, Needs::Nothing, true, true},
+    {u"show", &Session::ShowValueFile, Needs::Nothing, true, 1, u"die Datei"},
     {u"pages", &Session::Pages},
     {u"print", &Session::PrintToPdf},
     {u"check-definitions", &Session::CheckDefinitionFiles, Needs::Nothing},
+    {u"list", &Session::List, Needs::Definitions, true},
+    {u"diff", &Session::Diff, Needs::Definitions, true, 2, u"eine der beiden Seiten"},
 };
 
 }  // namespace
@@ -276,6 +378,8 @@ int Run(const QStringList& list, World& world) {
     if (!bad.message.isEmpty()) world.err << bad.message.toStdString() << '\n';
   } catch (const UnansweredQuestion&) {
     return kUnanswered;
+  } catch (const NoController&) {
+    return kNoTransfer;
   } catch (const RuntimeError& error) {
     world.err << error.Description().toStdString() << '\n';
   } catch (const std::bad_alloc&) {

@@ -85,6 +85,49 @@ Table RecordTableOf(const ValueFileContent& content) {
   return table;
 }
 
+Table ListTableOf(const ListTable& list) {
+  Table table;
+  for (const std::vector<TableCell>& cells : list.rows) {
+    Row& row = table.emplace_back();
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const QString& title = list.titles.at(static_cast<qsizetype>(i));
+      const QString& text = cells[i].text;
+      row.emplace_back(
+          title, title == ColumnTitle(ListColumn::Number) ? QJsonValue(text.toInt()) : QJsonValue(text));
+    }
+  }
+  return table;
+}
+
+Row DifferenceRow(const Module1& module, const ValueSet& left, const ValueSet& right,
+                  const ComparedValue& compared) {
+  const SetValue* const leftValue = ValueAt(left, compared.left);
+  const SetValue* const rightValue = ValueAt(right, compared.right);
+  const bool known = compared.index > 0;
+  const ParameterRecord record = known ? module.Par[compared.index] : ParameterRecord();
+  const SetValue* const either = leftValue != nullptr ? leftValue : rightValue;
+  const QString unknown = either != nullptr ? either->Variable : QString();
+  const auto shown = [&](const SetValue* value) {
+    return value == nullptr ? QString() : ExactText(record, *value);
+  };
+  return {{u"Nr"_s, known ? QJsonValue(compared.index) : QJsonValue()},
+          {u"Gruppe"_s, record.Rubrik},
+          {u"Name"_s, record.Name},
+          {u"Variable"_s, known ? record.Variable : unknown},
+          {u"Links"_s, shown(leftValue)},
+          {u"Rechts"_s, shown(rightValue)},
+          {u"Einheit"_s, record.Einheit.Trimmed()},
+          {u"Zustand"_s, DifferenceText(compared.difference)}};
+}
+
+Table DifferenceTableOf(const Module1& module, const ValueSet& left, const ValueSet& right) {
+  Table table;
+  for (const ComparedValue& compared : CompareSets(module, left, right)) {
+    if (Differs(compared.difference)) table.push_back(DifferenceRow(module, left, right, compared));
+  }
+  return table;
+}
+
 QString NamesLine(const Row& row) {
   QStringList names;
   for (const auto& [name, value] : row)

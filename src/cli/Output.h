@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commands/TransferCommands.h"
+#include "core/ParameterList.h"
 #include "core/ValueFileFormat.h"
 
 namespace kalivor::cli {
@@ -26,6 +27,15 @@ using Table = std::vector<Row>;
 /// Layout, stored count and version, and the records, numbered from 2.
 [[nodiscard]] Row ValueFileHead(const ValueFileContent& content);
 [[nodiscard]] Table RecordTableOf(const ValueFileContent& content);
+
+/// The rows of the list as `table` has them; "Nr" is a number, the rest is text as it is shown.
+[[nodiscard]] Table ListTableOf(const ListTable& table);
+
+/// The parameters whose values are not equal. What the definitions do not know has neither number nor name;
+/// a row of no value has nothing but the columns' names.
+[[nodiscard]] Table DifferenceTableOf(const Module1& module, const ValueSet& left, const ValueSet& right);
+[[nodiscard]] Row DifferenceRow(const Module1& module, const ValueSet& left, const ValueSet& right,
+                                const ComparedValue& compared);
 
 /// Columns are separated by TAB, lines end with LF; TAB, CR, LF and backslash inside a text are written as
 /// a backslash and t, r, n or a second backslash.

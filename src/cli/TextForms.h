@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/Module1.h"
+#include "core/ControllerValues.h"
 #include "core/Forms.h"
 #include "core/Report.h"
 #include "platform/Events.h"
@@ -23,6 +24,14 @@ class TextMainForm final : public MainForm {
 
  private:
   platform::TreeView tree_;
+};
+
+/// What a run without a terminal that could be painted shows of the progress: nothing.
+class NoProgress final : public ProgressForm {
+ public:
+  void Show(const QString&) override {}
+  void Step(int, int, double) override {}
+  void Hide() override {}
 };
 
 class NoEditorForms final : public EditorForms {

@@ -24,11 +24,11 @@ void OnInterrupt(int /*signal*/) {
   (void)std::signal(SIGINT, OnInterrupt);
 }
 
-bool WantsToPrint(int argc, char** argv) {
+bool WantsToDraw(int argc, char** argv) {
   QStringList arguments;
   for (int i = 1; i < argc; ++i)
     arguments.append(QString::fromLocal8Bit(argv[i]));
-  return kalivor::cli::ParseArguments(arguments).command == u"print";
+  return Draws(kalivor::cli::ParseArguments(arguments));
 }
 
 }  // namespace
@@ -38,9 +38,9 @@ int main(int argc, char** argv) {
   std::set_terminate(platform::LastResort<cli::kNoTransfer>);
   (void)std::signal(SIGINT, OnInterrupt);
   platform::native::PrepareConsole();
-  // Only printing needs fonts; everything else starts quicker without them.
+  // Only pages need fonts; everything else starts quicker without them.
   std::unique_ptr<QCoreApplication> application;
-  if (WantsToPrint(argc, argv)) {
+  if (WantsToDraw(argc, argv)) {
     application = print::NewPdfApplication(argc, argv, platform::native::kPaintingPlatform);
   } else {
     application = std::make_unique<QCoreApplication>(argc, argv);

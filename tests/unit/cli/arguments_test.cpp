@@ -63,7 +63,46 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{{u"show"_s, u"a.qpf"_s, u"b.qpf"_s}, u"Überzähliges Argument: b.qpf"_s},
         Mistake{{u"--load"_s, u"a"_s, u"--load"_s, u"b"_s, u"tree"_s},
                 u"Option --load: mehrfach angegeben."_s},
+        Mistake{{u"diff"_s}, u"Es fehlt eine der beiden Seiten zum Befehl diff."_s},
+        Mistake{{u"diff"_s, u"table"_s}, u"Es fehlt eine der beiden Seiten zum Befehl diff."_s},
+        Mistake{{u"diff"_s, u"a"_s, u"b"_s, u"c"_s}, u"Überzähliges Argument: c"_s},
+        Mistake{{u"diff"_s, u"a"_s, u"b"_s, u"--out"_s, u"x"_s},
+                u"Option --out gilt nicht für den Befehl diff."_s},
+        Mistake{{u"list"_s, u"a"_s}, u"Überzähliges Argument: a"_s},
+        Mistake{{u"params"_s, u"--filter"_s, u"x"_s}, u"Option --filter gilt nicht für den Befehl params."_s},
+        Mistake{{u"params"_s, u"--only"_s, u"checked"_s},
+                u"Option --only gilt nicht für den Befehl params."_s},
+        Mistake{{u"params"_s, u"--against"_s, u"x"_s},
+                u"Option --against gilt nicht für den Befehl params."_s},
+        Mistake{{u"params"_s, u"--format"_s, u"csv"_s},
+                u"Option --format gilt nicht für den Befehl params."_s},
+        Mistake{{u"list"_s, u"--only"_s, u"checked,hidden"_s},
+                u"Option --only: erwartet checked, different, nonstandard oder outside statt hidden."_s},
+        Mistake{{u"list"_s, u"--only"_s, u"different"_s},
+                u"Zu --only different gehört die Option --against."_s},
+        Mistake{{u"list"_s, u"--format"_s, u"xml"_s},
+                u"Option --format: erwartet tsv, csv, html oder pdf statt xml."_s},
+        Mistake{{u"list"_s, u"--format"_s, u"pdf"_s}, u"Zu --format pdf gehört die Option --out."_s},
+        Mistake{{u"list"_s, u"--format"_s, u"csv"_s, u"--json"_s},
+                u"--json und --format schließen einander aus."_s},
         Mistake{{u"--json"_s, u"tree"_s}, u"Option --json gilt nicht für den Befehl tree."_s}));
+
+TEST(CommandLine, OnlyNamesSeveralConditions) {
+  const Arguments arguments =
+      ParseArguments({u"list"_s, u"--only"_s, u"checked,outside"_s, u"--against=standard"_s});
+  EXPECT_EQ(arguments.error, QString());
+  ASSERT_TRUE(arguments.only);
+  EXPECT_TRUE(arguments.only->checked && arguments.only->outside);
+  EXPECT_FALSE(arguments.only->different || arguments.only->nonStandard || arguments.only->changed);
+  EXPECT_EQ(arguments.against, u"standard"_s);
+}
+
+TEST(CommandLine, PagesAndPdfsAreDrawn) {
+  EXPECT_TRUE(Draws(ParseArguments({u"print"_s, u"--pdf"_s, u"x"_s})));
+  EXPECT_TRUE(Draws(ParseArguments({u"list"_s, u"--format=pdf"_s, u"--out=x"_s})));
+  EXPECT_FALSE(Draws(ParseArguments({u"list"_s, u"--format=csv"_s, u"--out=x.pdf"_s})));
+  EXPECT_FALSE(Draws(ParseArguments({u"pages"_s})));
+}
 
 TEST(CommandLine, OptionsStandBeforeAndAfterTheCommandWithBlankOrEqualsSign) {
   const Arguments arguments =

@@ -120,6 +120,9 @@ struct ParameterTable {
   /// changed by then, but what is selected may have. They need not arrive.
   Observer<Rereading> OnDefinitions;
 
+  /// Told after the values were written to a value file, with its path.
+  Observer<const QString&> OnSaved;
+
   /// Give parameter `index` a number, a text, or both. Throw RuntimeError (Bounds).
   void SetNumber(int index, qint32 number, ValueSource source);
   void SetText(int index, const QString& text, ValueSource source);

@@ -135,6 +135,8 @@ qsizetype SizeOf_bytes(const DefinedTable& defined) {
     size += SizeOf_bytes(defined.table->Par[i]);
   for (const ParameterValue& value : defined.lastTaken)
     size += qsizetype{sizeof(ParameterValue)} + SizeOf_bytes(value.text);
+  for (const SavedValue& saved : defined.saved)
+    size += qsizetype{sizeof(SavedValue)} + SizeOf_bytes(saved.value.text);
   return size;
 }
 
@@ -149,14 +151,20 @@ qsizetype ChangeStep::Size_bytes() const {
   return otherSide ? size + SizeOf_bytes(*otherSide) : size;
 }
 
-ChangeLog::ChangeLog(Module1& module) : module_(module), lastTaken_(kLastParameter + 1) {
+ChangeLog::ChangeLog(Module1& module)
+    : module_(module), lastTaken_(kLastParameter + 1), saved_(kLastParameter + 1) {
   module_.OnValue = [this](const ValueChange& change) { Listen(change); };
   module_.OnDefinitions = [this](Rereading rereading) { Announce(rereading); };
+  module_.OnSaved = [this](const QString& /*path*/) {
+    for (int i = 1; i < module_.ParCount; ++i)
+      TakeAsSaved(i);
+  };
 }
 
 ChangeLog::~ChangeLog() {
   module_.OnValue = nullptr;
   module_.OnDefinitions = nullptr;
+  module_.OnSaved = nullptr;
 }
 
 void ChangeLog::Begin() {
@@ -193,6 +201,8 @@ void ChangeLog::Listen(const ValueChange& change) {
     default:
       break;
   }
+  if (change.source == ValueSource::Loaded || change.source == ValueSource::Defined)
+    saved_[static_cast<std::size_t>(change.index)] = {change.after, change.typAfter};
   // Steps hold the others already, or not at all.
   if (change.source == ValueSource::Undone || change.source == ValueSource::Defined) return;
   if (depth_ > 0) {
@@ -244,6 +254,7 @@ std::unique_ptr<DefinedTable> ChangeLog::TableBefore() const {
     before->table->SetTyped(recorded.index, recorded.before, recorded.typBefore, ValueSource::Undone);
   before->selected = begun_;
   before->lastTaken = lastTaken_;
+  before->saved = saved_;
   return before;
 }
 
@@ -309,10 +320,23 @@ void ChangeLog::Swap(DefinedTable& other) {
   Select(module_, other.selected);
   other.selected = std::move(now);
   std::swap(lastTaken_, other.lastTaken);
+  std::swap(saved_, other.saved);
 }
 
 bool ChangeLog::Changed(int index) const {
   return !SameUnpadded(lastTaken_[static_cast<std::size_t>(index)], ValueOf(module_.Par[index]));
+}
+
+bool ChangeLog::Unsaved(int index) const {
+  const ParameterRecord& record = module_.Par[index];
+  const SavedValue& saved = saved_[static_cast<std::size_t>(index)];
+  return record.Typ != saved.typ || !SameValue(record, saved.value, {record.Wert, record.WertText});
+}
+
+void ChangeLog::TakeAsSaved(int index) {
+  ++revision_;
+  const ParameterRecord& record = module_.Par[index];
+  saved_[static_cast<std::size_t>(index)] = {{record.Wert, record.WertText}, record.Typ};
 }
 
 int ChangeLog::Outside() const {

@@ -27,11 +27,18 @@ struct Selected {
   TreeState tree;
 };
 
+/// A value as a value file holds it, or as the definitions give it.
+struct SavedValue {
+  ParameterValue value;
+  FixedText<8> typ;
+};
+
 /// Everything that reading definitions replaces.
 struct DefinedTable {
   std::unique_ptr<ParameterTable> table;  // large
   Selected selected;
   std::vector<ParameterValue> lastTaken;  ///< what ChangeLog::Changed compares with
+  std::vector<SavedValue> saved;          ///< what ChangeLog::Unsaved compares with
 };
 
 /// All that one action of the user changed in the table.
@@ -77,6 +84,13 @@ class ChangeLog {
   /// or read with the definitions.
   [[nodiscard]] bool Changed(int index) const;
 
+  /// True when the value of parameter `index` is another one than what was last loaded from a value file,
+  /// saved to one or read with the definitions. How a text is padded makes no difference.
+  [[nodiscard]] bool Unsaved(int index) const;
+
+  /// The value of parameter `index` counts as saved from now on.
+  void TakeAsSaved(int index);
+
   /// How many parameters hold a number outside their limits; 0 as long as nothing was loaded or received.
   [[nodiscard]] int Outside() const;
 
@@ -106,6 +120,7 @@ class ChangeLog {
   int revision_ = 0;
   bool transferred_ = false;  // something was loaded or received
   std::vector<ParameterValue> lastTaken_;
+  std::vector<SavedValue> saved_;
 
   // Since the outermost Begin.
   Selected begun_;

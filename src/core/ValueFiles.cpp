@@ -85,8 +85,12 @@ bool MatchVersion(Core& core, const QString& version) {
 
 bool WriteValueFile(Core& core) {
   const QString error = core.files.Overwrite(core.module.Dateiname, ComposeImage(core));
-  if (!error.isEmpty()) ShowFailure(core, u"Fehler beim schreiben von"_s, error);
-  return error.isEmpty();
+  if (!error.isEmpty()) {
+    ShowFailure(core, u"Fehler beim schreiben von"_s, error);
+    return false;
+  }
+  core.module.OnSaved.Tell(core.module.Dateiname);
+  return true;
 }
 
 bool ReadValueFile(Core& core) {

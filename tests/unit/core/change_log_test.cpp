@@ -376,6 +376,44 @@ TEST(ChangeLog, ChangedMeansOtherThanWhatWasTakenLast) {
   EXPECT_FALSE(site.log.Changed(4)) << "blanks at the end are none of the value";
 }
 
+TEST(ChangeLog, UnsavedIsWhatNoValueFileHolds) {
+  Recording site;
+  const auto unsaved = [&] {
+    QList<int> indices;
+    for (int i = 1; i < site.module.ParCount; ++i) {
+      if (site.log.Unsaved(i)) indices.append(i);
+    }
+    return indices;
+  };
+  EXPECT_EQ(unsaved(), QList<int>()) << "as the definitions say";
+  Edit(site, 1, 7);
+  EXPECT_EQ(unsaved(), QList<int>{1});
+  site.Undo();
+  EXPECT_EQ(unsaved(), QList<int>());
+  site.Do([&] { CommandEmpfangen_Click(site.core); });
+  EXPECT_EQ(unsaved(), (QList<int>{1, 2, 3, 4})) << "received is not saved";
+  site.files.writeError = u"Kein Platz."_s;
+  EXPECT_FALSE(WriteValueFile(site.core));
+  EXPECT_EQ(site.box.Take().size(), 1);
+  EXPECT_EQ(unsaved(), (QList<int>{1, 2, 3, 4}));
+  site.files.writeError.clear();
+  Save(site);
+  EXPECT_EQ(unsaved(), QList<int>());
+  site.Do([&] { CommandStandard_Click(site.core); });
+  EXPECT_EQ(unsaved(), (QList<int>{1, 2, 3, 4})) << "the file holds other values";
+  site.Do([&] { EXPECT_TRUE(ReadValueFile(site.core)); });
+  EXPECT_EQ(unsaved(), QList<int>()) << "loading pads texts";
+  Edit(site, 1, 7);
+  site.module.Par[2].Typ = u"int"_s;
+  EXPECT_EQ(unsaved(), (QList<int>{1, 2})) << "a file holds types as well";
+  site.log.TakeAsSaved(1);
+  EXPECT_EQ(unsaved(), QList<int>{2});
+  site.Do([&] { site.module.VersionList.Select(1); });
+  EXPECT_EQ(unsaved(), QList<int>()) << "read with the definitions";
+  site.Undo();
+  EXPECT_EQ(unsaved(), QList<int>{2}) << "as before them";
+}
+
 TEST(ChangeLog, NumbersOutsideCountOnceSomethingWasTransferred) {
   Recording site;
   Edit(site, 1, 30001);

@@ -1,0 +1,98 @@
+// The table with what no value file holds, kept for the case that the program ends before it is saved.
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "commands/FileCommands.h"
+#include "core/ValueSets.h"
+
+namespace kalivor {
+
+/// The table as it was at some time. All of its values are kept, not only the unsaved ones: those beside them
+/// would else be the standard values, and could be taken for what they were.
+struct KeptTable {
+  QDateTime time;
+  QString plantType;
+  QString valueFile;          ///< the current one; "" when none was open
+  ValueSet set;               ///< parameters 1..ParCount - 1
+  std::vector<bool> unsaved;  ///< by position in the set: no value file holds this value
+
+  [[nodiscard]] int UnsavedCount() const;
+};
+
+/// The table of `module`. `unsaved` says of which parameters no value file holds the value.
+[[nodiscard]] KeptTable KeptTableOf(const Module1& module, const std::function<bool(int index)>& unsaved,
+                                    const QDateTime& now);
+
+/// The file of it: JSON in UTF-8. Nothing where the bytes are no such file.
+[[nodiscard]] std::optional<KeptTable> ParseKeptTable(const QByteArray& bytes);
+[[nodiscard]] QByteArray ComposeKeptTable(const KeptTable& kept);
+
+/// "Wiederherstellen: 12 Werte von gestern 16:40", with the mnemonic of the menu item.
+[[nodiscard]] QString RecoveryCaption(const KeptTable& kept, const QDateTime& now);
+
+/// Makes the table what it was: selects version and plant type where they differ, gives the parameters their
+/// values (ValueSource::Recovered) and rebuilds the tree; open editors are closed. The current file is the
+/// one of that time again. `saved` is told of each parameter whose value a file holds. Where version or plant
+/// type are unknown, a box says so and nothing changes; false then. What does not fit the definitions is
+/// counted in a box. Throws RuntimeError as reading definitions does. Not for while an operation is under
+/// way.
+bool RestoreTable(const FileCommandContext& context, const KeptTable& kept,
+                  const std::function<void(int index)>& saved);
+
+/// The world that recovery works in.
+struct RecoveryWorld {
+  QString folder;  ///< of the user's state; empty: nothing is kept. It need not exist.
+
+  /// Makes `path` this program's until its end, and the folder if it is missing; false where another program
+  /// has it.
+  std::function<bool(const QString& path)> take;
+
+  std::function<QDateTime()> now;
+};
+
+/// The file of what is unsaved. Each running program has one of its own, which it takes when it first needs
+/// it: "Wiederherstellung.json", "Wiederherstellung-2.json"… up to kMostPrograms.
+class Recovery {
+ public:
+  static constexpr int kMostPrograms = 9;
+
+  /// `files` must outlive it.
+  Recovery(platform::FileSystem& files, RecoveryWorld world) : files_(files), world_(std::move(world)) {}
+
+  /// Takes the first file with something in it that is nobody else's. A damaged one is set aside. Returns
+  /// what the user is to be told of that, else "".
+  [[nodiscard]] QString Load();
+
+  /// What an earlier run has left; nothing when it was restored.
+  [[nodiscard]] const std::optional<KeptTable>& Offered() const { return offered_; }
+  void ForgetOffered() { offered_.reset(); }
+
+  /// Writes the table when something of it is unsaved, and else empties the file. What the earlier run had
+  /// left gives way to something unsaved, and at the end of this run (`ends`). Returns what the user is to be
+  /// told of a failure: the first time only, else "".
+  [[nodiscard]] QString Keep(const KeptTable& kept, bool ends = false);
+
+  [[nodiscard]] QDateTime Now() const { return world_.now(); }
+  [[nodiscard]] bool Works() const { return !world_.folder.isEmpty(); }
+
+ private:
+  [[nodiscard]] QString PathOf(int number) const;
+  [[nodiscard]] QString TakeFile();
+  [[nodiscard]] QString Read(const QString& path);
+
+  platform::FileSystem& files_;
+  RecoveryWorld world_;
+  QString path_;  // this program's file; empty: none yet
+  std::optional<KeptTable> offered_;
+  bool filled_ = false;  // the file holds something
+  bool own_ = false;     // which this run has written
+  bool told_ = false;    // of a failure
+};
+
+}  // namespace kalivor

@@ -31,6 +31,8 @@ void DefinitionCheck(QByteArrayView input);
 void DefinitionFile(QByteArrayView input);
 void Numbers(QByteArrayView input);
 void Pages(QByteArrayView input);
+void RecoveryFile(QByteArrayView input);
+void SelectionsFile(QByteArrayView input);
 void Settings(QByteArrayView input);
 void ValueFile(QByteArrayView input);
 void VersionTable(QByteArrayView input);
@@ -48,6 +50,8 @@ inline constexpr Target kTargets[] = {
     {"definition_file", DefinitionFile},
     {"numbers", Numbers},
     {"pages", Pages},
+    {"recovery_file", RecoveryFile},
+    {"selections_file", SelectionsFile},
     {"settings", Settings},
     {"value_file", ValueFile},
     {"version_table", VersionTable},

@@ -112,6 +112,19 @@ class FakeMessageBox final : public platform::MessageBox {
     if (onShow) onShow();
   }
 
+  /// A question fails the test when no answer is left for it.
+  [[nodiscard]] bool Confirm(const QString& text, const QString& action) override {
+    asked.push_back({text, action});
+    if (asked.size() <= answers.size()) return answers[asked.size() - 1];
+    ADD_FAILURE() << "unexpected question: " << text.toStdString();
+    return false;
+  }
+  struct Question {
+    QString text, action;
+  };
+  std::vector<Question> asked;
+  std::vector<bool> answers;  ///< to the questions, in their order
+
   /// All boxes since the last call.
   [[nodiscard]] std::vector<Box> Take() { return std::exchange(shown_, {}); }
 

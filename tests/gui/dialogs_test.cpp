@@ -245,6 +245,30 @@ TEST_F(DialogsTest, AMessageBoxWithoutTitleCarriesTheProgramsName) {
   EXPECT_EQ(before, 1) << "the splash screen hears of it";
 }
 
+TEST_F(DialogsTest, AQuestionIsAnsweredByItsButtons) {
+  platform::QtMessageBox real;
+  const auto answer = [&real](const std::function<void(QMessageBox&)>& user) {
+    QTimer::singleShot(0, qApp, [&user] {
+      auto* shown = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      ASSERT_NE(shown, nullptr);
+      EXPECT_EQ(shown->text(), u"Soll <sie>\nersetzt werden?"_s);
+      EXPECT_EQ(shown->textFormat(), Qt::PlainText);
+      user(*shown);
+    });
+    return real.Confirm(u"Soll <sie>\r\nersetzt werden?"_s, u"Ersetzen"_s);
+  };
+  const auto press = [](QMessageBox& question, const QString& caption) {
+    for (QAbstractButton* button : question.buttons()) {
+      if (button->text() == caption) button->click();
+    }
+  };
+  EXPECT_TRUE(answer([&](QMessageBox& question) { press(question, u"Ersetzen"_s); }));
+  EXPECT_FALSE(answer([&](QMessageBox& question) { press(question, u"Abbrechen"_s); }));
+  EXPECT_FALSE(answer([](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); }));
+  EXPECT_FALSE(answer([](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Escape); }));
+  EXPECT_FALSE(answer([](QMessageBox& question) { question.close(); }));
+}
+
 // It would keep the program from ending.
 TEST_F(DialogsTest, AMessageBoxThatWaitsIsClosedAtTheEndOfTheSession) {
   Start();

@@ -14,6 +14,8 @@ class QtMessageBox final : public MessageBox {
 
   /// Without a title the box carries the application's name.
   void Show(const QString& text, const QString& title, Icon icon) override;
+
+  [[nodiscard]] bool Confirm(const QString& text, const QString& action) override;
 };
 
 }  // namespace kalivor::platform

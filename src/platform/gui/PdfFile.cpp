@@ -31,13 +31,19 @@ void PdfFile::AddPage(const QPageLayout& paper, const std::function<void(QPainte
   painter_.restore();
 }
 
+QByteArray PdfFile::Content() {
+  if (!painter_.isActive() || !painter_.end() || !complete_) return {};
+  return content_.data();
+}
+
 bool PdfFile::Save(const QString& path) {
-  if (!painter_.isActive() || !painter_.end() || !complete_) return false;
+  const QByteArray content = Content();
+  if (content.isEmpty()) return false;
   QSaveFile file(path);
   // A disk that gets full takes a part, which the toolkit does not count as an error, and with a buffer does
   // not even tell.
   if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
-  if (file.write(content_.data()) != content_.size()) file.cancelWriting();
+  if (file.write(content) != content.size()) file.cancelWriting();
   return file.commit();
 }
 

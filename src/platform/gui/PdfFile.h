@@ -21,6 +21,9 @@ class PdfFile {
   /// at the upper left corner of the paper.
   void AddPage(const QPageLayout& paper, const std::function<void(QPainter&)>& draw);
 
+  /// The whole document; nothing can be added afterwards. Empty when a page is missing, or there is none.
+  [[nodiscard]] QByteArray Content();
+
   /// Writes the file; nothing can be added afterwards. False when it cannot be written, or there is no page:
   /// a file that was there before stays as it was, and no other is left behind.
   [[nodiscard]] bool Save(const QString& path);

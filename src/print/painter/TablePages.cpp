@@ -325,8 +325,17 @@ class TableLayout {
 
 constexpr QSizeF kA4_cm(21.0, 29.7);
 
-QSizeF PaperIn(int orientation) {
-  return orientation == kLandscape ? kA4_cm.transposed() : kA4_cm;
+QString TitleOf(const ListTable& table) {
+  return table.heading.value(0, u"KALIVOR"_s);
+}
+
+void AddPages(platform::PdfFile& document, const ListTable& table, const PageLabels& labels) {
+  const bool landscape = TableOrientation(table) == kLandscape;
+  const QPageLayout paper(QPageSize(QPageSize::A4),
+                          landscape ? QPageLayout::Landscape : QPageLayout::Portrait, QMarginsF());
+  for (const platform::Printer::Draw& page :
+       TablePages(table, labels, landscape ? kA4_cm.transposed() : kA4_cm))
+    document.AddPage(paper, page);
 }
 
 }  // namespace
@@ -352,14 +361,15 @@ std::vector<platform::Printer::Draw> TablePages(const ListTable& table, const Pa
   return pages;
 }
 
+QByteArray TablePdf(const ListTable& table, const PageLabels& labels) {
+  platform::PdfFile document(TitleOf(table));
+  AddPages(document, table, labels);
+  return document.Content();
+}
+
 QString SaveTablePdf(const ListTable& table, const PageLabels& labels, const QString& file) {
-  const int orientation = TableOrientation(table);
-  const QPageLayout paper(QPageSize(QPageSize::A4),
-                          orientation == kLandscape ? QPageLayout::Landscape : QPageLayout::Portrait,
-                          QMarginsF());
-  platform::PdfFile document(table.heading.value(0, u"KALIVOR"_s));
-  for (const platform::Printer::Draw& page : TablePages(table, labels, PaperIn(orientation)))
-    document.AddPage(paper, page);
+  platform::PdfFile document(TitleOf(table));
+  AddPages(document, table, labels);
   if (document.Save(file)) return {};
   return u"Die Datei kann nicht geschrieben werden: "_s + file;
 }

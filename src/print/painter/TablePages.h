@@ -33,8 +33,10 @@ struct PageLabels {
                                                               const PageLabels& labels,
                                                               const QSizeF& paper_cm);
 
-/// Writes the pages for A4 in the better orientation into a PDF file; one that was there is replaced. Returns
-/// "", or why not, in German. Needs a QGuiApplication.
+/// The pages for A4 in the better orientation as a PDF document. Needs a QGuiApplication.
+[[nodiscard]] QByteArray TablePdf(const ListTable& table, const PageLabels& labels);
+
+/// Writes that into a file; one that was there is replaced. Returns "", or why not, in German.
 [[nodiscard]] QString SaveTablePdf(const ListTable& table, const PageLabels& labels, const QString& file);
 
 }  // namespace kalivor::print

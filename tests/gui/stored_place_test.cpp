@@ -97,6 +97,17 @@ TEST(StoredColumns, ComeBackInTheirOrderWithWidthsHidingAndSorting) {
   EXPECT_EQ(next.header.sortIndicatorOrder(), Qt::DescendingOrder);
 }
 
+TEST(StoredColumns, ComeBackWithoutSortingToo) {
+  Columns columns;
+  columns.header.setSortIndicator(-1, Qt::AscendingOrder);
+  columns.header.moveSection(3, 0);
+  const QString text = columns.Saved();
+  EXPECT_FALSE(text.contains(u'>') || text.contains(u'<'));
+  Columns next;
+  next.Load(text);
+  EXPECT_EQ(next.header.visualIndex(3), 0);
+}
+
 TEST(StoredColumns, WhatCannotBeReadChangesNothing) {
   for (const QString& text :
        {QString(), u"x"_s, u"0:1440 1:1440 2:1440"_s, u"0:1440 1:1440 2:1440 2:1440"_s,

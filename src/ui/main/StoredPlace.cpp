@@ -125,9 +125,10 @@ void SaveColumns(const QHeaderView& header, platform::SettingsStore& settings, c
     const int number = header.logicalIndex(position);
     words << u"%1:%2"_s.arg(number).arg(Twips(header, header.sectionSize(number)));
   }
-  if (header.isSortIndicatorShown() && header.sortIndicatorSection() < header.count()) {
+  const int sorted = header.sortIndicatorSection();
+  if (header.isSortIndicatorShown() && sorted >= 0 && sorted < header.count()) {
     const bool upwards = header.sortIndicatorOrder() == Qt::AscendingOrder;
-    words << (upwards ? u'>' : u'<') + QString::number(header.sortIndicatorSection());
+    words << (upwards ? u'>' : u'<') + QString::number(sorted);
   }
   settings.Save(u"Settings"_s, key, words.join(u' '));
 }

@@ -4,6 +4,7 @@
 #include <QScopeGuard>
 
 #include "check/DefinitionCheck.h"
+#include "check/FindingsText.h"
 #include "cli/Arguments.h"
 #include "cli/Edits.h"
 #include "cli/Output.h"
@@ -128,8 +129,8 @@ class Session {
   int CheckDefinitionFiles() {
     bool errors = false;
     for (const Finding& finding : CheckDefinitions(world_.files, module_.Inipath, module_.Inifile)) {
-      Print(u"%1\t%2\t%3\t%4\n"_s.arg(finding.file, QString::number(finding.line),
-                                      finding.error ? u"Fehler"_s : u"Warnung"_s, finding.text));
+      Print(u"%1\t%2\t%3\t%4\n"_s.arg(finding.file, QString::number(finding.line), SeverityText(finding),
+                                      finding.text));
       errors = errors || finding.error;
     }
     return errors ? kFindings : kDone;

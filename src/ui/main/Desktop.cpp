@@ -4,6 +4,7 @@
 #include "commands/MenuCommands.h"
 #include "commands/StartUp.h"
 #include "core/Busy.h"
+#include "core/DefinitionFiles.h"
 #include "ui/about/frmAbout.h"
 
 using namespace Qt::StringLiterals;
@@ -22,16 +23,12 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
       wiring(module, timers, world.line,
              {main, report, auswahl, editors, world.box, world.files, world.events}),
       files{core, world.dialogs, [this](const QString& path) { main.ShowFile(path); }} {
-  const auto add = [this](Form& form, bool disabledWhileBusy) {
-    form.SetOwner(main);
-    main.AddCompanion(form, disabledWhileBusy);
-  };
-  add(editors.number, true);
-  add(editors.text, true);
-  add(options, true);
-  add(reportDialog, false);
-  add(auswahl, false);
-  add(achtung, false);
+  Add(editors.number, true);
+  Add(editors.text, true);
+  Add(options, true);
+  Add(reportDialog, false);
+  Add(auswahl, false);
+  Add(achtung, false);
   main.Connect(core);
   editors.Connect(core, guard);
   reportDialog.Connect(report, guard, world.printText);
@@ -42,6 +39,11 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   };
   main.OnUnload = [this] { StoreSettings(); };
   LoadMain(run);
+}
+
+void Desktop::Add(Form& form, bool disabledWhileBusy) {
+  form.SetOwner(main);
+  main.AddCompanion(form, disabledWhileBusy);
 }
 
 MenuActions Desktop::Actions() {
@@ -60,6 +62,7 @@ MenuActions Desktop::Actions() {
       {u"mnuOptioenFiles"_s, [this] { ShowOptions(2); }},
       {u"mnuWerkzeugeRueckgaengig"_s, [this] { undo.Undo(); }},
       {u"mnuWerkzeugeWiederholen"_s, [this] { undo.Redo(); }},
+      {u"mnuWerkzeugePruefen"_s, [this] { ShowFindings(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -78,6 +81,18 @@ void Desktop::ConnectOptions() {
 
 void Desktop::ShowOptions(int page) {
   if (module.BusyDepth == 0) options.Open(OptionsOf(module), page);
+}
+
+void Desktop::ShowFindings() {
+  if (module.BusyDepth > 0) return;
+  if (!findings) {
+    const FindingsWindow::Check check{
+        [this] { return VersionTablePath(module); },
+        [this] { return CheckDefinitions(world.files, module.Inipath, module.Inifile); }};
+    findings = std::make_unique<FindingsWindow>(check, guard, world.settings);
+    Add(*findings, true);
+  }
+  findings->CheckAndShow();
 }
 
 void Desktop::OpenFile(const QString& path) {

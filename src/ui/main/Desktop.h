@@ -19,6 +19,7 @@
 #include "ui/dialogs/DlgAchtung.h"
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
+#include "ui/findings/FindingsWindow.h"
 #include "ui/main/HelpKey.h"
 #include "ui/main/UndoStack.h"
 #include "ui/main/frmMain.h"
@@ -79,15 +80,17 @@ struct Desktop {
   ChangeLog changes{module};
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
+  std::unique_ptr<FindingsWindow> findings;  ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
   void Settled();
-
+  void Add(Form& form, bool disabledWhileBusy);
   void LoadMain(const RunSettings& run);
   void StoreSettings();
   void ShowAbout();
   void ShowOptions(int page);
+  void ShowFindings();
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();
 

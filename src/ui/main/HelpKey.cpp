@@ -22,6 +22,7 @@ const QHash<QString, QString>& Pages() {
                                              {u"frmOptions"_s, u"optionen"_s},
                                              {u"MDIFormPrint"_s, u"drucken"_s},
                                              {u"frmAbout"_s, u"info"_s},
+                                             {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};
   return pages;

@@ -23,6 +23,7 @@
 #include "platform/qt/QtPrinter.h"
 #include "platform/qt/TextPrinter.h"
 #include "print/MDIFormPrint.h"
+#include "print/TablePrinter.h"
 #include "ui/Resources.h"
 #include "ui/main/Desktop.h"
 
@@ -118,6 +119,10 @@ struct Printing {
     print::mnuFilePrint_Click(*frame);
   }
 
+  [[nodiscard]] print::PageLabels Labels() const {
+    return print::LabelsOf(desktop.module, {desktop.module.Dateiname, QDate::currentDate()});
+  }
+
   ui::Desktop& desktop;
   std::optional<platform::QtPrinter> printer;
   std::unique_ptr<print::MDIFormPrint> frame;
@@ -128,19 +133,24 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
   ui::frmSplash splash;
   process.box.BeforeShow = [&splash] { splash.hide(); };
   std::unique_ptr<Printing> printing;
-  const ui::World world{process.settings,
-                        process.box,
-                        process.files,
-                        process.Line(),
-                        process.clock,
-                        process.events,
-                        QCoreApplication::applicationDirPath(),
-                        Process::SystemInformation(),
-                        [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); },
-                        process.dialogs,
-                        process.help,
-                        [&process](int number) { return process.ShownDevice(number); },
-                        [&printing] { printing->Print(); }};
+  const ui::World world{
+      process.settings,
+      process.box,
+      process.files,
+      process.Line(),
+      process.clock,
+      process.events,
+      QCoreApplication::applicationDirPath(),
+      Process::SystemInformation(),
+      [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); },
+      process.dialogs,
+      process.help,
+      [&process](int number) { return process.ShownDevice(number); },
+      [&printing] { printing->Print(); },
+      [&printing](const ListTable& table) { return print::TablePdf(table, printing->Labels()); },
+      [&printing](const ListTable& table) {
+        print::AskAndPrintTable(u"Parameterliste"_s, table, printing->Labels());
+      }};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
     if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);

@@ -8,6 +8,7 @@
 #include "commands/EventBoundary.h"
 #include "commands/FileCommands.h"
 #include "commands/SettingsTable.h"
+#include "core/ListTable.h"
 #include "core/Report.h"
 #include "core/Wiring.h"
 #include "platform/Clock.h"
@@ -42,6 +43,8 @@ struct World {
   platform::Help& help;
   std::function<QString(int number)> deviceOfPort;  ///< "" when there is none
   std::function<void()> print;                      ///< the Print command; empty: its item is disabled
+  std::function<QByteArray(const ListTable& table)> tablePdf{};  ///< a document of the printed table
+  std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.

@@ -20,7 +20,8 @@ const QStringList& ValueOptions() {
   static const QStringList names{
       u"--ini-path"_s,    u"--ini-file"_s, u"--controller"_s, u"--plant"_s,  u"--port"_s,    u"--address"_s,
       u"--load"_s,        u"--save"_s,     u"--set"_s,        u"--check"_s,  u"--uncheck"_s, u"--answer"_s,
-      u"--status-path"_s, u"--date"_s,     u"--pdf"_s,        u"--copies"_s, u"--page"_s};
+      u"--status-path"_s, u"--date"_s,     u"--pdf"_s,        u"--copies"_s, u"--page"_s,    u"--filter"_s,
+      u"--only"_s,        u"--against"_s,  u"--format"_s,     u"--out"_s};
   return names;
 }
 
@@ -49,20 +50,22 @@ bool SameMarks(const std::vector<cli::MarkChange>& a, const std::vector<cli::Mar
 }
 
 bool Same(const cli::Arguments& a, const cli::Arguments& b) {
-  return a.command == b.command && a.file == b.file && a.help == b.help &&
+  return a.command == b.command && a.words == b.words && a.help == b.help &&
          a.programVersion == b.programVersion && a.json == b.json && a.iniPath == b.iniPath &&
          a.iniFile == b.iniFile && a.address == b.address && a.controller == b.controller &&
          a.plant == b.plant && a.port == b.port && a.load == b.load && a.save == b.save &&
          a.landscape == b.landscape && a.statusPath == b.statusPath && a.date == b.date && a.pdf == b.pdf &&
-         a.copies == b.copies && a.page == b.page && a.set == b.set && SameMarks(a.marks, b.marks) &&
-         a.answers == b.answers && a.error == b.error;
+         a.copies == b.copies && a.against == b.against && a.only == b.only && a.filter == b.filter &&
+         a.format == b.format && a.out == b.out && a.page == b.page && a.set == b.set &&
+         SameMarks(a.marks, b.marks) && a.answers == b.answers && a.error == b.error;
 }
 
 void CheckCli(const cli::Arguments& arguments) {
   if (!arguments.error.isEmpty()) return;
   static const QStringList commands{
-      u"versions"_s, u"plants"_s, u"params"_s,   u"tree"_s,  u"identify"_s, u"receive"_s,          u"send"_s,
-      u"compare"_s,  u"show"_s,   u"standard"_s, u"pages"_s, u"print"_s,    u"check-definitions"_s};
+      u"versions"_s, u"plants"_s, u"params"_s,   u"tree"_s,  u"identify"_s, u"receive"_s,           u"send"_s,
+      u"compare"_s,  u"show"_s,   u"standard"_s, u"pages"_s, u"print"_s,    u"check-definitions"_s, u"list"_s,
+      u"diff"_s};
   Require(arguments.help || arguments.programVersion || commands.contains(arguments.command),
           "a known command");
   Require(!arguments.address || kAdresse.Offers(*arguments.address), "an address from 0 to 255");

@@ -1,5 +1,6 @@
 // Value file: any bytes as the file, read twice; what is saved reads back the same.
 #include <QtEndian>
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <vector>
@@ -7,8 +8,10 @@
 #include "Targets.h"
 #include "World.h"
 #include "base/Windows1252.h"
+#include "core/ParameterList.h"
 #include "core/ValueFileFormat.h"
 #include "core/ValueFiles.h"
+#include "core/ValueSets.h"
 
 using namespace Qt::StringLiterals;
 
@@ -148,6 +151,44 @@ void CheckSaving(World& world) {
   Require(world.module.Par[7].Wert == 7, "a name longer than its field is not found again");
 }
 
+// Every value of either side stands in one row, those of parameters first and in their order.
+void CheckRows(const Module1& module, const ValueSet& left, const ValueSet& right) {
+  std::vector<int> seenLeft(left.values.size());
+  std::vector<int> seenRight(right.values.size());
+  int last = 0;
+  for (const ComparedValue& row : CompareSets(module, left, right)) {
+    Require(row.index > last || row.index == 0, "parameters in their order, the unknown ones behind");
+    last = row.index > 0 ? row.index : kParameters;
+    Require(row.left >= 0 || row.right >= 0, "a value on one side");
+    if (row.left >= 0) ++seenLeft.at(static_cast<std::size_t>(row.left));
+    if (row.right >= 0) ++seenRight.at(static_cast<std::size_t>(row.right));
+    Require((row.left < 0) == (row.difference == Difference::OnlyRight), "the left side has none");
+    Require((row.right < 0) == (row.difference == Difference::OnlyLeft), "the right side has none");
+  }
+  const auto once = [](int times) { return times == 1; };
+  Require(std::ranges::all_of(seenLeft, once) && std::ranges::all_of(seenRight, once), "each value once");
+}
+
+// The file as a set of values beside the table.
+void CheckSets(const Module1& module, const QByteArray& bytes) {
+  const ValueSet file = FileValues(ParseValueFile(bytes), {});
+  const ValueSet table = TableValues(module);
+  CheckRows(module, table, file);
+  CheckRows(module, file, table);
+  for (const ComparedValue& row : CompareSets(module, file, file))
+    Require(row.difference == Difference::Equal && row.left == row.right, "a file is equal to itself");
+  const ConversionAccount account = AccountOf(module, file);
+  Require(account.matched + account.otherType + account.onlyInSet == static_cast<int>(file.values.size()),
+          "each value of the file is accounted for");
+  Require(account.matched + account.otherType + account.onlyInDefinitions == kParameters,
+          "each parameter is accounted for");
+  Require(account.cutTexts <= account.matched, "texts that match");
+  for (const ListRow& row : ListRows(module, &file)) {
+    for (int column = 0; column < kListColumns; ++column)
+      (void)CellText(module, row, static_cast<ListColumn>(column));
+  }
+}
+
 }  // namespace
 
 void ValueFile(QByteArrayView input) {
@@ -176,6 +217,7 @@ void ValueFile(QByteArrayView input) {
   Require(world.box.texts.size() == (own || other ? 0 : 1), "a box for an unknown version");
   Require(world.choice.questions.size() == (other ? 1 : 0), "a question for another version");
   Require(ValuesOf(world.module) == expected, "the values of the checked parameters");
+  if (InSample(input, 4)) CheckSets(world.module, bytes);
   Require(world.module.BusyDepth == 0 && world.main.enabled, "the program is ready again");
   // Saving costs three times as much as loading.
   if (InSample(input, 8)) CheckSaving(world);

@@ -106,6 +106,8 @@ struct ListFilter {
   bool nonStandard = false;
   bool changed = false;
   bool outside = false;
+
+  bool operator==(const ListFilter&) const = default;
 };
 
 /// `words` are the folded words of the search.

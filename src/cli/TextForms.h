@@ -26,7 +26,7 @@ class TextMainForm final : public MainForm {
   platform::TreeView tree_;
 };
 
-/// What a run without a terminal that could be painted shows of the progress: nothing.
+/// Shows no progress: the output is for other programs.
 class NoProgress final : public ProgressForm {
  public:
   void Show(const QString&) override {}

@@ -214,13 +214,15 @@ ParameterRecord JudgedBy(const ParameterRecord& record, const SetValue& value) {
   return judge;
 }
 
-Difference DifferenceOf(const ParameterRecord& record, const SetValue* left, const SetValue* right) {
+// `record` null: the definitions do not know the variable.
+Difference DifferenceOf(const ParameterRecord* record, const SetValue* left, const SetValue* right) {
   if ((left != nullptr && !left->read) || (right != nullptr && !right->read)) return Difference::NotRead;
   if (right == nullptr) return Difference::OnlyLeft;
   if (left == nullptr) return Difference::OnlyRight;
   if (!SameType(left->Typ, right->Typ)) return Difference::OtherType;
-  const bool same = SameType(record.Typ, left->Typ) ? SameValue(record, left->value, right->value)
-                                                    : SameValue(RecordOf(*left), left->value, right->value);
+  const bool same = record != nullptr && SameType(record->Typ, left->Typ)
+                        ? SameValue(*record, left->value, right->value)
+                        : SameValue(RecordOf(*left), left->value, right->value);
   return same ? Difference::Equal : Difference::Different;
 }
 
@@ -228,18 +230,16 @@ ComparedValue Compared(const ParameterTable& definitions, int index, const Value
                        const ValueSet& right, int atRight) {
   const SetValue* const leftValue = ValueAt(left, atLeft);
   const SetValue* const rightValue = ValueAt(right, atRight);
-  const auto outside = [&](const SetValue* value) {
-    return index > 0 && value != nullptr && value->read && SameType(definitions.Par[index].Typ, value->Typ) &&
-           IsOutside(definitions.Par[index], value->value);
+  const ParameterRecord* const record = index > 0 ? &definitions.Par[index] : nullptr;
+  const auto outside = [record](const SetValue* value) {
+    return record != nullptr && value != nullptr && value->read && SameType(record->Typ, value->Typ) &&
+           IsOutside(*record, value->value);
   };
   ComparedValue row{index, Difference::NotCompared, atLeft, atRight, outside(leftValue), outside(rightValue)};
   // Who was not asked for a parameter may know it; but what the definitions do not know nobody was asked for.
-  const bool notAsked =
-      index > 0 && ((leftValue == nullptr && left.partial) || (rightValue == nullptr && right.partial));
-  if (notAsked) return row;
-  row.difference = index > 0 ? DifferenceOf(definitions.Par[index], leftValue, rightValue)
-                             : DifferenceOf(RecordOf(leftValue != nullptr ? *leftValue : *rightValue),
-                                            leftValue, rightValue);
+  const bool notAsked = record != nullptr &&
+                        ((leftValue == nullptr && left.partial) || (rightValue == nullptr && right.partial));
+  if (!notAsked) row.difference = DifferenceOf(record, leftValue, rightValue);
   return row;
 }
 

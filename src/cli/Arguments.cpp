@@ -73,22 +73,19 @@ QString TakeDate(Arguments& arguments, const QString& value) {
 }
 
 QString TakeOnly(Arguments& arguments, const QString& value) {
-  constexpr struct {
-    QStringView name;
-    bool ListFilter::*member;
-  } kNames[] = {{u"checked", &ListFilter::checked},
-                {u"different", &ListFilter::different},
-                {u"nonstandard", &ListFilter::nonStandard},
-                {u"outside", &ListFilter::outside}};
+  constexpr std::array<std::pair<QStringView, bool ListFilter::*>, 4> kConditions = {
+      {{u"checked", &ListFilter::checked},
+       {u"different", &ListFilter::different},
+       {u"nonstandard", &ListFilter::nonStandard},
+       {u"outside", &ListFilter::outside}}};
   if (arguments.only) return Repeated();
-  arguments.only.emplace();
+  ListFilter& filter = arguments.only.emplace();
   for (const QString& word : value.split(u',')) {
     const auto* const known =
-        std::ranges::find(kNames, word, &std::remove_reference_t<decltype(*kNames)>::name);
-    if (known == std::end(kNames)) {
+        std::ranges::find_if(kConditions, [&](const auto& one) { return word == one.first; });
+    if (known == kConditions.end())
       return u"erwartet checked, different, nonstandard oder outside statt "_s + word;
-    }
-    (*arguments.only).*known->member = true;
+    filter.*known->second = true;
   }
   return {};
 }

@@ -194,7 +194,6 @@ void ChangeLog::Listen(const ValueChange& change) {
     case ValueSource::Loaded:
       transferred_ = true;
       [[fallthrough]];
-    case ValueSource::Recovered:
     case ValueSource::Defined:
       lastTaken_[static_cast<std::size_t>(change.index)] = change.after;
       break;

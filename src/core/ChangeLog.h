@@ -80,8 +80,8 @@ class ChangeLog {
   void Undo(ChangeStep& step);
   void Redo(ChangeStep& step);
 
-  /// True when the value of parameter `index` is another one than what was last loaded, received, recovered
-  /// or read with the definitions.
+  /// True when the value of parameter `index` is another one than what was last loaded, received or read with
+  /// the definitions. Blanks at the end of a text are none of it.
   [[nodiscard]] bool Changed(int index) const;
 
   /// True when the value of parameter `index` is another one than what was last loaded from a value file,

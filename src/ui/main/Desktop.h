@@ -69,6 +69,7 @@ struct Desktop {
   World world;
   platform::EventGuard guard;
   Module1 module;
+  ChangeLog changes{module};
   frmMain main;
   Editors editors;
   DlgAuswahl auswahl;
@@ -80,7 +81,6 @@ struct Desktop {
   Core& core = wiring.core;
   FileCommandContext files;
   frmOptions options;
-  ChangeLog changes{module};
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
   std::unique_ptr<FindingsWindow> findings;  ///< made when it is first opened

@@ -372,6 +372,13 @@ TEST(ChangeLog, ChangedMeansOtherThanWhatWasTakenLast) {
   EXPECT_FALSE(site.log.Changed(1)) << "read with the definitions";
   site.Undo();
   EXPECT_TRUE(site.log.Changed(1)) << "as before them";
+  site.Do([&] { CommandEmpfangen_Click(site.core); });
+  for (const ValueSource source : {ValueSource::TakenOver, ValueSource::Recovered}) {
+    site.module.SetNumber(1, 8, source);
+    EXPECT_TRUE(site.log.Changed(1)) << "neither loaded nor received";
+    site.module.SetNumber(1, 7, source);
+    EXPECT_FALSE(site.log.Changed(1));
+  }
   site.Do([&] { site.module.SetText(4, u"WXYZ  "_s, ValueSource::Edited); });
   EXPECT_FALSE(site.log.Changed(4)) << "blanks at the end are none of the value";
 }

@@ -1,9 +1,11 @@
 // Random events on all windows, against a faulty controller: nothing hangs, nothing stays as it must not.
+#include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTimer>
 #include <QWindow>
 #include <iostream>
+#include <optional>
 #include <random>
 
 #include "base/Numbers.h"
@@ -83,8 +85,12 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
             tree.viewport()->mapTo(&desktop->main, QPoint(row.left() + OneOf(offsets), row.center().y())));
   }
 
-  // Else most events would meet windows that wait for an answer.
+  // Else most events would meet windows that wait for an answer, or open menus.
   void ClickOk() {
+    if (QWidget* popup = QApplication::activePopupWidget()) {
+      popup->close();
+      return;
+    }
     if (desktop->auswahl.isVisible()) {
       ClickAt(desktop->auswahl,
               In<QPushButton>(desktop->auswahl, u"Button%1"_s.arg(1 + Below(2))).geometry().center());
@@ -147,6 +153,9 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
       case 7:
         ClickOk();
         return;
+      case 8:
+        if (Below(4) == 0) TakeBackOrRepeat();
+        return;
       default:
         if (Below(3) == 0) {
           RandomKey(window);
@@ -160,6 +169,12 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
     static const QStringList buttons{u"CommandEmpfangen"_s, u"CommandSenden"_s, u"CommandVergleichen"_s,
                                      u"CommandStandard"_s};
     Main<QPushButton>(OneOf(buttons)).click();
+  }
+
+  void TakeBackOrRepeat() {
+    if (!desktop->main.isEnabled() || QApplication::activeModalWidget() != nullptr) return;
+    const QString item = Below(2) == 0 ? u"mnuWerkzeugeWiederholen"_s : u"mnuWerkzeugeRueckgaengig"_s;
+    desktop->main.findChild<QAction*>(item)->trigger();
   }
 
   // The controller's plant type changes, or the cable is pulled or put back.
@@ -211,6 +226,7 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
     EXPECT_FALSE(desktop->auswahl.isVisible());
     EXPECT_EQ(module.VersionIndex, desktop->module.VersionList.Position() + 1);
     CheckMarks();
+    idleMarks_ = marks_;
     boxes_seen_ += box.Take().size();
     if (HasFailure()) {
       std::cerr << "first wrong after event " << count_ << '\n';
@@ -261,6 +277,33 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
     });
   }
 
+  // Steps in which the definitions were read exchange all marks, the others none.
+  void WatchSteps() {
+    idleMarks_ = marks_;
+    const auto onStep = desktop->changes.OnStep;
+    desktop->changes.OnStep = [this, onStep](ChangeStep step) {
+      steps_.resize(position_++);
+      steps_.push_back(step.otherSide ? std::optional(idleMarks_) : std::nullopt);
+      onStep(std::move(step));
+    };
+    const auto exchange = [this](std::size_t step) {
+      if (!steps_.at(step)) return;
+      std::swap(marks_, *steps_.at(step));
+      TakeMarksOver();
+    };
+    const auto after = [this](const QString& item, const std::function<void()>& action) {
+      QObject::connect(desktop->main.findChild<QAction*>(item), &QAction::triggered, &timers_, action);
+    };
+    after(u"mnuWerkzeugeRueckgaengig"_s, [this, exchange] {
+      exchange(--position_);
+      ++undone_;
+    });
+    after(u"mnuWerkzeugeWiederholen"_s, [this, exchange] {
+      exchange(position_++);
+      ++repeated_;
+    });
+  }
+
   // A rebuilt tree shows the marks; a group's box that of its first parameter.
   void TakeMarksOver() {
     shown_.clear();
@@ -279,8 +322,12 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
     return key.startsWith(u'K') && node >= Tree().FirstChild(ancestor) && node <= Tree().LastChild(ancestor);
   }
 
-  std::array<bool, 2001> marks_{};
-  QMap<QString, bool> shown_;  // the boxes of the present tree by key
+  using Marks = std::array<bool, 2001>;
+  Marks marks_{};
+  Marks idleMarks_{};                        // before the event that is being delivered
+  std::vector<std::optional<Marks>> steps_;  // the marks on their other sides
+  std::size_t position_ = 0;                 // behind the last step that was not taken back
+  QMap<QString, bool> shown_;                // the boxes of the present tree by key
   std::mt19937 random_;
   int now_ms_ = 1000;
   int count_ = 0;
@@ -290,6 +337,8 @@ class RandomEvents : public GuiTest, public testing::WithParamInterface<quint32>
   int checks_ = 0;
   int edits_ = 0;
   int questions_ = 0;
+  int undone_ = 0;
+  int repeated_ = 0;
   std::size_t boxes_seen_ = 0;
   QObject timers_;
 };
@@ -316,6 +365,7 @@ TEST_P(RandomEvents, NeverBringTheProgramIntoAWrongState) {
   Start();
   AddFaults();
   WatchMarks();
+  WatchSteps();
   KeptOpen keptOpen(desktop->main);
   dialogs.cancelsFurther = true;
   // A path typed at random would leave the program without definitions, and most of the run without work.
@@ -337,12 +387,14 @@ TEST_P(RandomEvents, NeverBringTheProgramIntoAWrongState) {
   EXPECT_GE(checks_, 100);
   EXPECT_GE(edits_, 5);
   EXPECT_GE(questions_, 5);
+  EXPECT_GE(undone_, 5);
+  EXPECT_GE(repeated_, 1);
   EXPECT_GE(line->openings, 1000);
   keptOpen.Release();
   EXPECT_TRUE(desktop->main.close());
   std::cout << "checks " << checks_ << ", edits " << edits_ << ", waits for answers " << questions_
-            << ", boxes " << boxes_seen_ << ", telegrams " << line->openings << ", deepest " << deepest_
-            << '\n';
+            << ", undone " << undone_ << ", repeated " << repeated_ << ", boxes " << boxes_seen_
+            << ", telegrams " << line->openings << ", deepest " << deepest_ << '\n';
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomEvents, testing::Values(1U, 2U));

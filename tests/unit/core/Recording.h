@@ -22,9 +22,10 @@ inline ParameterRecord WithoutPadding(ParameterRecord record) {
 }
 
 /// The first difference between the tables of two modules, their marks aside; "" when there is none.
-/// Blanks at the ends of texts count unless `padding` is false.
-inline QString TableDifference(const Module1& left, const Module1& right, bool padding = true) {
-  for (int i = 0; i <= kLastParameter; ++i) {
+/// Blanks at the ends of texts count unless `padding` is false, and of the slots those up to `last`.
+inline QString TableDifference(const Module1& left, const Module1& right, bool padding = true,
+                               int last = kLastParameter) {
+  for (int i = 0; i <= last; ++i) {
     if (left.Par[i] != right.Par[i] &&
         (padding || WithoutPadding(left.Par[i]) != WithoutPadding(right.Par[i])))
       return u"Par[%1]"_s.arg(i);

@@ -120,6 +120,15 @@ TEST(StoredColumns, WhatCannotBeReadChangesNothing) {
   }
 }
 
+TEST(StoredColumns, TheLastOneGoesOnFillingTheTable) {
+  Columns columns;
+  columns.header.setStretchLastSection(true);
+  columns.Load(u"3:1440 0:1440 1:1440 2:1440"_s);
+  columns.table.resize(1500, 300);
+  columns.table.show();
+  EXPECT_EQ(columns.header.length(), columns.table.viewport()->width());
+}
+
 TEST(StoredColumns, NoColumnGetsTooNarrowToBeTakenHoldOf) {
   Columns columns;
   columns.Load(u"0:1 1:1440 2:1440 3:1440"_s);

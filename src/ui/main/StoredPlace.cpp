@@ -113,7 +113,9 @@ void LoadColumns(QHeaderView& header, const platform::SettingsStore& settings, c
     // A column must stay wide enough to be taken hold of, and narrow enough for its end to be reached.
     const int width = std::clamp(Pixels(header, column.width_twips), header.minimumSectionSize(),
                                  header.maximumSectionSize());
-    if (column.width_twips > 0) header.resizeSection(column.number, width);
+    // One that fills what is left has no width of its own.
+    const bool fills = header.stretchLastSection() && position == header.count();
+    if (column.width_twips > 0 && !fills) header.resizeSection(column.number, width);
   }
   if (stored->sorted >= 0 && header.isSortIndicatorShown())
     header.setSortIndicator(stored->sorted, stored->order);

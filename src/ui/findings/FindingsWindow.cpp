@@ -1,11 +1,12 @@
 #include "ui/findings/FindingsWindow.h"
 
 #include <QAbstractTableModel>
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStyle>
 #include <QTime>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -46,12 +47,14 @@ class FindingsModel final : public QAbstractTableModel {
     switch (role) {
       case Qt::DisplayRole:
         return TextOf(finding, index.column());
-      case Qt::ToolTipRole:
-        return finding.text;
+      case Qt::DecorationRole:
+        if (index.column() != Severity) return {};
+        return QApplication::style()->standardIcon(finding.error ? QStyle::SP_MessageBoxCritical
+                                                                 : QStyle::SP_MessageBoxWarning);
       case Qt::UserRole:
         return index.column() == Line ? QVariant(finding.line) : QVariant(TextOf(finding, index.column()));
       case Qt::TextAlignmentRole:
-        return QVariant(Qt::AlignTop | (index.column() == Line ? Qt::AlignRight : Qt::AlignLeft));
+        return QVariant(Qt::AlignVCenter | (index.column() == Line ? Qt::AlignRight : Qt::AlignLeft));
       default:
         return {};
     }
@@ -110,8 +113,8 @@ FindingsWindow::FindingsWindow(Check check, const platform::EventGuard& guard,
   layout->addWidget(table_);
   layout->addWidget(checked_);
   BuildButtons(guard);
-  constexpr int characters = 100;
-  constexpr int lines = 24;
+  constexpr int characters = 120;
+  constexpr int lines = 28;
   resize(fontMetrics().averageCharWidth() * characters, fontMetrics().lineSpacing() * lines);
   LoadPlace(*this, settings_, PlaceKey());
 }
@@ -144,7 +147,7 @@ void FindingsWindow::BuildTable() {
   const int character = fontMetrics().averageCharWidth();
   columns->resizeSection(FindingsModel::File, 20 * character);
   columns->resizeSection(FindingsModel::Line, 9 * character);
-  columns->resizeSection(FindingsModel::Severity, 13 * character);
+  columns->resizeSection(FindingsModel::Severity, 16 * character);
   LoadColumns(*columns, settings_, ColumnsKey());
   // Texts wrap, so that all of them can be read. Dragging a column resizes many times between two paintings.
   auto* fitRows = new QTimer(this);
@@ -213,7 +216,7 @@ void FindingsWindow::Copy() const {
       cells.push_back({sorted_->index(row, column).data().toString(), column == FindingsModel::Line});
     });
   }
-  QGuiApplication::clipboard()->setText(ClipboardText(copied));
+  QApplication::clipboard()->setText(ClipboardText(copied));
 }
 
 void FindingsWindow::hideEvent(QHideEvent* event) {

@@ -62,6 +62,8 @@ TEST_F(HelpTest, WindowsOfTheToolkitHaveTheirPages) {
   EXPECT_EQ(ui::ManualPageOf(open), u"wertedateien"_s);
   const QFileDialog browse(nullptr, u"Parameterfile"_s);
   EXPECT_EQ(ui::ManualPageOf(browse), u"optionen#dateien"_s);
+  const QFileDialog exported(nullptr, u"Exportieren"_s);
+  EXPECT_EQ(ui::ManualPageOf(exported), u"parameterliste"_s);
   const QWidget unknown;
   EXPECT_EQ(ui::ManualPageOf(unknown), u"index"_s);
 }

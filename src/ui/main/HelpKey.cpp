@@ -30,6 +30,7 @@ const QHash<QString, QString>& Pages() {
 
 QString PageOfWindow(const QWidget& window) {
   if (const auto* files = qobject_cast<const QFileDialog*>(&window)) {
+    if (files->windowTitle() == u"Exportieren") return u"parameterliste"_s;
     return files->windowTitle() == u"Parameterfile" ? u"optionen#dateien"_s : u"wertedateien"_s;
   }
   QString page = Pages().value(window.objectName());

@@ -1,6 +1,7 @@
 // What a program on this system is put together from.
 #pragma once
 
+#include <QDir>
 #include <QString>
 #include <cerrno>
 #include <iostream>
@@ -21,6 +22,14 @@ using SerialControl = PosixSerialControl;
 
 /// The folder of the manual, seen from that of the program.
 inline constexpr QStringView kManual = u"../share/doc/kalivor/handbuch";
+
+/// The user's folder for what the program keeps for itself between two runs. Nothing is made.
+[[nodiscard]] inline QString StateFolder() {
+  const QString states = qEnvironmentVariable("XDG_STATE_HOME");
+  const QString folder =
+      QDir::isAbsolutePath(states) ? states : QDir::homePath() + QStringLiteral("/.local/state");
+  return folder + QStringLiteral("/KALIVOR");
+}
 
 /// The toolkit's platform that paints where there is no display.
 inline constexpr const char* kPaintingPlatform = "offscreen";

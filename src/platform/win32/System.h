@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <QStandardPaths>
 #include <cstdio>
 
 #include "platform/win32/SerialPorts.h"
@@ -28,6 +29,12 @@ using platform::ShowRefusal;
 
 /// The folder of the manual, seen from that of the program.
 inline constexpr QStringView kManual = u"handbuch";
+
+/// The user's folder for what the program keeps for itself between two runs: that of the settings. Nothing is
+/// made.
+[[nodiscard]] inline QString StateFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/KALIVOR");
+}
 
 /// The toolkit's platform that paints without a window: the one that knows the system's fonts.
 inline constexpr const char* kPaintingPlatform = "windows";

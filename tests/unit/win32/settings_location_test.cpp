@@ -7,6 +7,7 @@
 
 #include "fakes/QtPrinters.h"
 #include "platform/plain/IniSettingsStore.h"
+#include "platform/win32/System.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +27,13 @@ TEST(SettingsLocation, IsNamedAfterTheProgram) {
   const QString own = folder + u"/KALIVOR/KALIVOR.ini"_s;
   EXPECT_TRUE(QFileInfo::exists(own)) << own.toStdString();
   EXPECT_EQ(IniSettingsStore(own).Get(u"Settings"_s, u"Adresse"_s, u""_s), u"17"_s);
+}
+
+TEST(StateLocation, IsThatOfTheSettings) {
+  QStandardPaths::setTestModeEnabled(true);
+  const auto restore = qScopeGuard([] { QStandardPaths::setTestModeEnabled(false); });
+  EXPECT_EQ(native::StateFolder(),
+            QDir::fromNativeSeparators(qEnvironmentVariable("LOCALAPPDATA")) + u"/qttest/KALIVOR"_s);
 }
 
 }  // namespace

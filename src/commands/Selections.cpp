@@ -116,15 +116,13 @@ int MarkSelection(Module1& module, const Selection& selection) {
     module.ParNode[i] = kFalse;
   int missing = 0;
   for (const SelectedParameter& parameter : selection.parameters) {
-    const auto [first, last] = indices.equal_range(parameter.Variable);
-    const auto named = [&](int index) {
-      return parameter.VarAdresse ? module.Par[index].VarAdresse == *parameter.VarAdresse
-                                  : std::next(first) == last;
-    };
+    const QList<int> candidates = indices.values(parameter.Variable);
     bool found = false;
-    for (auto index = first; index != last; ++index) {
-      if (!named(*index)) continue;
-      module.ParNode[*index] = kTrue;
+    for (const int index : candidates) {
+      const bool named = parameter.VarAdresse ? module.Par[index].VarAdresse == *parameter.VarAdresse
+                                              : candidates.size() == 1;
+      if (!named) continue;
+      module.ParNode[index] = kTrue;
       found = true;
     }
     if (!found) ++missing;
@@ -169,7 +167,7 @@ Selections::Listed Selections::Names() {
   Listed listed{{}, content.error};
   for (const Selection& selection : content.selections)
     listed.names.append(selection.name);
-  QCollator german(QLocale(QLocale::German));
+  QCollator german{QLocale(QLocale::German)};
   german.setCaseSensitivity(Qt::CaseInsensitive);
   german.setNumericMode(true);
   std::ranges::sort(listed.names, german);

@@ -22,7 +22,9 @@ WindowSite::WindowSite(int parameters) {
                                                     dialogs,
                                                     help,
                                                     [](int) { return QString(); },
-                                                    [] {}},
+                                                    [] {},
+                                                    {},
+                                                    {}},
                                           run);
   desktop->Start();
   desktop->main.show();

@@ -53,7 +53,6 @@ void Reset(World& world) {
   }
   module.Dateiname = u"old"_s;
   world.box.texts.clear();
-  world.files.files.clear();
 }
 
 bool Same(const KeptTable& left, const KeptTable& right) {
@@ -102,7 +101,7 @@ void RecoveryFile(QByteArrayView input) {
   static const std::unique_ptr<World> made = MakeWorld();
   static const QDateTime now(QDate(2026, 11, 22), QTime(12, 0), Qt::UTC);
   World& world = *made;
-  Reset(world);
+  world.files.files.clear();
   const QByteArray bytes = input.toByteArray();
   world.files.files[kPath] = bytes;
   Recovery recovery(world.files, {kFolder, [](const QString&) { return true; }, [] { return now; }});
@@ -121,7 +120,8 @@ void RecoveryFile(QByteArrayView input) {
   const std::optional<KeptTable> again = ParseKeptTable(ComposeKeptTable(*parsed));
   Require(again.has_value() && Same(*again, *parsed), "what is written reads back the same");
   Require(parsed->UnsavedCount() > 0, "there is something to restore");
-  Require(RecoveryCaption(*parsed, now).startsWith(u"Wieder&herstellen: "), "the item has a caption");
+  Require(RecoveryText(*parsed, now).contains(u"Wert"), "there is something to offer");
+  Reset(world);
   CheckRestoring(world, *parsed);
   Require(recovery.Keep(*parsed).isEmpty(), "it can be kept again");
   Require(ParseKeptTable(world.files.files.value(kPath)).has_value(), "and read again");

@@ -190,9 +190,8 @@ QByteArray ComposeKeptTable(const KeptTable& kept) {
       .toJson();
 }
 
-QString RecoveryCaption(const KeptTable& kept, const QDateTime& now) {
-  return u"Wieder&herstellen: "_s + CountText(kept.UnsavedCount()) + u' ' +
-         DayAndTime(kept.time.toTimeZone(now.timeZone()), now);
+QString RecoveryText(const KeptTable& kept, const QDateTime& now) {
+  return CountText(kept.UnsavedCount()) + u' ' + DayAndTime(kept.time.toTimeZone(now.timeZone()), now);
 }
 
 bool RestoreTable(const FileCommandContext& context, const KeptTable& kept,

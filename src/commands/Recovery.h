@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -33,8 +34,8 @@ struct KeptTable {
 [[nodiscard]] std::optional<KeptTable> ParseKeptTable(const QByteArray& bytes);
 [[nodiscard]] QByteArray ComposeKeptTable(const KeptTable& kept);
 
-/// "Wiederherstellen: 12 Werte von gestern 16:40", with the mnemonic of the menu item.
-[[nodiscard]] QString RecoveryCaption(const KeptTable& kept, const QDateTime& now);
+/// "12 Werte von gestern 16:40": how many are unsaved, and when they were.
+[[nodiscard]] QString RecoveryText(const KeptTable& kept, const QDateTime& now);
 
 /// Makes the table what it was: selects version and plant type where they differ, gives the parameters their
 /// values (ValueSource::Recovered) and rebuilds the tree; open editors are closed. The current file is the
@@ -47,13 +48,14 @@ bool RestoreTable(const FileCommandContext& context, const KeptTable& kept,
 
 /// The world that recovery works in.
 struct RecoveryWorld {
-  QString folder;  ///< of the user's state; empty: nothing is kept. It need not exist.
+  QString folder = {};  ///< of the user's state; empty: nothing is kept. It need not exist.
 
   /// Makes `path` this program's until its end, and the folder if it is missing; false where another program
   /// has it.
-  std::function<bool(const QString& path)> take;
+  std::function<bool(const QString& path)> take = {};
 
-  std::function<QDateTime()> now;
+  std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); };
+  std::chrono::milliseconds rest{2000};  ///< how long a change rests before it is written
 };
 
 /// The file of what is unsaved. Each running program has one of its own, which it takes when it first needs
@@ -78,7 +80,6 @@ class Recovery {
   /// told of a failure: the first time only, else "".
   [[nodiscard]] QString Keep(const KeptTable& kept, bool ends = false);
 
-  [[nodiscard]] QDateTime Now() const { return world_.now(); }
   [[nodiscard]] bool Works() const { return !world_.folder.isEmpty(); }
 
  private:

@@ -329,13 +329,13 @@ bool ChangeLog::Changed(int index) const {
 bool ChangeLog::Unsaved(int index) const {
   const ParameterRecord& record = module_.Par[index];
   const SavedValue& saved = saved_[static_cast<std::size_t>(index)];
-  return record.Typ != saved.typ || !SameValue(record, saved.value, {record.Wert, record.WertText});
+  return record.Typ != saved.typ || !SameUnpadded(saved.value, ValueOf(record));
 }
 
 void ChangeLog::TakeAsSaved(int index) {
   ++revision_;
   const ParameterRecord& record = module_.Par[index];
-  saved_[static_cast<std::size_t>(index)] = {{record.Wert, record.WertText}, record.Typ};
+  saved_[static_cast<std::size_t>(index)] = {ValueOf(record), record.Typ};
 }
 
 int ChangeLog::Outside() const {

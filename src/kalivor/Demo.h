@@ -28,6 +28,9 @@ class Demo {
   /// A settings file for this run alone.
   [[nodiscard]] QString SettingsFile() const { return settings_.filePath(QStringLiteral("KALIVOR.ini")); }
 
+  /// The folder of everything else that the program writes for itself in this run.
+  [[nodiscard]] QString StateFolder() const { return settings_.path(); }
+
  private:
   struct Controller;
 

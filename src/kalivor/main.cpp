@@ -13,6 +13,7 @@
 #include "kalivor/Arguments.h"
 #include "kalivor/Demo.h"
 #include "kalivor/System.h"
+#include "platform/plain/FileLocks.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/plain/LastResort.h"
 #include "platform/plain/StoredDevices.h"
@@ -65,6 +66,10 @@ struct Process {
     return system;
   }
 
+  [[nodiscard]] QString StateFolder() const {
+    return demo != nullptr ? demo->StateFolder() : platform::native::StateFolder();
+  }
+
   Demo* demo;
   platform::IniSettingsStore settings;
   platform::QtMessageBox box;
@@ -74,6 +79,7 @@ struct Process {
   platform::native::Clock clock;
   platform::QtEvents events;
   platform::QtFileDialogs dialogs;
+  platform::FileLocks locks;
   platform::ManualHelp help{
       platform::ManualFolders(QCoreApplication::applicationDirPath(), platform::native::kManual),
       QDesktopServices::openUrl};
@@ -147,6 +153,8 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
       process.help,
       [&process](int number) { return process.ShownDevice(number); },
       [&printing] { printing->Print(); },
+      QFileInfo(process.settings.Path()).absoluteDir().filePath(u"Auswahlen.json"_s),
+      {process.StateFolder(), [&process](const QString& path) { return process.locks.Take(path); }},
       [&printing](const ListTable& table) { return print::TablePdf(table, printing->Labels()); },
       [&printing](const ListTable& table) {
         print::AskAndPrintTable(u"Parameterliste"_s, table, printing->Labels());

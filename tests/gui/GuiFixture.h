@@ -159,7 +159,9 @@ class GuiTest : public testing::Test {
                                                       dialogs,
                                                       help,
                                                       [this](int number) { return devices.value(number); },
-                                                      {}},
+                                                      {},
+                                                      u"/einstellungen/Auswahlen.json"_s,
+                                                      recovery},
                                             run);
   }
 
@@ -247,6 +249,7 @@ class GuiTest : public testing::Test {
   FakeFileDialogs dialogs;
   FakeHelp help;
   QMap<int, QString> devices;  ///< behind the port numbers
+  RecoveryWorld recovery;      ///< nothing is kept
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

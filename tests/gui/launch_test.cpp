@@ -74,11 +74,23 @@ class LaunchTest : public GuiTest, public QObject {
 
 TEST_F(LaunchTest, SplashMainWindowDefinitionsPortShowUnload) {
   ui::frmSplash splash;
-  desktop = ui::Launch(
-      splash,
-      ui::World{
-          toldSettings, box, toldFiles, *line, clock, events, u"/programm"_s, {}, {}, dialogs, help, {}, {}},
-      {}, [this](ui::Desktop&) { Note(u"loaded"_s); });
+  desktop = ui::Launch(splash,
+                       ui::World{toldSettings,
+                                 box,
+                                 toldFiles,
+                                 *line,
+                                 clock,
+                                 events,
+                                 u"/programm"_s,
+                                 {},
+                                 {},
+                                 dialogs,
+                                 help,
+                                 {},
+                                 {},
+                                 {},
+                                 {}},
+                       {}, [this](ui::Desktop&) { Note(u"loaded"_s); });
   EXPECT_EQ(steps, (QStringList{u"frmSplash shown 0"_s, u"settings 0"_s, u"loaded 0"_s, u"definitions 0"_s,
                                 u"frmMain shown 1"_s, u"frmSplash closed 1"_s}));
   EXPECT_FALSE(splash.isVisible());

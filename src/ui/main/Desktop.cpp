@@ -10,6 +10,11 @@
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
+namespace {
+
+const QString kRestoreItem = u"mnuWerkzeugeWiederherstellen"_s;
+
+}  // namespace
 
 Desktop::Desktop(const World& theWorld, const RunSettings& run)
     : world(theWorld),
@@ -37,7 +42,13 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   main.OnOutside = [this] {
     if (ShowList) ShowList(true);
   };
-  main.OnUnload = [this] { StoreSettings(); };
+  main.OnUnload = [this] {
+    EndRecovery();
+    StoreSettings();
+  };
+  rest_.setSingleShot(true);
+  rest_.setInterval(world.recovery.rest);
+  QObject::connect(&rest_, &QTimer::timeout, &main, [this] { KeepUnsaved(); });
   LoadMain(run);
 }
 
@@ -63,6 +74,7 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeRueckgaengig"_s, [this] { undo.Undo(); }},
       {u"mnuWerkzeugeWiederholen"_s, [this] { undo.Redo(); }},
       {u"mnuWerkzeugePruefen"_s, [this] { ShowFindings(); }},
+      {kRestoreItem, [this] { Restore(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -113,6 +125,8 @@ void Desktop::LoadMain(const RunSettings& run) {
 // The table as it is by then is where undo ends.
 void Desktop::Start() {
   Run([this] { StartUp(core); });
+  Tell(recovery.Load());
+  OfferRecovery();
 }
 
 bool Desktop::Run(const std::function<void()>& handler) {
@@ -128,6 +142,7 @@ void Desktop::Settled() {
     OfferItem(main, u"mnuWerkzeugeRueckgaengig"_s, undo.UndoName());
     OfferItem(main, u"mnuWerkzeugeWiederholen"_s, undo.RedoName());
     main.ShowOutside(changes.Outside());
+    if (recovery.Works()) rest_.start();
   }
 }
 
@@ -135,9 +150,45 @@ void Desktop::StoreSettings() {
   main.SavePlace(world.settings);
   // What the command line set for this run is not stored, unless the user has changed it since.
   SaveSettings(SettingsToStore(module, begun_, stored_), world.settings);
-  const QString error = world.settings.Flush();
+  Tell(world.settings.Flush());
+}
+
+void Desktop::Tell(const QString& failure) {
   // Nobody answers a box any more when the session ends.
-  if (!error.isEmpty() && !main.EndsSession()) world.box.Show(error);
+  if (!failure.isEmpty() && !main.EndsSession()) world.box.Show(failure);
+}
+
+KeptTable Desktop::Kept() const {
+  return KeptTableOf(
+      module, [this](int index) { return changes.Unsaved(index); }, world.recovery.now());
+}
+
+void Desktop::KeepUnsaved() {
+  if (module.BusyDepth > 0) {
+    rest_.start();
+    return;
+  }
+  guard([this] { Tell(recovery.Keep(Kept())); });
+}
+
+void Desktop::EndRecovery() {
+  if (!recovery.Works()) return;
+  const KeptTable kept = Kept();
+  // What has rested is kept already, with its time.
+  if (rest_.isActive() || kept.UnsavedCount() == 0) Tell(recovery.Keep(kept, true));
+  rest_.stop();
+}
+
+void Desktop::OfferRecovery() {
+  const std::optional<KeptTable>& offered = recovery.Offered();
+  OfferItem(main, kRestoreItem, offered ? RecoveryText(*offered, world.recovery.now()) : QString());
+}
+
+void Desktop::Restore() {
+  if (module.BusyDepth > 0 || !recovery.Offered()) return;
+  if (!RestoreTable(files, *recovery.Offered(), [this](int index) { changes.TakeAsSaved(index); })) return;
+  recovery.ForgetOffered();
+  OfferRecovery();
 }
 
 void Desktop::ShowAbout() {

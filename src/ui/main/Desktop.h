@@ -1,12 +1,15 @@
 // The desktop program without the process around it: tables, windows and commands wired together.
 #pragma once
 
+#include <QTimer>
 #include <functional>
 #include <memory>
 
 #include "comm/TH.h"
 #include "commands/EventBoundary.h"
 #include "commands/FileCommands.h"
+#include "commands/Recovery.h"
+#include "commands/Selections.h"
 #include "commands/SettingsTable.h"
 #include "core/ListTable.h"
 #include "core/Report.h"
@@ -43,6 +46,8 @@ struct World {
   platform::Help& help;
   std::function<QString(int number)> deviceOfPort;  ///< "" when there is none
   std::function<void()> print;                      ///< the Print command; empty: its item is disabled
+  QString selectionsFile;                           ///< path of the named selections
+  RecoveryWorld recovery;                           ///< of what is unsaved
   std::function<QByteArray(const ListTable& table)> tablePdf{};  ///< a document of the printed table
   std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
 };
@@ -80,6 +85,8 @@ struct Desktop {
   Wiring wiring;
   Core& core = wiring.core;
   FileCommandContext files;
+  Selections selections{world.files, world.selectionsFile};
+  Recovery recovery{world.files, world.recovery};
   frmOptions options;
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
@@ -91,6 +98,15 @@ struct Desktop {
   void Add(Form& form, bool disabledWhileBusy);
   void LoadMain(const RunSettings& run);
   void StoreSettings();
+
+  [[nodiscard]] KeptTable Kept() const;
+  void KeepUnsaved();
+  void EndRecovery();
+  void OfferRecovery();
+  void Restore();
+  /// A failure of the program's own files, unless there is none or nobody to read it.
+  void Tell(const QString& failure);
+
   void ShowAbout();
   void ShowOptions(int page);
   void ShowFindings();
@@ -100,6 +116,7 @@ struct Desktop {
   Settings stored_;   // before the command line's were taken over
   Settings begun_;    // after that
   int settled_ = -1;  // the revision of the table that the windows show
+  QTimer rest_;       // runs while a change waits to be kept
 };
 
 /// Starts the program, in the order that the user sees: shows the splash screen, loads the main window

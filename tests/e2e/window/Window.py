@@ -133,7 +133,8 @@ class Program:
         at the end; without one the program has a new one. `messages` are the boxes before the window."""
         self._own_folder = settings_folder is None
         self.settings_folder = settings_folder or tempfile.mkdtemp(prefix="kalivor-settings-")
-        environment = dict(os.environ, XDG_CONFIG_HOME=self.settings_folder)
+        environment = dict(os.environ, XDG_CONFIG_HOME=self.settings_folder,
+                           XDG_STATE_HOME=self.settings_folder)
         # Whoever turns to the network is killed; the display is reached by a local socket.
         command = [os.environ["KALIVOR_WITHOUT_NETWORK"], os.environ["KALIVOR"], *arguments]
         command += ["--ini-path", ini_path] if ini_path else []

@@ -144,17 +144,17 @@ TEST(RecoveryFile, RefusesEverythingElse) {
   EXPECT_FALSE(ParseKeptTable(ComposeKeptTable(Table({1}, kLastParameter + 1)))) << "no table is that long";
 }
 
-TEST(RecoveryFile, TheCaptionTellsHowManyAndWhen) {
+TEST(RecoveryFile, TheTextTellsHowManyAndWhen) {
   const KeptTable kept = Table({0, 2});
-  const auto caption = [&](const QString& now) { return RecoveryCaption(kept, At(now)); };
-  EXPECT_EQ(caption(u"2026-11-12T23:59:59+01:00"_s), u"Wieder&herstellen: 2 Werte von heute 16:40");
-  EXPECT_EQ(caption(u"2026-11-13T00:00:00+01:00"_s), u"Wieder&herstellen: 2 Werte von gestern 16:40");
-  EXPECT_EQ(caption(u"2026-11-14T00:00:00+01:00"_s), u"Wieder&herstellen: 2 Werte vom 12.11.2026 16:40");
-  EXPECT_EQ(caption(u"2026-11-13T00:30:00+09:00"_s), u"Wieder&herstellen: 2 Werte von heute 00:40")
+  const auto text = [&](const QString& now) { return RecoveryText(kept, At(now)); };
+  EXPECT_EQ(text(u"2026-11-12T23:59:59+01:00"_s), u"2 Werte von heute 16:40");
+  EXPECT_EQ(text(u"2026-11-13T00:00:00+01:00"_s), u"2 Werte von gestern 16:40");
+  EXPECT_EQ(text(u"2026-11-14T00:00:00+01:00"_s), u"2 Werte vom 12.11.2026 16:40");
+  EXPECT_EQ(text(u"2026-11-13T00:30:00+09:00"_s), u"2 Werte von heute 00:40")
       << "as the clock on the wall shows it now";
-  EXPECT_EQ(caption(u"2026-11-11T12:00:00+01:00"_s), u"Wieder&herstellen: 2 Werte vom 12.11.2026 16:40")
+  EXPECT_EQ(text(u"2026-11-11T12:00:00+01:00"_s), u"2 Werte vom 12.11.2026 16:40")
       << "the clock was set back";
-  EXPECT_EQ(RecoveryCaption(Table({1}), kept.time), u"Wieder&herstellen: 1 Wert von heute 16:40");
+  EXPECT_EQ(RecoveryText(Table({1}), kept.time), u"1 Wert von heute 16:40");
 }
 
 // --- what is written when ---

@@ -175,6 +175,7 @@ class Bench:
         parameters = (250, 500, 1000, 2000)
         self.growth("tree rebuilt and painted", best, fits, "TreeCollapsed", parameters, "parameters", [(2000, 15)])
         self.growth("the same, expanded", best, fits, "TreeExpanded", parameters, "parameters", [(2000, 15)])
+        self.growth("taking back a receive", best, fits, "Undo", parameters, "parameters", [(2000, 10)])
         self.growth("report, Add", best, fits, "ReportAdd", (1250, 2500, 5000, 10000), "lines")
         self.growth("report, AddC", best, fits, "ReportAddC", (12500, 25000, 50000, 100000), "dots")
         for work, name, limit_ms in (("PDF of 60 pages", "Pdf", 200), ("preview, turning a page", "PreviewTurn", 16)):

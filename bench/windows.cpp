@@ -32,6 +32,25 @@ void TreeExpanded(benchmark::State& state) {
 BENCHMARK(TreeCollapsed)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
 BENCHMARK(TreeExpanded)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
 
+// A receive of all parameters taken back, and done again, until the window is painted.
+void Undo(benchmark::State& state) {
+  WindowSite site(static_cast<int>(state.range(0)));
+  ui::Desktop& desktop = *site.desktop;
+  desktop.guard([&] {
+    for (int i = 1; i < desktop.module.ParCount; ++i)
+      desktop.module.SetNumber(i, desktop.module.Par[i].Wert + 1, ValueSource::Received);
+    Refresh(desktop.core, 2);
+  });
+  bool undo = true;
+  for (auto _ : state) {
+    desktop.guard([&] { undo ? desktop.undo.Undo() : desktop.undo.Redo(); });
+    undo = !undo;
+    site.Repaint();
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(Undo)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
 // Lines of a report that is shown, each painted at once.
 void ReportAdd(benchmark::State& state) {
   WindowSite site(1);

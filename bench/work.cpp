@@ -6,6 +6,7 @@
 
 #include "WindowSite.h"
 #include "commands/TransferCommands.h"
+#include "core/ChangeLog.h"
 #include "core/Refresh.h"
 #include "sim/SimulatedLine.h"
 #include "ui/about/frmSplash.h"
@@ -26,7 +27,7 @@ bool Start(int argc, char** argv) {
   return site.desktop->module.ParCount == kLastParameter + 1;
 }
 
-// All parameters over a line in virtual time.
+// All parameters over a line in virtual time, recorded as one step.
 bool ReceiveAll() {
   test::FakeClock clock;
   sim::Memory memory;
@@ -38,7 +39,10 @@ bool ReceiveAll() {
   site.files.files[kDefinitions] = DefinitionFile(kLastParameter);
   site.Start();
   (void)site.controller.Configure(kSlot, kSettings9600);
+  ChangeLog changes(site.module);
+  changes.Begin();
   const TransferOutcome outcome = CommandEmpfangen_Click(site.core);
+  changes.End();
   return outcome.transferred && outcome.walk.Failures() == 0;
 }
 

@@ -62,7 +62,7 @@ QString AskForFile(const ExportContext& context, const KindOfFile& kind) {
 }  // namespace
 
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind) {
-  const QString path = AskForFile(context, FileOf(kind));
+  QString path = AskForFile(context, FileOf(kind));
   if (path.isEmpty()) return {};
   const QByteArray content = ContentOf(context, table, kind);
   const QString error = content.isEmpty() ? u"Das PDF-Dokument lässt sich nicht erzeugen."_s

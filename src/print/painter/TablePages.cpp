@@ -135,7 +135,7 @@ QString NumberOf(std::size_t page, std::size_t pages) {
 QString TableFooter(const PageLabels& labels, const QString& number, double room_cm) {
   const auto all = static_cast<qsizetype>(room_cm / TextWidth_cm(1, kLargest_pt));
   const QString& path = labels.path;
-  const QString whole = FooterText(labels.date, number, path);
+  QString whole = FooterText(labels.date, number, path);
   if (whole.size() <= all || path.isEmpty()) return whole;
   const auto separator = std::find_if(path.rbegin(), path.rend(), IsSeparator);
   const QString file(separator.base(), path.end() - separator.base());

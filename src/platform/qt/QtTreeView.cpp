@@ -71,6 +71,12 @@ void QtTreeView::SetExpanded(int node, bool expanded) {
   widget_.setExpanded(Index(node), expanded);
 }
 
+void QtTreeView::GoTo(int node) {
+  TreeView::GoTo(node);
+  widget_.setCurrentIndex(Index(node));
+  widget_.scrollTo(Index(node));
+}
+
 void QtTreeView::UserExpanded(const QModelIndex& index, bool expanded) {
   if (silent_) return;
   const int node = NodeOf(index);

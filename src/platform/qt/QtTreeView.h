@@ -25,6 +25,7 @@ class QtTreeView final : public QAbstractItemModel, public TreeView {
   void SetText(int node, const QString& text) override;
   void SetChecked(int node, bool checked) override;
   void SetExpanded(int node, bool expanded) override;
+  void GoTo(int node) override;
 
   /// Where a node is in the widget.
   [[nodiscard]] QModelIndex Index(int node) const;

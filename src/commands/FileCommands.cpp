@@ -8,8 +8,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-constexpr QStringView kFilter = u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*";
-
 bool Busy(const FileCommandContext& context) {
   return context.core.module.BusyDepth > 0;
 }
@@ -24,7 +22,7 @@ void MakeCurrent(const FileCommandContext& context, const QString& path) {
 }
 
 void SaveUnderNewName(const FileCommandContext& context, const QString& title) {
-  const QString path = context.CDlg.SaveFile(title, kFilter.toString());
+  const QString path = context.CDlg.SaveFile(title, kValueFileFilter.toString());
   if (path.isEmpty()) return;
   MakeCurrent(context, path);
   WriteValueFile(context.core);
@@ -39,7 +37,8 @@ bool OpenValueFile(const FileCommandContext& context, const QString& path) {
 
 void mnuFileOpen_Click(const FileCommandContext& context) {
   if (Busy(context)) return;
-  const QString path = context.CDlg.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kFilter.toString());
+  const QString path =
+      context.CDlg.OpenFile(u"Öffnen"_s, context.core.module.Userpath, kValueFileFilter.toString());
   if (!path.isEmpty()) OpenValueFile(context, path);
 }
 

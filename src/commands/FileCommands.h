@@ -15,6 +15,9 @@ struct FileCommandContext {
   std::function<void(const QString& path)> showFile;  ///< panel 2 of the status bar
 };
 
+/// What dialogs offer as value files.
+inline constexpr QStringView kValueFileFilter = u"MERVA Parameterfile (*.qpf)|*.qpf|Alle Dateien (*.*)|*.*";
+
 /// All return at once while an operation is under way.
 void mnuFileOpen_Click(const FileCommandContext& context);
 void mnuFileSave_Click(const FileCommandContext& context);

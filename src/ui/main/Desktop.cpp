@@ -1,6 +1,7 @@
 #include "ui/main/Desktop.h"
 
 #include "base/Paths.h"
+#include "commands/ExportCommands.h"
 #include "commands/MenuCommands.h"
 #include "commands/StartUp.h"
 #include "core/Busy.h"
@@ -39,9 +40,7 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   reportDialog.Connect(report, guard, world.printText);
   ConnectOptions();
   main.SetMenuActions(Actions());
-  main.OnOutside = [this] {
-    if (ShowList) ShowList(true);
-  };
+  main.OnOutside = [this] { ShowList(&ParameterListWindow::OpenOutside); };
   main.OnUnload = [this] {
     EndRecovery();
     StoreSettings();
@@ -71,8 +70,10 @@ MenuActions Desktop::Actions() {
       {u"mnuOptioenSchnittstelle"_s, [this] { ShowOptions(0); }},
       {u"mnuOptioenRegler"_s, [this] { ShowOptions(1); }},
       {u"mnuOptioenFiles"_s, [this] { ShowOptions(2); }},
-      {u"mnuWerkzeugeRueckgaengig"_s, [this] { undo.Undo(); }},
-      {u"mnuWerkzeugeWiederholen"_s, [this] { undo.Redo(); }},
+      {u"mnuWerkzeugeListe"_s, [this] { ShowList(&ParameterListWindow::Open); }},
+      {u"mnuWerkzeugeSuchen"_s, [this] { ShowList(&ParameterListWindow::OpenSearch); }},
+      {u"mnuWerkzeugeRueckgaengig"_s, [this] { TakeBack(&UndoStack::Undo); }},
+      {u"mnuWerkzeugeWiederholen"_s, [this] { TakeBack(&UndoStack::Redo); }},
       {u"mnuWerkzeugePruefen"_s, [this] { ShowFindings(); }},
       {kRestoreItem, [this] { Restore(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
@@ -105,6 +106,46 @@ void Desktop::ShowFindings() {
     Add(*findings, true);
   }
   findings->CheckAndShow();
+}
+
+void Desktop::ShowList(void (ParameterListWindow::*open)()) {
+  if (module.BusyDepth > 0) return;
+  if (!list) MakeList();
+  (*list.*open)();
+}
+
+void Desktop::MakeList() {
+  progress = std::make_unique<ProgressDialog>(module);
+  list = std::make_unique<ParameterListWindow>(ListWorld{core, world.dialogs, *progress, selections, guard,
+                                                         [this](int index) { return changes.Changed(index); },
+                                                         Exports()});
+  list->Load(world.settings);
+  progress->SetOwner(*list);
+  main.AddCompanion(*list, true);
+  main.AddCompanion(*progress, false);
+  // Their keys work there as well.
+  for (const QString& item : {u"mnuWerkzeugeListe"_s, u"mnuWerkzeugeSuchen"_s, u"mnuWerkzeugeRueckgaengig"_s,
+                              u"mnuWerkzeugeWiederholen"_s})
+    list->addAction(main.findChild<QAction*>(item));
+}
+
+std::vector<ListExport> Desktop::Exports() {
+  const auto toFile = [this](ExportKind kind) {
+    return [this, kind](const ListTable& table) {
+      ExportTable({world.files, world.box, world.dialogs, world.tablePdf}, table, kind);
+    };
+  };
+  std::vector<ListExport> exports{{u"exportCsv"_s, u"&CSV…"_s, toFile(ExportKind::Csv)},
+                                  {u"exportHtml"_s, u"&HTML…"_s, toFile(ExportKind::Html)}};
+  if (world.tablePdf) exports.push_back({u"exportPdf"_s, u"&PDF…"_s, toFile(ExportKind::Pdf)});
+  if (world.printTable) exports.push_back({u"exportPrint"_s, u"&Drucken…"_s, world.printTable});
+  return exports;
+}
+
+// What is being typed in the list would be stored behind the step.
+void Desktop::TakeBack(void (UndoStack::*step)()) {
+  if (list) list->CloseEditor();
+  (undo.*step)();
 }
 
 void Desktop::OpenFile(const QString& path) {
@@ -144,10 +185,12 @@ void Desktop::Settled() {
     main.ShowOutside(changes.Outside());
     if (recovery.Works()) rest_.start();
   }
+  if (list) list->Update();
 }
 
 void Desktop::StoreSettings() {
   main.SavePlace(world.settings);
+  if (list) list->Store(world.settings);
   // What the command line set for this run is not stored, unless the user has changed it since.
   SaveSettings(SettingsToStore(module, begun_, stored_), world.settings);
   Tell(world.settings.Flush());

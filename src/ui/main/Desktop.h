@@ -24,6 +24,8 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
+#include "ui/list/ParameterListWindow.h"
+#include "ui/list/ProgressDialog.h"
 #include "ui/main/HelpKey.h"
 #include "ui/main/UndoStack.h"
 #include "ui/main/frmMain.h"
@@ -68,9 +70,6 @@ struct Desktop {
   /// RuntimeError that escapes it; false then. `guard` does the same.
   bool Run(const std::function<void()>& handler);
 
-  /// Shows the parameter list, with those outside their limits alone if that is wanted; empty: there is none.
-  std::function<void(bool outsideOnly)> ShowList;
-
   World world;
   platform::EventGuard guard;
   Module1 module;
@@ -90,7 +89,9 @@ struct Desktop {
   frmOptions options;
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
-  std::unique_ptr<FindingsWindow> findings;  ///< made when it is first opened
+  std::unique_ptr<FindingsWindow> findings;   ///< made when it is first opened
+  std::unique_ptr<ProgressDialog> progress;   ///< made with the list
+  std::unique_ptr<ParameterListWindow> list;  ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -110,6 +111,10 @@ struct Desktop {
   void ShowAbout();
   void ShowOptions(int page);
   void ShowFindings();
+  void ShowList(void (ParameterListWindow::*open)());
+  void MakeList();
+  [[nodiscard]] std::vector<ListExport> Exports();
+  void TakeBack(void (UndoStack::*step)());
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();
 

@@ -22,6 +22,9 @@ const QHash<QString, QString>& Pages() {
                                              {u"frmOptions"_s, u"optionen"_s},
                                              {u"MDIFormPrint"_s, u"drucken"_s},
                                              {u"frmAbout"_s, u"info"_s},
+                                             {u"ParameterList"_s, u"parameterliste"_s},
+                                             {u"ProgressDialog"_s, u"parameterliste"_s},
+                                             {u"SelectionName"_s, u"parameterliste"_s},
                                              {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};

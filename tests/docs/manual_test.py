@@ -43,7 +43,7 @@ def literals(code):
 def fragments(literal):
     """What of a text has to be found: between its places for values and its line breaks."""
     text = literal.replace('\\"', '"').replace("\\\\", "\\")
-    for fragment in re.split(r"%\d|\\[nr]", text):
+    for fragment in re.split(r"%\d|\\[nrt]", text):
         yield " ".join(fragment.split()).removesuffix(" |")
 
 

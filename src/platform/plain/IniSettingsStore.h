@@ -12,7 +12,7 @@ namespace kalivor::platform {
 /// cannot be read, is damaged or is no file at all holds none, and the program starts with its defaults.
 class IniSettingsStore final : public SettingsStore {
  public:
-  /// The user's own file (~/.config/KALIVOR/KALIVOR.ini, on Windows %LOCALAPPDATA%\KALIVOR\KALIVOR.ini).
+  /// The user's own file: KALIVOR/KALIVOR.ini in ~/.config, on Windows in %LOCALAPPDATA%.
   IniSettingsStore();
 
   /// A file of the caller's choice.

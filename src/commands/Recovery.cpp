@@ -85,15 +85,15 @@ bool TakeValues(const QJsonArray& entries, KeptTable& kept) {
   QHash<QString, int> elements;
   for (const QJsonValue& entry : entries) {
     Fields fields(entry);
-    SetValue value;
-    value.Variable = fields.Text(kVariableKey);
-    value.Typ = fields.Text(kTypeKey);
-    value.VarAdresse = fields.Text(kAddressKey, QString());
-    value.element = elements[value.Variable]++;
-    value.value = {fields.Number(kNumberKey, 0), fields.Text(kTextKey, QString())};
+    const QString variable = fields.Text(kVariableKey);
+    const SetValue value{variable,
+                         FixedText<8>(fields.Text(kTypeKey)),
+                         fields.Text(kAddressKey, QString()),
+                         elements[variable]++,
+                         {fields.Number(kNumberKey, 0), fields.Text(kTextKey, QString())}};
     kept.unsaved.push_back(fields.Flag(kUnsavedKey));
     if (!fields.Good()) return false;
-    kept.set.values.push_back(std::move(value));
+    kept.set.values.push_back(value);
   }
   return kept.UnsavedCount() > 0;
 }

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <cstdlib>
 
 #include "fakes/QtPrinters.h"
 
@@ -30,14 +31,23 @@ TEST(FileLocks, OneProgramHasAFile) {
   EXPECT_TRUE(FileLocks().Take(path));
 }
 
+// The second program is this test once more, from its beginning where the system cannot copy a process: both
+// know the file from the environment.
 TEST(FileLocks, WhatAKilledProgramHadIsFree) {
+  const char* const kVariable = "KALIVOR_LOCKED_FILE";
   const QTemporaryDir folder;
-  QFile lock(folder.filePath(u"a.json.lock"_s));
-  ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-  // A process of that number cannot be.
-  lock.write("2147483646\nkalivor\n" + QSysInfo::machineHostName().toLocal8Bit() + "\n");
-  lock.close();
-  EXPECT_TRUE(FileLocks().Take(folder.filePath(u"a.json"_s)));
+  if (!qEnvironmentVariableIsSet(kVariable)) qputenv(kVariable, folder.filePath(u"a.json"_s).toUtf8());
+  const QString path = qEnvironmentVariable(kVariable);
+  EXPECT_EXIT(
+      {
+        FileLocks locks;
+        // Without the end of any life.
+        std::_Exit(locks.Take(path) ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+  qunsetenv(kVariable);
+  EXPECT_TRUE(QFile::exists(path + u".lock"_s));
+  EXPECT_TRUE(FileLocks().Take(path));
 }
 
 TEST(FileLocks, AFolderThatCannotBeMadeGivesNone) {

@@ -197,6 +197,7 @@ TYPED_TEST_P(TreeViewContract, OperationsOnMissingNodesAreRefused) {
     EXPECT_EQ(ThrownKind([&] { this->tree.SetChecked(node, true); }), bounds) << node;
     EXPECT_EQ(ThrownKind([&] { (void)this->tree.Expanded(node); }), bounds) << node;
     EXPECT_EQ(ThrownKind([&] { this->tree.SetExpanded(node, true); }), bounds) << node;
+    EXPECT_EQ(ThrownKind([&] { this->tree.GoTo(node); }), bounds) << node;
     EXPECT_EQ(ThrownKind([&] { (void)this->tree.FirstChild(node); }), bounds) << node;
     EXPECT_EQ(ThrownKind([&] { (void)this->tree.LastChild(node); }), bounds) << node;
   }

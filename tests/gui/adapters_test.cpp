@@ -225,6 +225,17 @@ TEST_F(QtTreeViewTest, ArrowKeysMoveWithoutOpening) {
   EXPECT_EQ(calls, (Calls{"expand 2", "collapse 2"}));
 }
 
+TEST_F(QtTreeViewTest, GoingToANodeExpandsWhatItLiesInAsTheUserDoes) {
+  widget.resize(400, 60);
+  tree.GoTo(9);
+  EXPECT_EQ(widget.currentIndex(), tree.Index(9));
+  EXPECT_EQ(calls, Calls{"expand 6"});
+  EXPECT_TRUE(tree.Expanded(6));
+  const QRect row = widget.visualRect(tree.Index(9));
+  EXPECT_GE(row.top(), 0);
+  EXPECT_LE(row.bottom(), widget.viewport()->height());
+}
+
 TEST_F(QtTreeViewTest, TheAsteriskExpandsEveryNodeOfTheBranch) {
   tree.SetExpanded(1, false);
   harness.Key(1, Qt::Key_Asterisk);

@@ -74,6 +74,8 @@ void QtTreeView::SetExpanded(int node, bool expanded) {
 void QtTreeView::GoTo(int node) {
   TreeView::GoTo(node);
   widget_.setCurrentIndex(Index(node));
+  // The rows that have come in by expanding count from the next layout on.
+  widget_.doItemsLayout();
   widget_.scrollTo(Index(node));
 }
 

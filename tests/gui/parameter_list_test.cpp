@@ -320,6 +320,7 @@ TEST_F(ParameterListTest, FiltersSayHowManyAndCombine) {
   EXPECT_EQ(Caption(u"filterChanged"_s), u"&geändert (2)"_s);
   EXPECT_EQ(CountLine(), u"7 von 7 · 1 außerhalb"_s);
   Filter(u"filterNonStandard"_s);
+  EXPECT_EQ(Caption(u"filterNonStandard"_s), u"✓ nicht Stan&dard (2)"_s);
   EXPECT_EQ(Numbers(), u"1 | 2"_s);
   Filter(u"filterChecked"_s);
   EXPECT_EQ(Numbers(), u"1"_s);
@@ -515,7 +516,7 @@ TEST_F(ParameterListTest, FilesThatAreNoneLeaveTheComparisonAsItIs) {
   ASSERT_EQ(boxes.size(), 3U);
   EXPECT_EQ(boxes[0].text, u"Fehler beim lesen von\r\n/leer.qpf\r\nDie Datei ist keine Wertedatei."_s);
   EXPECT_TRUE(boxes[1].text.startsWith(u"Fehler beim lesen von\r\n/fehlt.qpf\r\n"_s));
-  EXPECT_EQ(boxes[2].text, u"Unbekannte ReglerVersion: XXX-999.9"_s);
+  EXPECT_EQ(boxes[2].text, u"Fehler beim lesen von\r\n/fremd.qpf\r\nUnbekannte ReglerVersion: XXX-999.9"_s);
   EXPECT_EQ(Of<QComboBox>(u"comparison"_s).currentText(), u"Standardwerte"_s);
   EXPECT_EQ(Cell(0, ListColumn::Comparison), u"150.0"_s);
 }
@@ -566,6 +567,8 @@ TEST_F(ParameterListTest, ReadingTheControllerShowsItsProgressAndCanBeAborted) {
   Compare(3);
   events.onPending = nullptr;
   EXPECT_TRUE(seen);
+  EXPECT_EQ(Of<QLabel>(u"note"_s).text(), u"Abgebrochen; der Rest wurde nicht gelesen"_s);
+  EXPECT_EQ(Cell(6, ListColumn::Comparison), QString());
   EXPECT_FALSE(desktop->progress->isVisible());
   ExpectReady();
 }
@@ -723,6 +726,18 @@ TEST_F(ParameterListTest, RefusesWhatCannotBeAndSaysWhy) {
   EXPECT_EQ(Editor()->text(), u"99,1"_s);
   EditorKey(Qt::Key_Return);
   EXPECT_EQ(desktop->module.Par[4].Wert, 991);
+}
+
+TEST_F(ParameterListTest, ARefusedFirstKeyLeavesTheFieldAsItWas) {
+  StartWithList();
+  GoToCell(3);
+  TypeInto(View(), u"x"_s);
+  ASSERT_TRUE(Edits());
+  EXPECT_EQ(Reason(), u"keine Zahl"_s);
+  EXPECT_EQ(Editor()->text(), u"20.0"_s);
+  EXPECT_EQ(Editor()->selectedText(), u"20.0"_s);
+  Type(u"5"_s);
+  EXPECT_EQ(Editor()->text(), u"5"_s);
 }
 
 TEST_F(ParameterListTest, WhatIsNotCompleteIsNotLeftByEnter) {

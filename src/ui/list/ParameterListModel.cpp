@@ -43,8 +43,7 @@ ParameterListModel::Emphasis EmphasisOf(const ListRow& row, ListColumn column) {
     case ListColumn::Difference:
       return different ? Model::Different : Model::None;
     case ListColumn::State:
-      if (row.outside) return Model::Outside;
-      return different ? Model::Different : Model::None;
+      return row.outside ? Model::Outside : Model::None;
     default:
       return Model::None;
   }

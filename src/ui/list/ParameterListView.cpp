@@ -42,7 +42,7 @@ FirstColumn FirstOf(ListColumn column) {
     case ListColumn::Difference:
       return {12, false};
     case ListColumn::State:
-      return {22};
+      return {27};
     case ListColumn::Unit:
       return {8};
     case ListColumn::Minimum:

@@ -55,7 +55,9 @@ ParameterListWindow::ParameterListWindow(ListWorld world)
   setWindowTitle(u"Parameterliste"_s);
   setWindowIcon(ProgramIcon());
   view_->setAccessibleName(u"Parameter"_s);
-  auto* layout = new QVBoxLayout(this);
+  auto* body = Named(new QWidget(this), u"body"_s);
+  setCentralWidget(body);
+  auto* layout = new QVBoxLayout(body);
   layout->addLayout(NewSearchRow());
   layout->addLayout(NewFilterRow());
   layout->addWidget(view_, 1);
@@ -99,6 +101,7 @@ QLayout* ParameterListWindow::NewSearchRow() {
   search_ = NewTextBox(this, u"search"_s, u"Suche"_s);
   search_->setPlaceholderText(u"Name, Gruppe, Variable, Hilfetext oder Adresse"_s);
   search_->setClearButtonEnabled(true);
+  ColourPlaceholder();
   search_->installEventFilter(this);
   connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
   QLabel* searchLabel = Named(new QLabel(u"&Suche:"_s, this), u"searchLabel"_s);
@@ -261,8 +264,11 @@ void ParameterListWindow::Refresh() {
 void ParameterListWindow::ShowCounts() {
   const std::vector<ListRow> shown = proxy_.ShownRows();
   const ListCounts all = CountRows(model_.Rows());
-  for (const Filter& filter : filters_)
-    filter.button->setText(u"%1 (%2)"_s.arg(filter.caption).arg(all.*filter.count));
+  for (const Filter& filter : filters_) {
+    // A tick, as a pressed button hardly differs from the others in dark colours.
+    const QString tick = filter.button->isChecked() ? u"✓ "_s : QString();
+    filter.button->setText(u"%1%2 (%3)"_s.arg(tick, filter.caption).arg(all.*filter.count));
+  }
   countLine_->setText(CountLine(all.all, CountRows(shown)));
   const std::size_t toTakeOver = RowsToTakeOver(shown).size();
   takeOver_->setText(toTakeOver == 0 ? u"Werte über&nehmen…"_s
@@ -325,7 +331,7 @@ void ParameterListWindow::Compare(Comparison comparison) {
         CompareWithFile();
         break;
       case Comparison::Controller:
-        CompareWith(comparison, ReadControllerValues(world_.core, world_.progress));
+        CompareWithController();
         break;
     }
   });
@@ -341,6 +347,14 @@ void ParameterListWindow::CompareWithFile() {
   SetResult result = ReadFileValues(world_.core.files, path);
   if (result.Ok()) result.error = VersionFault(module, result.set);
   CompareWith(Comparison::File, std::move(result));
+}
+
+void ParameterListWindow::CompareWithController() {
+  SetResult result = ReadControllerValues(world_.core, world_.progress);
+  if (result.aborted) ShowNote(u"Abgebrochen; der Rest wurde nicht gelesen"_s);
+  CompareWith(Comparison::Controller, std::move(result));
+  // Where the keyboard was before the progress had it.
+  platform::ShowInFront(*this);
 }
 
 void ParameterListWindow::CompareWith(Comparison comparison, SetResult result) {
@@ -412,9 +426,21 @@ void ParameterListWindow::Store(platform::SettingsStore& settings) const {
   SaveColumns(*view_->horizontalHeader(), settings, u"ListeSpalten"_s);
 }
 
+// Some colour schemes leave the words of an empty field as dark as its background.
+void ParameterListWindow::ColourPlaceholder() {
+  QPalette own;
+  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    QColor colour = palette().color(group, QPalette::Text);
+    if (group != QPalette::Disabled) colour.setAlphaF(0.55F);
+    own.setColor(group, QPalette::PlaceholderText, colour);
+  }
+  search_->setPalette(own);
+}
+
 // Who is disabled loses the keyboard.
 void ParameterListWindow::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && search_ != nullptr) ColourPlaceholder();
   if (event->type() != QEvent::EnabledChange || !isEnabled() || focusWidget() != nullptr) return;
   (lastFocus_ ? lastFocus_.data() : view_)->setFocus();
 }
@@ -427,7 +453,7 @@ void ParameterListWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape) {
     search_->clear();
   } else {
-    QWidget::keyPressEvent(event);
+    QMainWindow::keyPressEvent(event);
   }
 }
 
@@ -447,7 +473,7 @@ bool ParameterListWindow::eventFilter(QObject* watched, QEvent* event) {
         break;
     }
   }
-  return QWidget::eventFilter(watched, event);
+  return QMainWindow::eventFilter(watched, event);
 }
 
 }  // namespace kalivor::ui

@@ -3,6 +3,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -43,7 +44,7 @@ struct ListWorld {
 };
 
 /// It keeps nothing but how it is shown and what it compares with. The marks are the tree's.
-class ParameterListWindow final : public QWidget {
+class ParameterListWindow final : public QMainWindow {
  public:
   explicit ParameterListWindow(ListWorld world);
   ~ParameterListWindow() override;
@@ -93,6 +94,7 @@ class ParameterListWindow final : public QWidget {
   QMenu* NewSelectionMenu();
   QMenu* NewExportMenu();
   void OrderTabs();
+  void ColourPlaceholder();
 
   void Refresh();
   void ShowCounts();
@@ -103,6 +105,7 @@ class ParameterListWindow final : public QWidget {
   void Compare(Comparison comparison);
   void CompareWith(Comparison comparison, SetResult result);
   void CompareWithFile();
+  void CompareWithController();
   void ForgetComparison();
   void ShowComparison();
   [[nodiscard]] const ValueSet* ComparedSet();

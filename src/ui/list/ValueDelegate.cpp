@@ -93,7 +93,8 @@ void ValueDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIn
     palette.setColor(QPalette::Text, palette.color(QPalette::Disabled, QPalette::Text));
   const int emphasis = index.data(ParameterListModel::EmphasisRole).toInt();
   if (emphasis == ParameterListModel::None) return;
-  option->font.setBold(true);
+  // Values alone: the words beside them need their room.
+  option->font.setBold(index.column() != static_cast<int>(ListColumn::State));
   if (emphasis == ParameterListModel::Outside) palette.setColor(QPalette::Text, WarningColour(palette));
 }
 

@@ -19,6 +19,11 @@ int Digit(QChar c) {
 }
 
 void AppendRepeated(QString& text, QStringView piece, qsizetype times) {
+  if (piece.size() == 1 && times > 0) {
+    // Nearly always, and the tree is made of little else.
+    text.resize(text.size() + times, piece.front());
+    return;
+  }
   for (; times > 0; --times)
     text += piece;
 }

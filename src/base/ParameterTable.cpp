@@ -17,14 +17,11 @@ void ParameterTable::SetValue(int index, const ParameterValue& value, ValueSourc
 void ParameterTable::SetTyped(int index, const ParameterValue& value, const FixedText<8>& typ,
                               ValueSource source) {
   ParameterRecord& record = Par[index];
-  ValueChange change;
-  if (OnValue.Listens()) {
-    change = {index, {record.Wert, record.WertText}, value, source, record.Typ, typ};
-  }
+  const ValueChange change{index, {record.Wert, record.WertText}, value, source, record.Typ, typ};
   record.Wert = value.number;
   record.WertText = value.text;
   record.Typ = typ;
-  if (OnValue.Listens()) OnValue.Tell(change);
+  OnValue.Tell(change);
 }
 
 }  // namespace kalivor

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QStyle>
+#include <QStyledItemDelegate>
 #include <QTime>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -21,6 +22,12 @@
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
+namespace {
+
+// Between a number at the right of its column and the next column.
+constexpr QChar kEndOfNumbers(0x2002);
+
+}  // namespace
 
 /// Rows in the order in which they were found; Qt::UserRole is what they are sorted by.
 class FindingsModel final : public QAbstractTableModel {
@@ -66,7 +73,8 @@ class FindingsModel final : public QAbstractTableModel {
       return QVariant(Qt::AlignVCenter | (section == Line ? Qt::AlignRight : Qt::AlignLeft));
     if (role != Qt::DisplayRole) return {};
     constexpr QStringView titles[] = {u"Datei", u"Zeile", u"Schwere", u"Text"};
-    return titles[section].toString();
+    const QString title = titles[section].toString();
+    return section == Line ? title + kEndOfNumbers : title;
   }
 
  private:
@@ -88,6 +96,25 @@ class FindingsModel final : public QAbstractTableModel {
 };
 
 namespace {
+
+// Above and below the text of a row, together.
+constexpr int kRowAir_px = 7;
+
+/// Cells with air around them.
+class FindingsDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kRowAir_px);
+  }
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (index.column() == FindingsModel::Line) option->text += kEndOfNumbers;
+  }
+};
 
 const QString& PlaceKey() {
   static const QString key = u"BefundePlatz"_s;
@@ -129,6 +156,7 @@ void FindingsWindow::BuildTable() {
   table_ = Named(new QTableView(this), u"Findings"_s);
   table_->setAccessibleName(u"Befunde"_s);
   table_->setModel(sorted_);
+  table_->setItemDelegate(new FindingsDelegate(table_));
   table_->setSelectionBehavior(QAbstractItemView::SelectRows);
   table_->setTabKeyNavigation(false);
   table_->setCornerButtonEnabled(false);
@@ -206,7 +234,7 @@ void FindingsWindow::Copy() const {
   };
   ListTable copied;
   cellsOf([&](int column) {
-    copied.titles << model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+    copied.titles << model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().trimmed();
   });
   const QItemSelectionModel& selection = *table_->selectionModel();
   for (int row = 0; row < sorted_->rowCount(); ++row) {

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "core/ValueFileFormat.h"
 #include "kalivor/System.h"
 #include "sim/Faults.h"
 #include "sim/LineModel.h"
@@ -23,6 +24,15 @@ QString FindExample() {
     if (QFileInfo::exists(folder + u"/VF.INI"_s)) return folder;
   }
   return {};
+}
+
+// As at a plant, not all values are the standard ones: there is something to compare and to take over.
+ValueFileContent OwnValues() {
+  ValueFileContent values;
+  values.records = {{225, {}, u"_Hk1RaumSollTag"_s, {}},
+                    {160, {}, u"_Hk1KurveSteil"_s, {}},
+                    {520, {}, u"_Hk2VorlaufMax"_s, {}}};
+  return values;
 }
 
 }  // namespace
@@ -49,6 +59,7 @@ QString Demo::Start() {
   controller_->station.module.Inipath = folder_;
   QString fault = sim::SetUp(controller_->station, files, {}, 1);
   if (!fault.isEmpty()) return fault;
+  (void)controller_->station.memory.LoadValues(controller_->station.module, OwnValues());
   controller_->model.emplace(*controller_->station.controller, controller_->faults);
   controller_->line.emplace(controller_->clock, *controller_->model);
   return {};

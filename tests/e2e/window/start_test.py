@@ -57,6 +57,11 @@ class Start(Scenario):
     def test_demonstration(self):
         program = self.program_on(None, "--demo", ini_path=None)
         self.assertEqual(children_of(program.process.pid), [])
+        report = program.transfer("Vergleichen")
+        text = report.wait_for_end()
+        for name in ("Raumsolltemperatur Tag", "Heizkurve Steilheit", "Vorlauftemperatur Maximum"):
+            self.assertEqual(text.count(name), 1, text)
+        report.close()
         report = program.transfer("Empfangen")
         self.assertEqual(report.wait_for_end(), "Empfangen.." + "." * 111 + "\nEmpfangen beendet\n")
         report.close()

@@ -42,6 +42,7 @@ for tool in bash dirname sed; do
 done
 stub half/kalivor
 stub whole/kalivor
+stub whole/kalivor-cli
 stub whole/kalivor-sim
 env=$(command -v env)
 PATH=$work/bin:$PATH
@@ -52,8 +53,8 @@ expect 'There is no zip and no installer: run script/release/package-windows fir
 expect 'build/release/src/kalivor has not been built.' script/release/check-hardening
 expect 'build/dev/src/kalivor has not been built.' script/release/check-desktops
 expect 'half/kalivor-sim has not been built.' script/release/check-desktops half
-expect 'No kalivor and kalivor-sim in build/dev: build them first.' script/screenshots
-expect 'No kalivor and kalivor-sim in half: build them first.' script/screenshots half
+expect 'No kalivor, kalivor-cli and kalivor-sim in build/dev: build them first.' script/screenshots
+expect 'No kalivor, kalivor-cli and kalivor-sim in half: build them first.' script/screenshots half
 expect 'The X server did not start: no screen' script/screenshots whole
 expect 'KALIVOR ist nicht installiert.' "$env" PATH="$work/basics" bash script/demo --installed
 expect 'This machine knows no place that holds' bash -c '. script/lib.sh; . script/release/tree.sh; make_tree tree'

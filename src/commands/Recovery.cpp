@@ -113,10 +113,9 @@ QString DayAndTime(const QDateTime& time, const QDateTime& now) {
 
 // Why version or plant type cannot be selected; "" when they can. Every blank closes a plant type.
 QString SelectionFault(const Module1& module, const KeptTable& kept) {
-  const QString fault = VersionFault(module, kept.set);
-  if (!fault.isEmpty()) return fault;
-  QStringList plantTypes =
-      module.VersionRow(module.VersionList.Find(kept.set.version) + 1).Anlagen.split(u' ');
+  const int version = module.VersionList.Find(kept.set.version);
+  if (version < 0) return u"Unbekannte ReglerVersion: "_s + kept.set.version;
+  QStringList plantTypes = module.VersionRow(version + 1).Anlagen.split(u' ');
   plantTypes.removeLast();
   return plantTypes.contains(kept.plantType) ? QString() : u"Unbekannte Anlageart: "_s + kept.plantType;
 }

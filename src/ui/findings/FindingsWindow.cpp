@@ -71,10 +71,10 @@ class FindingsModel final : public QAbstractTableModel {
     if (orientation != Qt::Horizontal) return {};
     if (role == Qt::TextAlignmentRole)
       return QVariant(Qt::AlignVCenter | (section == Line ? Qt::AlignRight : Qt::AlignLeft));
-    if (role != Qt::DisplayRole) return {};
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) return {};
     constexpr QStringView titles[] = {u"Datei", u"Zeile", u"Schwere", u"Text"};
     const QString title = titles[section].toString();
-    return section == Line ? title + kEndOfNumbers : title;
+    return role == Qt::DisplayRole && section == Line ? title + kEndOfNumbers : title;
   }
 
  private:
@@ -234,7 +234,7 @@ void FindingsWindow::Copy() const {
   };
   ListTable copied;
   cellsOf([&](int column) {
-    copied.titles << model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().trimmed();
+    copied.titles << model_->headerData(column, Qt::Horizontal, Qt::AccessibleTextRole).toString();
   });
   const QItemSelectionModel& selection = *table_->selectionModel();
   for (int row = 0; row < sorted_->rowCount(); ++row) {

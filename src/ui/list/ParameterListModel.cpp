@@ -152,6 +152,7 @@ QVariant ParameterListModel::headerData(int section, Qt::Orientation orientation
     const QString title = ColumnTitle(column);
     return IsNumeric(column) && column != ListColumn::Number ? title + kEndOfNumbers : title;
   }
+  if (role == Qt::AccessibleTextRole) return ColumnTitle(column);
   if (role == Qt::TextAlignmentRole) return QVariant::fromValue(Aligned(IsNumeric(column)));
   return {};
 }

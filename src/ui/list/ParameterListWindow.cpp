@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QScrollBar>
+#include <QToolButton>
 
 #include "commands/FileCommands.h"
 #include "commands/ListCommands.h"
@@ -104,6 +105,7 @@ QLayout* ParameterListWindow::NewSearchRow() {
   ColourPlaceholder();
   search_->installEventFilter(this);
   connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
+  search_->findChild<QToolButton*>()->setAccessibleName(u"Suche leeren"_s);
   QLabel* searchLabel = Named(new QLabel(u"&Suche:"_s, this), u"searchLabel"_s);
   searchLabel->setBuddy(search_);
 

@@ -269,7 +269,10 @@ void ParameterListWindow::ShowCounts() {
   for (const Filter& filter : filters_) {
     // A tick, as a pressed button hardly differs from the others in dark colours.
     const QString tick = filter.button->isChecked() ? u"✓ "_s : QString();
-    filter.button->setText(u"%1%2 (%3)"_s.arg(tick, filter.caption).arg(all.*filter.count));
+    const QString caption = u"%1 (%2)"_s.arg(filter.caption).arg(all.*filter.count);
+    filter.button->setText(tick + caption);
+    // Whether it is pressed, a screen reader says by itself.
+    filter.button->setAccessibleName(QString(caption).remove(u'&'));
   }
   countLine_->setText(CountLine(all.all, CountRows(shown)));
   const std::size_t toTakeOver = RowsToTakeOver(shown).size();

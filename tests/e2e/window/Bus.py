@@ -94,10 +94,10 @@ class Control:
         return [Control(child) for child in found if child is not None]
 
     def descendants(self):
-        """Every control below, rows of trees and lists excepted."""
+        """Every control below, rows of trees, lists and tables excepted."""
         for child in self.children:
             yield child
-            if child.role not in ("tree", "list"):
+            if child.role not in ("tree", "list", "table"):
                 yield from child.descendants()
 
     def find_all(self, role, name=None, description=None):
@@ -142,6 +142,53 @@ class Control:
     def focus(self):
         Atspi.Component.grab_focus(self._accessible)
         wait_for(lambda: self.has("focused"), f"focus in {self.name!r}")
+
+
+class FocusListener:
+    """Hears of what gets the keyboard, as a screen reader does. A field in a table's cell is found in no other
+    way."""
+
+    def __init__(self):
+        self._heard = []
+        self._listener = Atspi.EventListener.new(lambda event: self._heard.append(Control(event.source)))
+        self._listener.register("object:state-changed:focused")
+
+    def close(self):
+        self._listener.deregister("object:state-changed:focused")
+
+    def control(self, role, name):
+        """The one that got the keyboard last and has it still, or None."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        last = self._heard[-1] if self._heard else None
+        return last if last and (last.role, last.name) == (role, name) and last.has("focused") else None
+
+
+class Table:
+    """The cells of a table by row and title; columns that are not shown are there, too."""
+
+    def __init__(self, control):
+        self.control = control
+        self._table = control._accessible
+        columns = Atspi.Table.get_n_columns(self._table)
+        self.headers = [Control(Atspi.Table.get_column_header(self._table, i)) for i in range(columns)]
+        self.titles = [header.name for header in self.headers]
+
+    @property
+    def rows(self):
+        return Atspi.Table.get_n_rows(self._table)
+
+    def cell(self, row, title):
+        return Control(Atspi.Table.get_accessible_at(self._table, row, self.titles.index(title)))
+
+    def texts(self, title):
+        """The texts of a column from top to bottom."""
+        return [self.cell(row, title).name for row in range(self.rows)]
+
+    def shown_titles(self):
+        """From left to right."""
+        shown = [(header.place[0], header.name) for header in self.headers if header.place[2] > 0]
+        return [name for _, name in sorted(shown)]
 
 
 def application(process_id):

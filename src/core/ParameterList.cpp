@@ -194,7 +194,10 @@ std::vector<ListRow> ListRows(const Module1& module, const ValueSet* comparison,
 }
 
 QString CellText(const Module1& module, const ListRow& row, ListColumn column) {
-  const ParameterRecord& record = module.Par[row.index];
+  return CellText(module.Par[row.index], row, column);
+}
+
+QString CellText(const ParameterRecord& record, const ListRow& row, ListColumn column) {
   const std::optional<qint64> number = CellNumber(record, row, column);
   if (!number) return PlainText(record, row, column);
   if (column == ListColumn::Number) return QString::number(*number);

@@ -71,6 +71,9 @@ struct ListRow {
 /// "nicht Standard", "geändert", "ausgeblendet".
 [[nodiscard]] QString CellText(const Module1& module, const ListRow& row, ListColumn column);
 
+/// The same; `record` is the row's parameter.
+[[nodiscard]] QString CellText(const ParameterRecord& record, const ListRow& row, ListColumn column);
+
 /// What a row is ordered by in a column. Sorting makes them once and compares them often.
 struct ListKey {
   bool isText = false;  ///< numbers come first

@@ -742,7 +742,7 @@ TEST_F(ParameterListTest, ARefusedFirstKeyLeavesTheFieldAsItWas) {
 
 TEST_F(ParameterListTest, WhatIsNotCompleteIsNotLeftByEnter) {
   StartWithList();
-  desktop->module.Par[4].Min = 50;
+  desktop->Run([this] { desktop->module.Par[4].Min = 50; });
   GoToCell(3);
   TypeInto(View(), u"4"_s);
   EXPECT_EQ(Reason(), u"kleiner als 5.0"_s);

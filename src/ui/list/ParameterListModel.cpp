@@ -116,7 +116,7 @@ QVariant ParameterListModel::data(const QModelIndex& index, int role) const {
   switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-      return CellText(module_, row, column);
+      return CellText(Record(index.row()), row, column);
     case Qt::CheckStateRole:
       if (column != ListColumn::Mark) return {};
       return row.checked ? Qt::Checked : Qt::Unchecked;
@@ -130,7 +130,7 @@ QVariant ParameterListModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::AccessibleTextRole:
       if (column == ListColumn::Mark) return row.checked ? u"angekreuzt"_s : u"nicht angekreuzt"_s;
-      return CellText(module_, row, column);
+      return CellText(Record(index.row()), row, column);
     case Qt::AccessibleDescriptionRole:
       return u"%1, %2"_s.arg(ColumnTitle(column), Record(index.row()).Name);
     case MarkRole:

@@ -36,7 +36,11 @@ class ParameterListModel final : public QAbstractTableModel {
 
   [[nodiscard]] const std::vector<ListRow>& Rows() const { return rows_; }
   [[nodiscard]] const ListRow& At(int row) const { return rows_[static_cast<std::size_t>(row)]; }
-  [[nodiscard]] const ParameterRecord& Record(int row) const { return module_.Par[At(row).index]; }
+  /// The parameter as the row was made of it: the table may hold another version's by now. Its value is that
+  /// of the row.
+  [[nodiscard]] const ParameterRecord& Record(int row) const {
+    return definitions_[static_cast<std::size_t>(row)];
+  }
   [[nodiscard]] const QString& SearchedTextOf(int row) const {
     return searched_[static_cast<std::size_t>(row)];
   }

@@ -364,7 +364,8 @@ void ParameterListWindow::CompareWithController() {
 
 void ParameterListWindow::CompareWith(Comparison comparison, SetResult result) {
   if (!result.Ok()) {
-    world_.core.box.Show(result.error);
+    // Nobody answers a box any more when the session ends.
+    if (!world_.core.module.SessionEnds) world_.core.box.Show(result.error);
     return;
   }
   comparison_ = comparison;

@@ -39,6 +39,7 @@ SelectionNameDialog::SelectionNameDialog(QWidget* parent)
   connect(name_, &QLineEdit::textChanged, this, [this] { Judge(); });
   connect(cancel_, &QPushButton::clicked, this, &QDialog::reject);
   connect(save_, &QPushButton::clicked, this, [this] {
+    if (IsBusy && IsBusy()) return;
     accept();
     if (OnName) OnName(SelectionName(name_->text()));
   });
@@ -68,6 +69,7 @@ SelectionMenu::SelectionMenu(Core& core, Selections& selections, platform::Event
   deleteMenu_.setObjectName(u"deleteMenu"_s);
   setObjectName(u"selectionMenu"_s);
   dialog_.OnName = [this](const QString& name) { Save(name); };
+  dialog_.IsBusy = [this] { return core_.module.BusyDepth > 0; };
   connect(this, &QMenu::aboutToShow, this, [this] { guard_([this] { Fill(); }); });
 }
 
@@ -114,6 +116,7 @@ void SelectionMenu::Save(const QString& name) {
 
 void SelectionMenu::Delete(const QString& name) {
   guard_([&] {
+    if (core_.module.BusyDepth > 0) return;
     if (!core_.box.Confirm(u"Soll die Auswahl „%1“ gelöscht werden?"_s.arg(name), u"Löschen"_s)) return;
     const QString error = selections_.Delete(name);
     if (!error.isEmpty()) {

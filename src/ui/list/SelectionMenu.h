@@ -23,6 +23,9 @@ class SelectionNameDialog final : public QDialog {
 
   std::function<void(const QString& name)> OnName;
 
+  /// True while nothing may be saved: the dialog then stays as it is.
+  std::function<bool()> IsBusy;
+
  private:
   void Judge();
 

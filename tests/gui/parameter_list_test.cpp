@@ -456,6 +456,25 @@ TEST_F(SelectionMenuTest, SaysThatItReplaces) {
   EXPECT_FALSE(NameDialog().isVisible());
 }
 
+// Its window stays enabled, as it is none of the list's.
+TEST_F(SelectionMenuTest, NothingIsSavedDeletedOrRecalledWhileAnOperationIsUnderWay) {
+  StartWithList();
+  Save(u"Eins"_s);
+  Click(List(), u"markNone"_s);
+  Item(u"saveSelection"_s).trigger();
+  TypeInto(In<QLineEdit>(NameDialog(), u"selectionName"_s), u"Zwei"_s);
+  desktop->module.BusyDepth = 1;
+  QTest::mouseClick(&In<QPushButton>(NameDialog(), u"OKButton"_s), Qt::LeftButton);
+  EXPECT_TRUE(NameDialog().isVisible()) << "what was typed is kept";
+  Item(u"delete:Eins"_s).trigger();
+  Item(u"recall:Eins"_s).trigger();
+  desktop->module.BusyDepth = 0;
+  EXPECT_EQ(OpenMenu().findChild<QAction*>(u"recall:Zwei"_s), nullptr);
+  EXPECT_EQ(Marks(), u"-------"_s);
+  QTest::mouseClick(&In<QPushButton>(NameDialog(), u"OKButton"_s), Qt::LeftButton);
+  EXPECT_NE(OpenMenu().findChild<QAction*>(u"recall:Zwei"_s), nullptr);
+}
+
 TEST_F(SelectionMenuTest, DeletesOnlyWhatIsConfirmed) {
   StartWithList();
   Save(u"Eins"_s);
@@ -509,11 +528,15 @@ TEST_F(ParameterListTest, FilesThatAreNoneLeaveTheComparisonAsItIs) {
   Compare(1);
   files.files[u"/leer.qpf"_s] = {"kurz", {}};
   AddFile(u"/fremd.qpf"_s, u"XXX-999.9"_s);
-  dialogs.answers = {u""_s, u"/leer.qpf"_s, u"/fehlt.qpf"_s, u"/fremd.qpf"_s};
-  for (int i = 0; i < 4; ++i)
+  files.AddFailure(u"/riesig.qpf"_s, u"Die Datei ist zu groß."_s);
+  dialogs.answers = {u""_s, u"/leer.qpf"_s, u"/fehlt.qpf"_s, u"/fremd.qpf"_s, u"/riesig.qpf"_s};
+  for (int i = 0; i < 5; ++i)
     Compare(2);
   const auto boxes = box.Take();
-  ASSERT_EQ(boxes.size(), 3U);
+  ASSERT_EQ(boxes.size(), 4U);
+  EXPECT_EQ(boxes[3].text, u"Fehler beim lesen von\r\n/riesig.qpf\r\nDie Datei ist zu groß."_s);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 1500);
+  EXPECT_EQ(desktop->undo.UndoName(), QString());
   EXPECT_EQ(boxes[0].text, u"Fehler beim lesen von\r\n/leer.qpf\r\nDie Datei ist keine Wertedatei."_s);
   EXPECT_TRUE(boxes[1].text.startsWith(u"Fehler beim lesen von\r\n/fehlt.qpf\r\n"_s));
   EXPECT_EQ(boxes[2].text, u"Fehler beim lesen von\r\n/fremd.qpf\r\nUnbekannte ReglerVersion: XXX-999.9"_s);
@@ -571,6 +594,99 @@ TEST_F(ParameterListTest, ReadingTheControllerShowsItsProgressAndCanBeAborted) {
   EXPECT_EQ(Cell(6, ListColumn::Comparison), QString());
   EXPECT_FALSE(desktop->progress->isVisible());
   ExpectReady();
+}
+
+TEST_F(ParameterListTest, WhatIsNotReadKeepsNoValueOfAnEarlierReading) {
+  StartWithList();
+  Compare(3);
+  EXPECT_EQ(Cell(1, ListColumn::Comparison), u"10.00"_s);
+  const int before = far->faults.Exchanges();
+  for (int request = 3; request <= 5; ++request)
+    far->faults.Plan(before + request, {});
+  Compare(3);
+  EXPECT_EQ(Cell(1, ListColumn::State), u"nicht gelesen"_s);
+  EXPECT_EQ(Cell(1, ListColumn::Comparison), QString());
+  EXPECT_EQ(Cell(0, ListColumn::Comparison), u"150.0"_s);
+}
+
+TEST_F(ParameterListTest, TheFrameOfTheProgressAbortsAndLeavesItOpen) {
+  StartWithList();
+  bool closed = false;
+  events.onPending = [&] {
+    if (closed || !desktop->progress->isVisible()) return;
+    closed = true;
+    EXPECT_FALSE(desktop->progress->close());
+    EXPECT_TRUE(desktop->progress->isVisible());
+    EXPECT_NE(desktop->module.Abbruch, kFalse);
+  };
+  Compare(3);
+  events.onPending = nullptr;
+  EXPECT_TRUE(closed);
+  EXPECT_FALSE(desktop->progress->isVisible());
+  EXPECT_EQ(Column(ListColumn::State), u" |  |  |  |  |  | "_s) << "nothing was read";
+  ExpectReady();
+}
+
+// Nobody would answer a box.
+TEST_F(ParameterListTest, TheEndOfTheSessionEndsTheComparisonWithoutABox) {
+  StartWithList();
+  far->faults.Add({});
+  bool ended = false;
+  events.onPending = [&] {
+    if (!std::exchange(ended, true)) desktop->main.EndSession();
+  };
+  Compare(3);
+  events.onPending = nullptr;
+  EXPECT_TRUE(ended);
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(desktop->main.isVisible());
+  EXPECT_FALSE(List().isVisible());
+}
+
+// Names of one version beside values of another would be wrong for as long as the transfer takes.
+TEST_F(ParameterListTest, StaysAsItIsWhileATransferReadsOtherDefinitions) {
+  files.AddText(kFolder + u"/ZWEI.TXT"_s,
+                u"Kopf\r\nGruppe  Eines  0  100  70  s  1  0  int  1F60  e  A B  -\r\n"_s);
+  Start();
+  desktop->guard([this] { desktop->module.VersionList.Select(1); });
+  OpenList();
+  int looked = 0;
+  events.onPending = [&] {
+    if (desktop->module.VersionList.Position() != 0) return;
+    ++looked;
+    EXPECT_EQ(Column(ListColumn::Name), u"Eines"_s);
+    EXPECT_EQ(Column(ListColumn::Value), u"7.0"_s);
+  };
+  Click(desktop->main, u"CommandEmpfangen"_s);
+  events.onPending = nullptr;
+  EXPECT_GT(looked, 0);
+  EXPECT_EQ(Cell(0, ListColumn::Name), u"Drehzahl"_s);
+}
+
+TEST_F(ParameterListTest, EveryActionIsRefusedWhileAnOperationIsUnderWay) {
+  StartWithList();
+  Compare(1);
+  desktop->guard([this] { desktop->module.SetNumber(1, 10, ValueSource::Edited); });
+  const QString comparison = Column(ListColumn::Comparison);
+  desktop->module.BusyDepth = 1;
+  for (const QString& button : {u"markNone"_s, u"markOnlyShown"_s, u"takeOver"_s})
+    Click(List(), button);
+  GoToCell(0);
+  Press(Qt::Key_Space);
+  Press(Qt::Key_Return, Qt::ControlModifier);
+  for (int position = 0; position < 4; ++position)
+    Compare(position);
+  for (const QString& item : {u"exportCsv"_s, u"exportHtml"_s})
+    Of<QMenu>(u"exportMenu"_s).findChild<QAction*>(item)->trigger();
+  Action(u"mnuWerkzeugeRueckgaengig"_s);
+  EXPECT_EQ(Marks(), u"xxxxxxx"_s);
+  EXPECT_EQ(Column(ListColumn::Comparison), comparison);
+  EXPECT_EQ(Of<QComboBox>(u"comparison"_s).currentText(), u"Standardwerte"_s);
+  EXPECT_EQ(desktop->module.Par[1].Wert, 10);
+  EXPECT_FALSE(desktop->editors.number.isVisible());
+  EXPECT_EQ(dialogs.shown.size(), 0U);
+  EXPECT_EQ(line->openings, 0);
+  desktop->module.BusyDepth = 0;
 }
 
 TEST_F(ParameterListTest, ASilentControllerIsSaidInABox) {
@@ -838,6 +954,23 @@ TEST_F(ParameterListTest, CloseEditorDropsWhatIsBeingTyped) {
   List().CloseEditor();
   EXPECT_FALSE(Edits());
   EXPECT_EQ(desktop->module.Par[1].Wert, 1500);
+}
+
+TEST_F(ParameterListTest, ClosingTheProgramLeavesTheFieldAsAnyOtherWindowDoes) {
+  StartWithList();
+  GoToCell(0);
+  TypeInto(View(), u"5"_s);
+  EXPECT_TRUE(desktop->main.close());
+  EXPECT_FALSE(Edits());
+  EXPECT_EQ(desktop->module.Par[1].Wert, 50);
+}
+
+TEST_F(ParameterListTest, TheProgramMayEndWithAnOpenField) {
+  StartWithList();
+  GoToCell(0);
+  TypeInto(View(), u"5"_s);
+  ASSERT_TRUE(Edits());
+  desktop.reset();
 }
 
 TEST_F(ParameterListTest, OtherDefinitionsCloseTheField) {

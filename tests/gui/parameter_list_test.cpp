@@ -599,7 +599,7 @@ TEST_F(ParameterListTest, ReadingTheControllerShowsItsProgressAndCanBeAborted) {
 TEST_F(ParameterListTest, WhatIsNotReadKeepsNoValueOfAnEarlierReading) {
   StartWithList();
   Compare(3);
-  EXPECT_EQ(Cell(1, ListColumn::Comparison), u"10.00"_s);
+  EXPECT_EQ(Cell(1, ListColumn::Comparison), u"10.0"_s);
   const int before = far->faults.Exchanges();
   for (int request = 3; request <= 5; ++request)
     far->faults.Plan(before + request, {});
@@ -668,6 +668,7 @@ TEST_F(ParameterListTest, EveryActionIsRefusedWhileAnOperationIsUnderWay) {
   Compare(1);
   desktop->guard([this] { desktop->module.SetNumber(1, 10, ValueSource::Edited); });
   const QString comparison = Column(ListColumn::Comparison);
+  const int openings = line->openings;
   desktop->module.BusyDepth = 1;
   for (const QString& button : {u"markNone"_s, u"markOnlyShown"_s, u"takeOver"_s})
     Click(List(), button);
@@ -685,7 +686,7 @@ TEST_F(ParameterListTest, EveryActionIsRefusedWhileAnOperationIsUnderWay) {
   EXPECT_EQ(desktop->module.Par[1].Wert, 10);
   EXPECT_FALSE(desktop->editors.number.isVisible());
   EXPECT_EQ(dialogs.shown.size(), 0U);
-  EXPECT_EQ(line->openings, 0);
+  EXPECT_EQ(line->openings, openings);
   desktop->module.BusyDepth = 0;
 }
 

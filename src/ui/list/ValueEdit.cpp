@@ -8,6 +8,7 @@
 #include "commands/ListCommands.h"
 #include "core/ParameterTypes.h"
 #include "ui/dialogs/Controls.h"
+#include "ui/list/ParameterListModel.h"
 
 using namespace Qt::StringLiterals;
 
@@ -57,7 +58,11 @@ ValueEdit::ValueEdit(const ParameterRecord& record, QWidget* parent)
   setAccessibleName(u"Wert von "_s + record.Name);
   setFrame(false);
   setAutoFillBackground(true);
-  if (!IsStringForTree(record)) setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  if (!IsStringForTree(record)) {
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // The number stays where it stood in its cell.
+    setTextMargins(0, 0, fontMetrics().horizontalAdvance(kEndOfNumbers), 0);
+  }
   setValidator(validator_);
 
   reason_->setPalette(QToolTip::palette());

@@ -62,7 +62,7 @@ class Fields {
   QJsonValue Take(const QString& key, QJsonValue::Type type,
                   const QJsonValue& fallback = QJsonValue::Undefined) {
     const QJsonValue field = object_[key];
-    const QJsonValue taken = field.isUndefined() ? fallback : field;
+    QJsonValue taken = field.isUndefined() ? fallback : field;
     good_ = good_ && taken.type() == type;
     return taken;
   }
@@ -83,7 +83,7 @@ QJsonObject ObjectOf(const SetValue& value, bool unsaved) {
 bool TakeValues(const QJsonArray& entries, KeptTable& kept) {
   if (entries.size() > kLastParameter) return false;
   QHash<QString, int> elements;
-  for (const QJsonValue& entry : entries) {
+  for (const auto& entry : entries) {
     Fields fields(entry);
     const QString variable = fields.Text(kVariableKey);
     const SetValue value{variable,

@@ -42,7 +42,7 @@ std::optional<Selection> SelectionIn(const QJsonValue& value) {
   if (!value[kNameKey].isString() || !value[kVersionKey].isString() || !parameters.isArray()) return {};
   Selection selection{value[kNameKey].toString(), value[kVersionKey].toString(), {}};
   if (selection.name.isEmpty() || selection.name != SelectionName(selection.name)) return {};
-  for (const QJsonValue& entry : parameters.toArray()) {
+  for (const auto& entry : parameters.toArray()) {
     std::optional<SelectedParameter> parameter = ParameterOf(entry);
     if (!parameter) return {};
     selection.parameters.push_back(*std::move(parameter));
@@ -73,7 +73,7 @@ std::optional<std::vector<Selection>> ParseSelections(const QByteArray& bytes) {
   if (document[kFormatKey] != kFormat || !entries.isArray()) return {};
   std::vector<Selection> selections;
   QSet<QString> names;
-  for (const QJsonValue& entry : entries.toArray()) {
+  for (const auto& entry : entries.toArray()) {
     std::optional<Selection> selection = SelectionIn(entry);
     if (!selection || names.contains(selection->name)) return {};
     names.insert(selection->name);

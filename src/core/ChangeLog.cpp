@@ -100,7 +100,8 @@ bool Same(const DefinedTable& before, const Module1& module) {
 }
 
 Selected SelectedOf(const Module1& module) {
-  return {module.VersionIndex, module.VersionList, module.PlantTypeList, module.PlantTypeOffered, module};
+  const TreeState& tree = module;
+  return {module.VersionIndex, module.VersionList, module.PlantTypeList, module.PlantTypeOffered, tree};
 }
 
 void Select(Module1& module, const Selected& selected) {

@@ -11,7 +11,7 @@ namespace kalivor::ui {
 /// Keeps the newest steps of a log, as many as fit.
 class UndoStack {
  public:
-  static constexpr qsizetype kMost_bytes = 64 * 1024 * 1024;
+  static constexpr qsizetype kMost_bytes = qsizetype{64} * 1024 * 1024;
 
   /// Takes the steps of `log`. Both must outlive it.
   UndoStack(Core& core, ChangeLog& log, qsizetype most_bytes = kMost_bytes);

@@ -116,6 +116,7 @@ void ListRowSorting(benchmark::State& state) {
   const std::vector<ListRow> rows = ListRows(site.module, nullptr);
   for (auto _ : state) {
     std::vector<ListKey> keys;
+    keys.reserve(rows.size());
     for (const ListRow& row : rows)
       keys.push_back(KeyOf(site.module, row, ListColumn::Name));
     std::ranges::sort(keys, std::less<>());

@@ -2,8 +2,8 @@
 """Measures the work of the programs against floors and peers of the same run, and prints one table.
 
 usage: script/bench [OPTION…] [SECTION…]
-  SECTION        exchange, files, start, windows, waiting, transfers or counts (default: all); counts are an
-                 ordinary test as well
+  SECTION        exchange, files, windows, list, start, waiting, transfers or counts (default: all); counts
+                 are an ordinary test as well
   --quick        shorter transfers and fewer rounds
   --count N      parameters of a transfer (default: 200)
   --markdown     the table as Markdown
@@ -171,7 +171,7 @@ class Bench:
                     [(2000, 16)])
 
     def windows(self):
-        best, fits = google_benchmark(self.bench("windows"), "--benchmark_min_time=0.1")
+        best, fits = google_benchmark(self.bench("windows"), "--benchmark_filter=-^List", "--benchmark_min_time=0.1")
         parameters = (250, 500, 1000, 2000)
         self.growth("tree rebuilt and painted", best, fits, "TreeCollapsed", parameters, "parameters", [(2000, 15)])
         self.growth("the same, expanded", best, fits, "TreeExpanded", parameters, "parameters", [(2000, 15)])
@@ -181,6 +181,48 @@ class Bench:
         for work, name, limit_ms in (("PDF of 60 pages", "Pdf", 200), ("preview, turning a page", "PreviewTurn", 16)):
             ours = best[name]["cpu"]
             self.table.add(work, "", f"{ours:.1f} ms", "", f"≤ {limit_ms} ms", ours <= limit_ms)
+
+    def list(self):
+        """The parameter list with 2000 parameters: in the process, and as a whole one."""
+        best, _ = google_benchmark(self.bench("windows"), "--benchmark_filter=^List", "--benchmark_min_time=0.05")
+
+        def worst(name):
+            return max(result["cpu"] for key, result in best.items() if key.split("/")[0] == name)
+
+        for work, name, limit_ms in (("list, a key in the search field until painted", "ListTyping", 16),
+                                     ("list, Esc in the search field until painted", "ListClearing", 16),
+                                     ("list, a click on a heading until painted", "ListSorting", 16),
+                                     ("list, what every event costs while it is open", "ListUpdate", 3),
+                                     ("list open, taking back a receive", "ListUndo", 10)):
+            ours = worst(name)
+            self.table.add(work, "", f"{ours:.1f} ms", "", f"≤ {limit_ms} ms", ours <= limit_ms)
+        opened = [self.opened_list() for _ in range(3 if self.options.quick else 7)]
+        processor_ms, memory_MiB = (min(figures) for figures in zip(*opened))
+        self.table.add("list, opened for the first time until painted", "", f"{processor_ms:.0f} ms", "", "≤ 60 ms",
+                       processor_ms <= 60)
+        self.table.add("  resident memory more than before", "", f"{memory_MiB:.1f} MiB", "", "≤ 15 MiB",
+                       memory_MiB <= 15)
+
+    def opened_list(self):
+        """The processor time in ms, and the resident memory in MiB, that opening the list takes."""
+        display, dead = window.Display(), line.DeadLine()
+        try:
+            with tempfile.TemporaryDirectory() as folder:
+                line.write_definitions(folder, 2000)
+                program = window.Program(display, self.programs, folder, dead.device)
+                try:
+                    program.lead_to(window.RECEIVE)
+                    processor, memory = line.processor_s(program.pid), window.resident_MiB(program.pid)
+                    display.run("xdotool", "key", "ctrl+l")
+                    program.window("Parameterliste")
+                    time.sleep(2)
+                    return ((line.processor_s(program.pid) - processor) * 1000,
+                            window.resident_MiB(program.pid) - memory)
+                finally:
+                    program.close()
+        finally:
+            dead.close()
+            display.close()
 
     # Whole processes
 
@@ -392,7 +434,7 @@ class Bench:
                 file.write("\n")
 
 
-SECTIONS = ("exchange", "files", "windows", "start", "waiting", "transfers", "counts")
+SECTIONS = ("exchange", "files", "windows", "list", "start", "waiting", "transfers", "counts")
 
 
 def main():

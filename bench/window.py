@@ -8,6 +8,11 @@ import time
 RECEIVE, SEND = 3, 4
 
 
+def resident_MiB(pid):
+    with open(f"/proc/{pid}/statm", encoding="ascii") as figures:
+        return int(figures.read().split()[1]) * os.sysconf("SC_PAGE_SIZE") / 2**20
+
+
 class Display:
     """Without window manager, as it would take part in every start."""
 

@@ -1,7 +1,12 @@
-// The windows on a screen in memory: tree, report, printing.
+// The windows on a screen in memory: tree, parameter list, report, printing.
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
 
 #include "WindowSite.h"
 #include "core/Refresh.h"
@@ -32,15 +37,20 @@ void TreeExpanded(benchmark::State& state) {
 BENCHMARK(TreeCollapsed)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
 BENCHMARK(TreeExpanded)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
 
-// A receive of all parameters taken back, and done again, until the window is painted.
-void Undo(benchmark::State& state) {
-  WindowSite site(static_cast<int>(state.range(0)));
-  ui::Desktop& desktop = *site.desktop;
+// What a receive of all parameters does with them: another value for each.
+void ReceiveAll(ui::Desktop& desktop) {
   desktop.guard([&] {
     for (int i = 1; i < desktop.module.ParCount; ++i)
       desktop.module.SetNumber(i, desktop.module.Par[i].Wert + 1, ValueSource::Received);
     Refresh(desktop.core, 2);
   });
+}
+
+// A receive of all parameters taken back, and done again, until the window is painted.
+void Undo(benchmark::State& state) {
+  WindowSite site(static_cast<int>(state.range(0)));
+  ui::Desktop& desktop = *site.desktop;
+  ReceiveAll(desktop);
   bool undo = true;
   for (auto _ : state) {
     desktop.guard([&] { undo ? desktop.undo.Undo() : desktop.undo.Redo(); });
@@ -50,6 +60,137 @@ void Undo(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(Undo)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+// The open list of all parameters. Each of them is checked, differs from its standard value, with which it is
+// compared, is changed and outside its limits, so that every filter lets all pass.
+struct ListSite : WindowSite {
+  ListSite() : WindowSite(kLastParameter) {
+    Module1& module = desktop->module;
+    desktop->guard([&] {
+      for (int i = 1; i < module.ParCount; ++i) {
+        module.SetNumber(i, module.Par[i].Max + i, ValueSource::Edited);
+        module.ParNode[i] = kTrue;
+      }
+    });
+    desktop->main.findChild<QAction*>(u"mnuWerkzeugeListe"_s)->trigger();
+    rows = Of<QAbstractItemView>(u"parameters"_s).viewport();
+    rows->installEventFilter(&painting);
+    auto& comparison = Of<QComboBox>(u"comparison"_s);
+    Q_EMIT comparison.activated(1);
+    Paint();
+  }
+
+  template <typename Widget>
+  Widget& Of(const QString& name) const {
+    return *desktop->list->findChild<Widget*>(name);
+  }
+
+  void SetFilters(bool pressed) const {
+    for (const auto& name : {u"filterChecked"_s, u"filterDifferent"_s, u"filterNonStandard"_s,
+                             u"filterChanged"_s, u"filterOutside"_s})
+      Of<QPushButton>(name).setChecked(pressed);
+  }
+
+  // Waits until the rows are painted, and nothing is left to be done.
+  void Paint() {
+    painting.count = 0;
+    while (painting.count == 0)
+      QApplication::processEvents();
+    QApplication::processEvents();
+  }
+
+  struct Painting : QObject {
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+      if (event->type() == QEvent::Paint) ++count;
+      return false;
+    }
+    int count = 0;
+  };
+
+  Painting painting;
+  QWidget* rows = nullptr;
+};
+
+// One key in the search field, from the event until the rows are painted: the letter of that number of a
+// word. Half of the words occur in every parameter, the others in ever fewer.
+void ListTyping(benchmark::State& state) {
+  constexpr std::array kWords{u"parameter", u"r123 _gru"};
+  ListSite site;
+  const QString word = QString::fromUtf16(kWords[static_cast<std::size_t>(state.range(1))]);
+  const QString typed = word.left(state.range(0) - 1);
+  const QString letter = word.sliced(state.range(0) - 1, 1);
+  site.SetFilters(state.range(2) != 0);
+  auto& search = site.Of<QLineEdit>(u"search"_s);
+  for (auto _ : state) {
+    state.PauseTiming();
+    search.setText(u"nothing"_s);
+    search.setText(typed);
+    site.Paint();
+    state.ResumeTiming();
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, letter);
+    QApplication::sendEvent(&search, &key);
+    site.Paint();
+  }
+}
+BENCHMARK(ListTyping)->ArgsProduct({benchmark::CreateDenseRange(1, 9, 1), {0, 1}, {0, 1}});
+
+// Esc, which shows all again.
+void ListClearing(benchmark::State& state) {
+  ListSite site;
+  auto& search = site.Of<QLineEdit>(u"search"_s);
+  for (auto _ : state) {
+    state.PauseTiming();
+    search.setText(u"r1234"_s);
+    site.Paint();
+    state.ResumeTiming();
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(site.desktop->list.get(), &key);
+    site.Paint();
+  }
+}
+BENCHMARK(ListClearing);
+
+// A click on the heading of each column, which turns the order at every further one.
+void ListSorting(benchmark::State& state) {
+  ListSite site;
+  auto& header = site.Of<QHeaderView>(u"columns"_s);
+  const int column = static_cast<int>(state.range(0));
+  header.showSection(column);
+  header.setOffset(header.sectionPosition(column));
+  const QPointF place(header.sectionSize(column) / 2.0, header.height() / 2.0);
+  for (auto _ : state) {
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      QMouseEvent click(type, place, header.viewport()->mapToGlobal(place), Qt::LeftButton,
+                        type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+      QApplication::sendEvent(header.viewport(), &click);
+    }
+    site.Paint();
+  }
+  if (header.sortIndicatorSection() != column) state.SkipWithError("the click sorted by another column");
+}
+BENCHMARK(ListSorting)->DenseRange(0, kListColumns - 1);
+
+// What every event costs while the list is open, though it changes nothing.
+void ListUpdate(benchmark::State& state) {
+  const ListSite site;
+  for (auto _ : state)
+    site.desktop->list->Update();
+}
+BENCHMARK(ListUpdate);
+
+// A receive taken back, and done again, with the list open.
+void ListUndo(benchmark::State& state) {
+  ListSite site;
+  ui::Desktop& desktop = *site.desktop;
+  ReceiveAll(desktop);
+  bool undo = true;
+  for (auto _ : state) {
+    desktop.guard([&] { undo ? desktop.undo.Undo() : desktop.undo.Redo(); });
+    undo = !undo;
+    site.Paint();
+  }
+}
+BENCHMARK(ListUndo);
 
 // Lines of a report that is shown, each painted at once.
 void ReportAdd(benchmark::State& state) {

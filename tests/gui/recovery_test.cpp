@@ -11,6 +11,9 @@ namespace {
 const QString kFile = u"/zustand/Wiederherstellung.json"_s;
 
 class RecoveryTest : public GuiTest {
+ public:
+  ~RecoveryTest() override { desktop.reset(); }
+
  protected:
   RecoveryTest() {
     recovery.folder = u"/zustand"_s;
@@ -22,7 +25,6 @@ class RecoveryTest : public GuiTest {
     recovery.now = [this] { return now; };
     recovery.rest = std::chrono::milliseconds(kRest_ms);
   }
-  ~RecoveryTest() override { desktop.reset(); }
 
   static constexpr int kRest_ms = 50;
 

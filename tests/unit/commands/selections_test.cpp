@@ -232,6 +232,7 @@ TEST_F(SelectionsTest, WhatCannotBeWrittenIsTold) {
 // A file that the program itself could not read again is not written.
 TEST_F(SelectionsTest, TheFileHasALimit) {
   std::vector<ParameterRecord> records;
+  records.reserve(1999);
   for (int i = 0; i < 1999; ++i)
     records.push_back(Record(QString(2000, u'v') + QString::number(i), {}));
   Define(records);

@@ -474,6 +474,7 @@ TEST_F(ValueSets, ComparesAFullTableOfOneName) {
   for (int i = 1; i <= kLastParameter; ++i)
     AddNumber(u"A"_s, i);
   std::vector<SetValue> values;
+  values.reserve(kLastParameter);
   for (int i = 0; i < kLastParameter; ++i)
     values.push_back(Value(u"A"_s, i + 1 + i % 2, {}, i));
   const std::vector<ComparedValue> rows = CompareSets(module, TableValues(module), SetOf(values));

@@ -189,6 +189,7 @@ std::vector<ListRow> ParameterListView::HighlightedRows() const {
     shown.push_back(index.row());
   std::ranges::sort(shown);
   std::vector<ListRow> rows;
+  rows.reserve(shown.size());
   for (const int row : shown)
     rows.push_back(proxy_.ShownRow(row));
   return rows;
@@ -204,6 +205,7 @@ void ParameterListView::ToggleMarks() {
   const std::vector<ListRow> rows = HighlightedRows();
   if (rows.empty() || !OnMark) return;
   std::vector<int> indexes;
+  indexes.reserve(rows.size());
   for (const ListRow& row : rows)
     indexes.push_back(row.index);
   OnMark(indexes, !std::ranges::all_of(rows, &ListRow::checked));

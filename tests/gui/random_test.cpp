@@ -363,8 +363,9 @@ class KeptOpen final : public QObject {
 TEST_P(RandomEvents, NeverBringTheProgramIntoAWrongState) {
   UseController(GetParam() % 2 == 0 ? u"AB1-123.4"_s : u"AB1-012.0"_s);
   Start();
-  // The parameter list has random events of its own, with a model of its marks.
-  for (const QString& name : {u"mnuWerkzeugeListe"_s, u"mnuWerkzeugeSuchen"_s})
+  // The parameter list has random events of its own, with a model of its marks. Checking the definitions
+  // reads their files, by which the model here tells that the table was read anew.
+  for (const QString& name : {u"mnuWerkzeugeListe"_s, u"mnuWerkzeugeSuchen"_s, u"mnuWerkzeugePruefen"_s})
     Main<QAction>(name).setEnabled(false);
   desktop->main.OnOutside = {};
   AddFaults();
@@ -388,7 +389,7 @@ TEST_P(RandomEvents, NeverBringTheProgramIntoAWrongState) {
   CheckIdle();
   // Each kind of thing has happened, in nested event loops too.
   EXPECT_GE(deepest_, 2);
-  EXPECT_GE(checks_, 100);
+  EXPECT_GE(checks_, 50);
   EXPECT_GE(edits_, 5);
   EXPECT_GE(questions_, 5);
   EXPECT_GE(undone_, 5);

@@ -307,6 +307,17 @@ class Program:
         wait_for(lambda: self._activate(window), f"{window.name!r} in front")
         keys("alt+F4")
 
+    def close_main(self):
+        """Closes the program by its frame. On a busy machine the window manager misses a key that comes right after
+        the window did, so it is pressed until it works."""
+
+        def ended():
+            if self.process.poll() is None and self._activate(self.main):
+                keys("alt+F4")
+            return self.process.poll() is not None
+
+        wait_for(ended, "the end of the program")
+
     def _activate(self, window):
         search = ["search", "--onlyvisible", "--all", "--pid", str(self.process.pid)]
         command = ["xdotool", *search, "--name", f"^{window.name}$", "windowactivate", "--sync"]

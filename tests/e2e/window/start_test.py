@@ -4,8 +4,6 @@ import os
 import unittest
 
 from Scenario import Scenario
-
-from Bus import wait_for
 from Window import EXAMPLES, HZL120, HZL131, LFT205
 
 
@@ -40,8 +38,7 @@ class Start(Scenario):
 
     def test_stores_settings_but_not_those_of_the_command_line(self):
         program = self.program()
-        program.ask_to_close(program.main)
-        wait_for(lambda: program.process.poll() is not None, "the end of the program")
+        program.close_main()
         self.assertEqual(program.process.returncode, 0)
         store = configparser.ConfigParser()
         store.optionxform = str

@@ -550,7 +550,7 @@ class ListEvents : public GuiTest {
           platform::FileContent{"kurz", {}},
           {QByteArray(70, '\xff'), {}},
           {{}, u"Die Datei ist zu groß."_s},
-          {ComposeRecord(3, {}, u"XXX-999.9"_s, {}) + ComposeRecord(7, {}, u"n"_s, u"int"_s), {}}});
+          {ComposeRecord(3, {}, u"FRE-999.9"_s, {}) + ComposeRecord(7, {}, u"n"_s, u"int"_s), {}}});
       return false;
     }
     QByteArray image = ComposeRecord(5, {}, kNames[version], {});

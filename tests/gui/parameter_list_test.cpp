@@ -527,7 +527,7 @@ TEST_F(ParameterListTest, FilesThatAreNoneLeaveTheComparisonAsItIs) {
   StartWithList();
   Compare(1);
   files.files[u"/leer.qpf"_s] = {"kurz", {}};
-  AddFile(u"/fremd.qpf"_s, u"XXX-999.9"_s);
+  AddFile(u"/fremd.qpf"_s, u"FRE-999.9"_s);
   files.AddFailure(u"/riesig.qpf"_s, u"Die Datei ist zu groß."_s);
   dialogs.answers = {u""_s, u"/leer.qpf"_s, u"/fehlt.qpf"_s, u"/fremd.qpf"_s, u"/riesig.qpf"_s};
   for (int i = 0; i < 5; ++i)
@@ -539,7 +539,7 @@ TEST_F(ParameterListTest, FilesThatAreNoneLeaveTheComparisonAsItIs) {
   EXPECT_EQ(desktop->undo.UndoName(), QString());
   EXPECT_EQ(boxes[0].text, u"Fehler beim lesen von\r\n/leer.qpf\r\nDie Datei ist keine Wertedatei."_s);
   EXPECT_TRUE(boxes[1].text.startsWith(u"Fehler beim lesen von\r\n/fehlt.qpf\r\n"_s));
-  EXPECT_EQ(boxes[2].text, u"Fehler beim lesen von\r\n/fremd.qpf\r\nUnbekannte ReglerVersion: XXX-999.9"_s);
+  EXPECT_EQ(boxes[2].text, u"Fehler beim lesen von\r\n/fremd.qpf\r\nUnbekannte ReglerVersion: FRE-999.9"_s);
   EXPECT_EQ(Of<QComboBox>(u"comparison"_s).currentText(), u"Standardwerte"_s);
   EXPECT_EQ(Cell(0, ListColumn::Comparison), u"150.0"_s);
 }

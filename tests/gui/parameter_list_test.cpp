@@ -544,6 +544,16 @@ TEST_F(ParameterListTest, FilesThatAreNoneLeaveTheComparisonAsItIs) {
   EXPECT_EQ(Cell(0, ListColumn::Comparison), u"150.0"_s);
 }
 
+TEST_F(ParameterListTest, AnotherVersionWithTheSameDefinitionsEndsTheComparisonWithTheController) {
+  files.files[kFolder + u"/ZWEI.TXT"_s] = files.files[kFolder + u"/EINS.TXT"_s];
+  StartWithList();
+  Compare(3);
+  ASSERT_EQ(Of<QComboBox>(u"comparison"_s).currentText(), u"Regler"_s);
+  desktop->Run([this] { desktop->module.VersionList.Select(1); });
+  EXPECT_EQ(Of<QComboBox>(u"comparison"_s).currentText(), u"nichts"_s);
+  EXPECT_EQ(Cell(0, ListColumn::Comparison), QString());
+}
+
 TEST_F(ParameterListTest, ComparesWithTheControllerWithoutTouchingTheTable) {
   StartWithList();
   Toggle(u"sK 2"_s);

@@ -257,7 +257,10 @@ void ParameterListWindow::Update() {
 }
 
 void ParameterListWindow::Refresh() {
-  if (model_.DefinitionsChanged()) ForgetComparison();
+  // Versions may have the same definitions, but that controller is of one of them.
+  const bool otherController = comparison_ == Comparison::Controller &&
+                               compared_.version != world_.core.module.VersionList.SelectedText();
+  if (otherController || model_.DefinitionsChanged()) ForgetComparison();
   model_.SetRows(ListRows(world_.core.module, ComparedSet(), world_.isChanged));
   ShowComparison();
   ShowCounts();

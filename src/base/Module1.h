@@ -62,6 +62,7 @@ struct Settings {
   QString Userpath;                            ///< folder of value files, without separator at its end
   QString Inipath;                             ///< folder of the version table and definition files
   QString Inifile = QStringLiteral("VF.INI");  ///< file name of the version table
+  qint16 Ruhezeit = 2000;  ///< milliseconds that the careful line rests after a failed attempt
 };
 
 /// The conversation with user and controller.

@@ -12,7 +12,9 @@ constexpr int kTries = 3;
 constexpr qsizetype kAddressLength = 4;
 constexpr int kWordLength = 4;
 
-// "AB1-04D2…" becomes "AB1-123.4": type text, "-", the number with its last digit behind a point.
+}  // namespace
+
+// Type text, "-", the number with its last digit behind a point.
 QString VersionText(const QString& payload) {
   QString type = payload.left(4);
   if (type.size() < 4 || type.at(3) != u'-') type += u'-';
@@ -20,8 +22,6 @@ QString VersionText(const QString& payload) {
   const QString digits = su::Align(QString::number(number), 4, u"R", u"0");
   return type + digits.left(3) + u'.' + digits.right(1);
 }
-
-}  // namespace
 
 QString COM_A::Configure(qint16 slot, QStringView settings) {
   return host_.ConfigurePort(slot, kControllerProtocol, settings_.Adresse, settings_.Schnittstelle,
@@ -50,14 +50,13 @@ Identification COM_A::AskVersion(qint16 slot) {
   return {!IsError(answer), answer};
 }
 
-// Letter 0 writes, letter 1 reads; blanks without a selected version.
 QString COM_A::Body(int letter, QStringView address) const {
-  return versions_.SelectedVersion().Kennung.Padded().at(letter) + address.right(kAddressLength).toString();
+  return CommandLetter(versions_, letter) + address.right(kAddressLength).toString();
 }
 
 bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
   if (host_.Ports[slot].Protokoll != kControllerProtocol) return true;
-  const QString body = Body(0, address) + su::HexPad(value, kWordLength);
+  const QString body = Body(kWriteLetter, address) + su::HexPad(value, kWordLength);
   const QString result = transport_.SendWithRetry(slot, body, true, kTries);
   if (!IsError(result)) return true;
   onFailure_(result);
@@ -67,7 +66,7 @@ bool COM_A::WriteWord(qint16 slot, qint32 value, const QString& address) {
 bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
   digits.clear();
   if (host_.Ports[slot].Protokoll == kControllerProtocol)
-    digits = transport_.SendWithRetry(slot, Body(1, address), true, kTries);
+    digits = transport_.SendWithRetry(slot, Body(kReadLetter, address), true, kTries);
   if (IsError(digits)) {
     onFailure_(digits);
     return false;

@@ -7,14 +7,12 @@
 
 #include "base/Module1.h"
 #include "comm/COM_T.h"
+#include "comm/CarefulLine.h"
 
 namespace kalivor {
 
-/// What the version query came to.
-struct Identification {
-  bool succeeded = false;
-  QString text;  ///< the version ("AB1-123.4"); of a failure what the user reads about it
-};
+/// "AB1-04D2…", the payload of a version reply, as the user reads it: "AB1-123.4".
+[[nodiscard]] QString VersionText(const QString& payload);
 
 /// Words are 16 bits. An address is hexadecimal text, of which the last four characters are sent. Command
 /// letters come from the version table's row of the selected version.
@@ -33,6 +31,11 @@ class COM_A {
   /// The same controller on the same line, whose failures are told to `onFailure` instead.
   [[nodiscard]] COM_A TellingFailuresTo(FailureHandler onFailure) const {
     return COM_A(settings_, versions_, host_, std::move(onFailure));
+  }
+
+  /// The same controller on the same line, asked with care; `goOn` as there.
+  [[nodiscard]] CarefulLine AskingCarefully(std::function<bool()> goOn) const {
+    return CarefulLine(settings_, versions_, host_, std::move(goOn));
   }
 
   /// The version text of the connected controller ("AB1-123.4"), or a failure ("ERROR: …"). Tries the

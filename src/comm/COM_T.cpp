@@ -93,15 +93,23 @@ QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int 
   return result;
 }
 
-QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
+QString COM_T::Frame(qint16 slot, QStringView body) {
   QString frame = u'#' + su::HexPad(host_.Ports[slot].Adr, 2) + u"02"_s;
   frame += body;
   frame += Checksum(frame) + kCarriageReturn;
+  return frame;
+}
+
+QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
+  const QString frame = Frame(slot, body);
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
+  const QString reply = SendReceive(slot, frame, wantReply);
+  return wantReply ? PayloadOf(reply) : reply;
+}
 
-  QString reply = SendReceive(slot, frame, wantReply);
-  if (!wantReply || IsError(reply)) return reply;
+QString COM_T::PayloadOf(const QString& reply) {
+  if (IsError(reply)) return reply;
   if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
   if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));

@@ -19,6 +19,12 @@ class COM_T {
   /// One attempt: the payload of a good reply, or a failure. "" when no reply is wanted.
   [[nodiscard]] QString Transact(qint16 slot, QStringView body, bool wantReply);
 
+  /// The complete request with this body, for the slot's station.
+  [[nodiscard]] QString Frame(qint16 slot, QStringView body);
+
+  /// The payload of a `reply` as SendReceive() returns it, or a failure.
+  [[nodiscard]] static QString PayloadOf(const QString& reply);
+
   /// Sends the complete `frame` and returns the reply without the echo of the frame. Opens the port before
   /// and closes it after. A line ends at its first control character, however its characters arrive; what
   /// stands behind it is the beginning of the next line of this exchange.

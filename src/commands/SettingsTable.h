@@ -22,9 +22,10 @@ struct RunSettings {
 /// type decides how it is converted to and from text.
 template <typename Value>
 struct Setting {
-  QStringView key;                                   ///< in the section "Settings"
+  QStringView key;
   Value Settings::*member = nullptr;                 ///< where the program has it
   std::optional<Value> RunSettings::*run = nullptr;  ///< the option that stands for it; nullptr: none
+  QStringView section = u"Settings";
 };
 
 /// A number, and those that the options offer and the command line takes. A stored one may be any other.
@@ -42,7 +43,9 @@ struct TextSetting : Setting<QString> {
 inline constexpr NumberSetting kAdresse{{u"Adresse", &Settings::Adresse, &RunSettings::address}, 0, 255};
 inline constexpr NumberSetting kSchnittstelle{
     {u"Schnittstelle", &Settings::Schnittstelle, &RunSettings::port}, 1, platform::kLargestPortNumber};
-inline constexpr const NumberSetting* kNumberSettings[] = {&kAdresse, &kSchnittstelle};
+inline constexpr NumberSetting kRuhezeit{
+    {u"Ruhezeit", &Settings::Ruhezeit, nullptr, u"SicherSenden"}, 500, 30000};
+inline constexpr const NumberSetting* kNumberSettings[] = {&kAdresse, &kSchnittstelle, &kRuhezeit};
 inline constexpr TextSetting kTextSettings[] = {
     {{u"Userpath", &Settings::Userpath}, true},
     {{u"Inipath", &Settings::Inipath, &RunSettings::iniPath}, true},

@@ -1,6 +1,5 @@
 #include "core/ControllerValues.h"
 
-#include "comm/TH.h"
 #include "core/Busy.h"
 #include "core/ControllerValue.h"
 
@@ -8,61 +7,6 @@ using namespace Qt::StringLiterals;
 
 namespace kalivor {
 namespace {
-
-// Time since the beginning; what the clock jumps backwards, as it does at midnight, is left out.
-class Stopwatch {
- public:
-  explicit Stopwatch(const platform::Clock& clock) : clock_(&clock), last_(clock.SecondsSinceMidnight()) {}
-
-  double Passed_s() {
-    const double now = clock_->SecondsSinceMidnight();
-    if (now > last_) passed_ += now - last_;
-    last_ = now;
-    return passed_;
-  }
-
- private:
-  const platform::Clock* clock_;
-  double last_;  // seconds since midnight
-  double passed_ = 0;
-};
-
-// Shows how far the work has come, and lets the window live, at most ten times a second.
-class Progress {
- public:
-  Progress(Core& core, ProgressForm& form, const QString& work)
-      : core_(core), form_(form), watch_(core.clock) {
-    form_.Show(work);
-    core_.events.ProcessPending();
-  }
-  ~Progress() { form_.Hide(); }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  // The work that is counted begins now.
-  void Begin(int total) {
-    total_ = total;
-    watch_ = Stopwatch(core_.clock);
-  }
-
-  void Done() {
-    ++done_;
-    const double passed_s = watch_.Passed_s();
-    if (done_ < total_ && pause_.Remaining() > 0) return;
-    constexpr int kPause_ms = 100;
-    pause_ = SoftTimer(core_.clock, kPause_ms);
-    form_.Step(done_, total_, passed_s / done_ * (total_ - done_));
-    core_.events.ProcessPending();
-  }
-
- private:
-  Core& core_;
-  ProgressForm& form_;
-  Stopwatch watch_;
-  SoftTimer pause_;
-  int total_ = 0;
-  int done_ = 0;
-};
 
 // Why the connected controller's values are of no use; "" where they are.
 QString ControllerFault(Core& core) {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <set>
 #include <span>
+#include <tuple>
 #include <vector>
 
 #include "core/ControllerImage.h"
@@ -39,7 +40,7 @@ struct SafeValue {
 };
 
 /// What a run is for.
-enum class SafeKind { Send, Receive, Verify, Restore, Finish, TakeBack };
+enum class SafeKind { Send, Receive, Verify, Compare, Restore, Finish, TakeBack };
 
 /// One run: what is wanted, and what has become of it so far.
 struct SafeRun {
@@ -58,7 +59,7 @@ struct SafeRun {
   [[nodiscard]] int Count(SafeState state) const;
   /// How many are chosen.
   [[nodiscard]] int Chosen() const;
-  /// Something was written of which it is not known what became of it.
+  /// Something was written, and not everything that was to be is verified or known to have failed.
   [[nodiscard]] bool Unfinished() const;
 };
 
@@ -89,6 +90,10 @@ struct NamedWords {
   QString Typ;  ///< without trailing blanks
 
   bool operator==(const NamedWords&) const = default;
+  friend bool operator<(const NamedWords& left, const NamedWords& right) {
+    return std::tie(left.Variable, left.VarAdresse, left.Typ) <
+           std::tie(right.Variable, right.VarAdresse, right.Typ);
+  }
 };
 
 /// The parameters that `names` stand for, which are to hold what `image` does. Those that the definitions do
@@ -101,12 +106,14 @@ struct NamedWords {
 /// The run that brings back what was there before `run` wrote: the values of which a word was begun.
 [[nodiscard]] SafeRun WantedBack(const Module1& module, const SafeRun& run);
 
-/// Identifies the controller (version and plant type have to be the selected ones) and reads every word of
-/// the run once; with `confirm` what is not as wanted is read twice. Values become Equal, Different or stay
-/// NotRead with a reason; the different ones that can be sent and are inside their limits are chosen. Where
-/// the controller is another one, does not answer (any more) or the user ends it, `error` says so. Identifies
-/// the controller again at the end: another one then means that nothing was read.
-void ReadWords(Core& core, SafeRun& run, ProgressForm& form, bool confirm);
+/// Identifies the controller and reads every word of the run once; what differs is read twice, but where it
+/// is going to be written, which reads it again. The version has to be the selected one and, except for
+/// Compare, the plant type too. Values become Equal, Different or stay NotRead with a reason. The different
+/// ones are chosen if they can be sent and the new value is inside its limits; what finishes a sending or
+/// takes it back, whatever the limits. Where the controller is another one, does not answer (any more) or the
+/// user ends it, `error` or `aborted` says so. The controller is identified again at the end: where it is
+/// another one then, nothing was read.
+void ReadWords(Core& core, SafeRun& run, ProgressForm& form);
 
 /// Writes the chosen values: only words that differ, each read again just before (another value than the one
 /// known means that somebody else has changed it: it fails) and told to the keeper. Then every word that was

@@ -85,7 +85,10 @@ TEST_F(ControllerValues, ReadsTheCheckedOnesAndNothingElse) {
   const SetResult read = Read();
   ASSERT_TRUE(read.Ok()) << read.error.toStdString();
   EXPECT_FALSE(read.aborted);
-  EXPECT_EQ(Lines(Requests()), u"v00 | R1F00 | R1F02 | R1F04 | R1F08 | R1F0A"_s);
+  EXPECT_EQ(Lines(Requests()),
+            u"v00 | R2000 | R1F00 | R1F00 | R1F02 | R1F04 | R1F04 | R1F08 | R1F08 | R1F0A | R1F0A | v00 | "
+            "R2000"_s)
+      << "what differs is read twice, and the controller identified at both ends";
   EXPECT_EQ(read.set.origin, Origin::Controller);
   EXPECT_EQ(read.set.name, u"Regler"_s);
   EXPECT_EQ(read.set.version, u"AB1-123.4"_s);
@@ -116,7 +119,7 @@ TEST_F(ControllerValues, KeepsTheNumbersOfArrayElements) {
 TEST_F(ControllerValues, WhatCannotBeReadIsNotRead) {
   module.SetNumber(2, 77, ValueSource::Edited);
   const Module1 before = module;
-  Silence(3, 3);  // the first word of the long, all its attempts
+  Silence(5, 3);  // the first word of the long, all its attempts
   const SetResult read = Read();
   ASSERT_TRUE(read.Ok());
   ASSERT_EQ(read.set.values.size(), 4U);
@@ -130,7 +133,7 @@ TEST_F(ControllerValues, WhatCannotBeReadIsNotRead) {
 TEST_F(ControllerValues, ATextThatIsReadInPartIsNotRead) {
   for (const int checked : {1, 2, 3})
     module.ParNode[checked] = kFalse;
-  Silence(3, 3);  // its second word
+  Silence(5, 3);  // its second word
   const SetResult read = Read();
   EXPECT_FALSE(read.set.values.at(0).read);
   EXPECT_EQ(read.set.values.at(0).value.text, QString());
@@ -140,7 +143,7 @@ TEST_F(ControllerValues, WithoutAddressNothingIsAsked) {
   module.Par[2].VarAdresse.clear();
   const SetResult read = Read();
   EXPECT_FALSE(read.set.values.at(1).read);
-  EXPECT_EQ(Lines(Requests()), u"v00 | R1F00 | R1F07 | R1F08 | R1F0A"_s);
+  EXPECT_FALSE(Requests().contains(u"R1F02"_s));
   EXPECT_EQ(progress.steps.back().done, 4);
 }
 
@@ -157,7 +160,7 @@ TEST_F(ControllerValues, ReadsNothingWhereNothingIsChecked) {
   const SetResult read = Read();
   EXPECT_TRUE(read.Ok());
   EXPECT_TRUE(read.set.values.empty());
-  EXPECT_EQ(Lines(Requests()), u"v00"_s);
+  EXPECT_EQ(Lines(Requests()), u"v00 | R2000 | v00 | R2000"_s);
 }
 
 // --- no set ---
@@ -204,15 +207,19 @@ TEST_F(ControllerValues, IsRefusedWhileAnOperationIsUnderWay) {
   EXPECT_TRUE(progress.work.isEmpty()) << "the form does not show";
 }
 
-TEST_F(ControllerValues, ARuntimeErrorLeavesNothingBusy) {
+TEST_F(ControllerValues, AReplyThatIsNoNumberIsNotRead) {
   model.OnResponse = [](const QByteArray& request, sim::Response& response) {
-    if (request.contains("R1F04")) response.chunks = {{0, sim::Sealed("10102RG000")}};
+    if (request.contains("R1F00")) response.chunks = {{0, sim::Sealed("10102RG000")}};
   };
-  module.Par[2].Typ = u"int"_s;
-  module.Par[2].VarAdresse = u"1F04"_s;
   const Module1 prepared = module;
-  EXPECT_EQ(ThrownKind([&] { (void)Read(); }), RuntimeError::Kind::Overflow);
+  EXPECT_FALSE(Read().set.values.at(0).read);
   ExpectUntouched(prepared);
+}
+
+TEST_F(ControllerValues, AControllerThatFallsSilentIsNoSet) {
+  Silence(5, 100);
+  EXPECT_EQ(Read().error, u"Der Regler antwortet nicht mehr.\r\nkein Empfang"_s);
+  EXPECT_TRUE(Rests());
 }
 
 // --- abort ---

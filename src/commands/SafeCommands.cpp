@@ -1,0 +1,159 @@
+#include "commands/SafeCommands.h"
+
+#include <algorithm>
+
+#include "core/Busy.h"
+#include "core/Refresh.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor {
+namespace {
+
+SafeRun Ended(SafeRun run, const QString& error) {
+  run.error = error;
+  return run;
+}
+
+SafeRun Read(const SafeContext& context, SafeRun run) {
+  if (context.core.module.BusyDepth > 0) return Ended(std::move(run), u"Es wird noch gearbeitet."_s);
+  if (run.values.empty()) return Ended(std::move(run), u"Kein Parameter ist angekreuzt."_s);
+  const BusyGuard busy(context.core);
+  ReadWords(context.core, run, context.progress);
+  return run;
+}
+
+SafeRun ReadTable(const SafeContext& context, SafeKind kind) {
+  return Read(context, WantedOfTable(context.core.module, kind));
+}
+
+// Why something of this controller does not fit what is selected; "" where it does.
+QString SelectionFault(const Module1& module, const BackupHead& head) {
+  const auto differs = [](const QString& what, const QString& theirs, const QString& ours) {
+    return u"%1: %2\r\nAusgewählt ist %3."_s.arg(what, theirs, ours);
+  };
+  if (head.version != module.VersionList.SelectedText())
+    return differs(u"Andere ReglerVersion"_s, head.version, module.VersionList.SelectedText());
+  if (head.plantType != module.PlantTypeList.SelectedText())
+    return differs(u"Andere Anlageart"_s, head.plantType, module.PlantTypeList.SelectedText());
+  return {};
+}
+
+SafeRun ReadNamed(const SafeContext& context, SafeKind kind, const BackupHead& head,
+                  const std::vector<NamedWords>& names, const ControllerImage& image, int& unknown) {
+  SafeRun none;
+  none.kind = kind;
+  const QString fault = SelectionFault(context.core.module, head);
+  if (!fault.isEmpty()) return Ended(std::move(none), fault);
+  SafeRun run = WantedOfImage(context.core.module, kind, names, image, unknown);
+  if (run.values.empty()) return Ended(std::move(none), u"Kein Wert davon passt zu den Definitionen."_s);
+  return Read(context, std::move(run));
+}
+
+// The words that the sending wanted, as far as they were known; the rest of a word as it was.
+ControllerImage WantedWords(const Sending& sending) {
+  ControllerImage image = sending.before;
+  for (const CodedWord& word : sending.wanted) {
+    quint16& now = image[word.address];
+    now = static_cast<quint16>((now & ~word.mask) | word.bits);
+  }
+  return image;
+}
+
+}  // namespace
+
+SafeRun ReadToSend(const SafeContext& context) {
+  return ReadTable(context, SafeKind::Send);
+}
+
+SafeRun ReadToReceive(const SafeContext& context) {
+  return ReadTable(context, SafeKind::Receive);
+}
+
+SafeRun ReadToVerify(const SafeContext& context) {
+  return ReadTable(context, SafeKind::Verify);
+}
+
+SafeRun ReadToRestore(const SafeContext& context, const Backup& backup, int& unknown) {
+  return ReadNamed(context, SafeKind::Restore, backup.head, backup.values, backup.words, unknown);
+}
+
+SafeRun ReadToFinish(const SafeContext& context, const Sending& sending) {
+  int unknown = 0;
+  SafeRun run =
+      ReadNamed(context, SafeKind::Finish, sending.head, sending.values, WantedWords(sending), unknown);
+  // What was there before the sending is what can be taken back, not what it has left.
+  for (const auto& [address, word] : sending.before) {
+    if (run.before.contains(address)) run.before[address] = word;
+  }
+  for (SafeValue& value : run.values)
+    value.before = Decoded(context.core.module.Par[value.index], run.before);
+  run.begun.insert(sending.begun.begin(), sending.begun.end());
+  run.backup = sending.backup;
+  return run;
+}
+
+SafeRun ReadToTakeBack(const SafeContext& context, const Sending& sending) {
+  int unknown = 0;
+  return ReadNamed(context, SafeKind::TakeBack, sending.head, sending.values, sending.before, unknown);
+}
+
+SafeRun ReadToTakeBack(const SafeContext& context, const SafeRun& run) {
+  return Read(context, WantedBack(context.core.module, run));
+}
+
+void WriteChosen(const SafeContext& context, SafeRun& run) {
+  if (context.core.module.BusyDepth > 0) {
+    run.error = u"Es wird noch gearbeitet."_s;
+    return;
+  }
+  const BusyGuard busy(context.core);
+  WriteWords(context.core, run, context.store, context.progress);
+}
+
+int ChooseFailed(SafeRun& run) {
+  for (SafeValue& value : run.values) {
+    value.chosen = value.chosen && value.sendable &&
+                   (value.state == SafeState::Failed || value.state == SafeState::Deviating ||
+                    value.state == SafeState::Unverified);
+  }
+  return run.Chosen();
+}
+
+int TakeOverChosen(Core& core, SafeRun& run) {
+  if (core.module.BusyDepth > 0) return 0;
+  int taken = 0;
+  for (SafeValue& value : run.values) {
+    if (!value.chosen || !value.controller) continue;
+    core.module.SetValue(value.index, *value.controller, ValueSource::Received);
+    value.state = SafeState::Equal;
+    ++taken;
+  }
+  if (taken > 0) Refresh(core, 2);
+  return taken;
+}
+
+QString SafeTitle(SafeKind kind) {
+  switch (kind) {
+    case SafeKind::Send:
+      return u"Sicher senden"_s;
+    case SafeKind::Receive:
+      return u"Sicher empfangen"_s;
+    case SafeKind::Verify:
+    case SafeKind::Compare:
+      return u"Prüfen"_s;
+    case SafeKind::Restore:
+      return u"Wiederherstellen"_s;
+    case SafeKind::Finish:
+      return u"Sendung beenden"_s;
+    case SafeKind::TakeBack:
+      return u"Zurücknehmen"_s;
+  }
+  return {};
+}
+
+QString UnfinishedText(const ParameterTable& definitions, const Sending& sending) {
+  return u"%1 von %2 Werten geschrieben"_s.arg(ValuesBegun(definitions, sending)).arg(sending.values.size());
+}
+
+}  // namespace kalivor

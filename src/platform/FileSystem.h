@@ -3,6 +3,8 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
+#include <memory>
 
 namespace kalivor::platform {
 
@@ -13,6 +15,29 @@ struct FileContent {
   bool missing = false;  ///< the failure is that there is no such file
 
   [[nodiscard]] bool Ok() const { return error.isEmpty(); }
+};
+
+/// What a folder holds, or why it could not be read.
+struct FolderContent {
+  QStringList names;     ///< of the regular files, without their folder, in no particular order
+  QString error;         ///< German description of the failure; empty on success
+  bool missing = false;  ///< the failure is that there is no such folder
+};
+
+/// A file that only grows while it is open.
+class LogFile {
+ public:
+  virtual ~LogFile() = default;
+
+  /// Appends `bytes` and brings them to the disk. Returns "" or a German description of the failure; a part
+  /// of the bytes may be there then.
+  [[nodiscard]] virtual QString Append(const QByteArray& bytes) = 0;
+};
+
+/// A log, or why it could not be opened.
+struct OpenedLog {
+  std::unique_ptr<LogFile> log;
+  QString error;  ///< German description of the failure; empty on success
 };
 
 class FileSystem {
@@ -39,6 +64,15 @@ class FileSystem {
   /// As Overwrite(), but the file is afterwards exactly `content`, a folder that takes no new file is a
   /// failure, and folders that are missing on the way are made, for the user alone.
   [[nodiscard]] virtual QString Replace(const QString& path, const QByteArray& content) = 0;
+
+  /// The regular files of a folder.
+  [[nodiscard]] virtual FolderContent List(const QString& folder) = 0;
+
+  /// Removes a regular file; one that is missing is no failure. Returns "" or a German description.
+  [[nodiscard]] virtual QString Remove(const QString& path) = 0;
+
+  /// Opens an existing regular file for appending.
+  [[nodiscard]] virtual OpenedLog OpenLog(const QString& path) = 0;
 };
 
 }  // namespace kalivor::platform

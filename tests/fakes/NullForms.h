@@ -113,6 +113,21 @@ class MemoryFiles final : public platform::FileSystem {
     files[path] = content;
     return {};
   }
+  [[nodiscard]] platform::FolderContent List(const QString& folder) override {
+    return FolderOf(files, folder);
+  }
+  [[nodiscard]] QString Remove(const QString& path) override {
+    files.remove(path);
+    return {};
+  }
+  [[nodiscard]] platform::OpenedLog OpenLog(const QString& path) override {
+    if (!files.contains(path)) return {nullptr, QStringLiteral("Datei nicht gefunden.")};
+    return {std::make_unique<CalledLog>([this, path](const QByteArray& bytes) {
+              files[path] += bytes;
+              return QString();
+            }),
+            {}};
+  }
 };
 
 /// No port can be opened.

@@ -39,6 +39,9 @@ struct ToldFiles final : platform::FileSystem {
     told();
     return stored.Read(path, largest_bytes);
   }
+  [[nodiscard]] platform::FolderContent List(const QString& folder) override { return stored.List(folder); }
+  [[nodiscard]] QString Remove(const QString& path) override { return stored.Remove(path); }
+  [[nodiscard]] platform::OpenedLog OpenLog(const QString& path) override { return stored.OpenLog(path); }
 };
 
 class LaunchTest : public GuiTest, public QObject {

@@ -1,4 +1,4 @@
-// The operating system's calls that finding and saving a file consists of.
+// The operating system's calls that finding, saving and removing a file consists of.
 #pragma once
 
 #include <fcntl.h>
@@ -42,6 +42,8 @@ class FileCalls {
   virtual ssize_t Write(int fd, const char* bytes, size_t count, off_t position) const {
     return pwrite(fd, bytes, count, position);
   }
+  /// To a file that was opened with O_APPEND.
+  virtual ssize_t Append(int fd, const char* bytes, size_t count) const { return write(fd, bytes, count); }
   virtual int Truncate(int fd, off_t size) const { return ftruncate(fd, size); }
   virtual int ChangeOwner(int fd, uid_t owner, gid_t group) const { return fchown(fd, owner, group); }
   virtual int ChangeMode(int fd, mode_t mode) const { return fchmod(fd, mode); }

@@ -13,6 +13,12 @@
 
 namespace kalivor::platform {
 
+/// What is wrong with a file of that status if it is to be a regular one.
+[[nodiscard]] inline int KindError(const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  return S_ISREG(status.st_mode) ? 0 : ENOTSUP;
+}
+
 /// A file that was opened through the calls. Every operation returns 0 or an error number.
 class OpenFile {
  public:
@@ -30,36 +36,41 @@ class OpenFile {
     return ErrorOf([&] { return calls_.OpenStatus(fd_, status); });
   }
 
-  /// Opens the file of that status and reads it up to its end. Directories (EISDIR), devices and pipes
-  /// (ENOTSUP) and files above `largest_bytes` (EFBIG) are refused.
-  [[nodiscard]] int ReadRegular(const QByteArray& path, int flags, qint64 largest_bytes, struct stat& status,
-                                QByteArray& bytes) {
+  /// Opens the file of that status. Directories (EISDIR), devices and pipes (ENOTSUP) and files above
+  /// `largest_bytes` (EFBIG) are refused.
+  [[nodiscard]] int OpenRegular(const QByteArray& path, int flags, qint64 largest_bytes,
+                                struct stat& status) {
     const auto check = [&] {
-      if (S_ISDIR(status.st_mode)) return EISDIR;
-      if (!S_ISREG(status.st_mode)) return ENOTSUP;
-      return status.st_size > largest_bytes ? EFBIG : 0;
+      const int error = KindError(status);
+      return error == 0 && status.st_size > largest_bytes ? EFBIG : error;
     };
     // Before opening, because to open a device can already set it going.
     int error = check();
     if (error == 0) error = Open(path, flags | O_NONBLOCK);
     if (error == 0) error = Status(status);
     // And again, because another file can have taken the name meanwhile.
-    if (error == 0) error = check();
+    return error != 0 ? error : check();
+  }
+
+  /// The same, and reads it up to its end.
+  [[nodiscard]] int ReadRegular(const QByteArray& path, int flags, qint64 largest_bytes, struct stat& status,
+                                QByteArray& bytes) {
+    const int error = OpenRegular(path, flags, largest_bytes, status);
     return error != 0 ? error : ReadAll(status.st_size, largest_bytes, bytes);
   }
 
   /// Writes at the file's beginning. `written`: how far it came.
   [[nodiscard]] int Write(const QByteArray& bytes, qsizetype& written) const {
     written = 0;
-    while (written < bytes.size()) {
-      const auto rest = static_cast<size_t>(bytes.size() - written);
-      const ssize_t count =
-          Uninterrupted([&] { return calls_.Write(fd_, bytes.constData() + written, rest, written); });
-      if (count < 0) return errno;
-      if (count == 0) return EIO;
-      written += count;
-    }
-    return 0;
+    return InSteps(bytes, written,
+                   [&](const char* from, size_t count) { return calls_.Write(fd_, from, count, written); });
+  }
+
+  /// Writes at the end of a file that was opened with O_APPEND.
+  [[nodiscard]] int Append(const QByteArray& bytes) const {
+    qsizetype written = 0;
+    return InSteps(bytes, written,
+                   [&](const char* from, size_t count) { return calls_.Append(fd_, from, count); });
   }
 
   [[nodiscard]] int Truncate(qsizetype size) const {
@@ -92,6 +103,19 @@ class OpenFile {
   }
 
  private:
+  // As often as it takes: the system may write less than it is asked to.
+  template <typename Call>
+  [[nodiscard]] static int InSteps(const QByteArray& bytes, qsizetype& written, Call write) {
+    while (written < bytes.size()) {
+      const auto rest = static_cast<size_t>(bytes.size() - written);
+      const ssize_t count = Uninterrupted([&] { return write(bytes.constData() + written, rest); });
+      if (count < 0) return errno;
+      if (count == 0) return EIO;
+      written += count;
+    }
+    return 0;
+  }
+
   // The end may lie elsewhere than the file's size says.
   [[nodiscard]] int ReadAll(qint64 expected_bytes, qint64 largest_bytes, QByteArray& bytes) const {
     constexpr qsizetype kLeastStep_bytes = 4096;

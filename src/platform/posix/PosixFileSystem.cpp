@@ -1,6 +1,7 @@
 // Files of the computer.
 #include "platform/posix/PosixFileSystem.h"
 
+#include <QFile>
 #include <cerrno>
 
 #include "platform/posix/FileErrors.h"
@@ -13,14 +14,67 @@ using namespace Qt::StringLiterals;
 namespace kalivor::platform {
 namespace {
 
-int ReadFile(const FileCalls& calls, QByteArray path, qint64 largest_bytes, QByteArray& bytes) {
+// Finds what exists under a name, which becomes the real one.
+int Find(const FileCalls& calls, QByteArray& path, struct stat& status) {
   if (path.contains('\0')) return EINVAL;
-  struct stat status {};
   const auto find = [&] { return ErrorOf([&] { return calls.Status(path, status); }); };
   int error = find();
   if (error == ENOENT && (error = CorrectCase(calls, path)) == 0) error = find();
+  return error;
+}
+
+int ReadFile(const FileCalls& calls, QByteArray path, qint64 largest_bytes, QByteArray& bytes) {
+  struct stat status {};
+  const int error = Find(calls, path, status);
   return error != 0 ? error : OpenFile(calls).ReadRegular(path, O_RDONLY, largest_bytes, status, bytes);
 }
+
+int ListFiles(const FileCalls& calls, QByteArray folder, QStringList& files) {
+  struct stat status {};
+  int error = Find(calls, folder, status);
+  if (error == 0 && !S_ISDIR(status.st_mode)) error = ENOTDIR;
+  QByteArrayList names;
+  if (error == 0) error = ErrorOf([&] { return calls.List(folder, names); });
+  if (error != 0) return error;
+  for (const QByteArray& name : names) {
+    error = ErrorOf([&] { return calls.Status(folder + '/' + name, status); });
+    // It is gone meanwhile, or a link that leads nowhere.
+    if (error == ENOENT || error == ELOOP) continue;
+    if (error != 0) return error;
+    if (S_ISREG(status.st_mode)) files.append(QFile::decodeName(name));
+  }
+  return 0;
+}
+
+int RemoveFile(const FileCalls& calls, QByteArray path) {
+  struct stat status {};
+  int error = Find(calls, path, status);
+  if (error == 0) error = KindError(status);
+  if (error == 0) error = ErrorOf([&] { return calls.Remove(path); });
+  return error == ENOENT ? 0 : error;
+}
+
+class PosixLog final : public LogFile {
+ public:
+  explicit PosixLog(const FileCalls& calls) : calls_(calls), file_(calls) {}
+
+  [[nodiscard]] int Open(QByteArray path) {
+    struct stat status {};
+    const int error = Find(calls_, path, status);
+    constexpr int kFlags = O_WRONLY | O_APPEND;
+    return error != 0 ? error : file_.OpenRegular(path, kFlags, FileSystem::kLargestFile_bytes, status);
+  }
+
+  [[nodiscard]] QString Append(const QByteArray& bytes) override {
+    int error = file_.Append(bytes);
+    if (error == 0) error = file_.Sync();
+    return error == 0 ? QString() : DescribeWriting(error);
+  }
+
+ private:
+  const FileCalls& calls_;
+  OpenFile file_;
+};
 
 QString DescriptionOf(const SaveResult& result) {
   if (result.error == 0) return {};
@@ -69,6 +123,27 @@ QString PosixFileSystem::Replace(const QString& path, const QByteArray& content)
     if (result.error == 0) result = Save(calls_, name, content, Tail::Cut);
   }
   return DescriptionOf(result);
+}
+
+FolderContent PosixFileSystem::List(const QString& folder) {
+  FolderContent content;
+  const int error = ListFiles(calls_, SystemPath(folder), content.names);
+  if (error == 0) return content;
+  // The folder is what is missing, as it is for writing.
+  const bool missing = error == ENOENT;
+  return {{}, missing ? DescribeWriting(error) : DescribeReading(error), missing};
+}
+
+QString PosixFileSystem::Remove(const QString& path) {
+  const int error = RemoveFile(calls_, SystemPath(path));
+  return error == 0 ? QString() : DescribeWriting(error);
+}
+
+OpenedLog PosixFileSystem::OpenLog(const QString& path) {
+  auto log = std::make_unique<PosixLog>(calls_);
+  const int error = log->Open(SystemPath(path));
+  if (error != 0) return {nullptr, error == ENOENT ? DescribeReading(error) : DescribeWriting(error)};
+  return {std::move(log), {}};
 }
 
 }  // namespace kalivor::platform

@@ -14,6 +14,9 @@ class PosixFileSystem final : public FileSystem {
   [[nodiscard]] FileContent Read(const QString& path, qint64 largest_bytes = kLargestFile_bytes) override;
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
   [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override;
+  [[nodiscard]] FolderContent List(const QString& folder) override;
+  [[nodiscard]] QString Remove(const QString& path) override;
+  [[nodiscard]] OpenedLog OpenLog(const QString& path) override;
 
  private:
   const FileCalls& calls_;

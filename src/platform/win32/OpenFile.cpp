@@ -17,10 +17,23 @@ std::wstring Text(Call call) {
   return text;
 }
 
-DWORD Move(HANDLE file, qint64 position) {
+DWORD Move(HANDLE file, qint64 position, DWORD origin = FILE_BEGIN) {
   LARGE_INTEGER place{};
   place.QuadPart = position;
-  return ErrorOf(SetFilePointerEx(file, place, nullptr, FILE_BEGIN));
+  return ErrorOf(SetFilePointerEx(file, place, nullptr, origin));
+}
+
+// Where the file stands. `written`: how far it came.
+DWORD WriteHere(HANDLE file, const QByteArray& bytes, qsizetype& written) {
+  DWORD error = ERROR_SUCCESS;
+  while (error == ERROR_SUCCESS && written < bytes.size()) {
+    DWORD count = 0;
+    const auto rest = static_cast<DWORD>(bytes.size() - written);
+    error = ErrorOf(WriteFile(file, bytes.constData() + written, rest, &count, nullptr));
+    if (error == ERROR_SUCCESS && count == 0) error = ERROR_WRITE_FAULT;
+    written += static_cast<qsizetype>(count);
+  }
+  return error;
 }
 
 }  // namespace
@@ -63,15 +76,14 @@ DWORD OpenFile::ReadAll(qint64 largest_bytes, QByteArray& bytes) const {
 
 DWORD OpenFile::Write(const QByteArray& bytes, qsizetype& written) const {
   written = 0;
-  DWORD error = Move(handle_.Get(), 0);
-  while (error == ERROR_SUCCESS && written < bytes.size()) {
-    DWORD count = 0;
-    const auto rest = static_cast<DWORD>(bytes.size() - written);
-    error = ErrorOf(WriteFile(handle_.Get(), bytes.constData() + written, rest, &count, nullptr));
-    if (error == ERROR_SUCCESS && count == 0) error = ERROR_WRITE_FAULT;
-    written += static_cast<qsizetype>(count);
-  }
-  return error;
+  const DWORD error = Move(handle_.Get(), 0);
+  return error != ERROR_SUCCESS ? error : WriteHere(handle_.Get(), bytes, written);
+}
+
+DWORD OpenFile::Append(const QByteArray& bytes) const {
+  qsizetype written = 0;
+  const DWORD error = Move(handle_.Get(), 0, FILE_END);
+  return error != ERROR_SUCCESS ? error : WriteHere(handle_.Get(), bytes, written);
 }
 
 DWORD OpenFile::Truncate(qint64 size) const {

@@ -28,6 +28,9 @@ class OpenFile {
 
   /// Writes at the file's beginning. `written`: how far it came.
   [[nodiscard]] DWORD Write(const QByteArray& bytes, qsizetype& written) const;
+
+  /// Writes at the file's end.
+  [[nodiscard]] DWORD Append(const QByteArray& bytes) const;
   [[nodiscard]] DWORD Truncate(qint64 size) const;
 
   /// Brings what was written to the disk.

@@ -187,6 +187,49 @@ SaveResult Save(std::wstring path, const QByteArray& bytes, Tail tail) {
   return {error};
 }
 
+DWORD ListFiles(std::wstring folder, QStringList& files) {
+  if (folder.empty()) return ERROR_INVALID_NAME;
+  const DWORD present = GetFileAttributesW(folder.c_str());
+  if (present == INVALID_FILE_ATTRIBUTES) return GetLastError();
+  if ((present & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
+  if (!folder.ends_with(L'\\')) folder += L'\\';
+  WIN32_FIND_DATAW entry{};
+  const HANDLE search = FindFirstFileW((folder + L'*').c_str(), &entry);
+  DWORD error = search == INVALID_HANDLE_VALUE ? GetLastError() : DWORD{ERROR_SUCCESS};
+  while (error == ERROR_SUCCESS) {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+      files.append(QString::fromWCharArray(entry.cFileName));
+    error = ErrorOf(FindNextFileW(search, &entry));
+  }
+  if (search != INVALID_HANDLE_VALUE) (void)FindClose(search);
+  // The root of a drive can be without any entry.
+  return error == ERROR_NO_MORE_FILES || error == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_SUCCESS} : error;
+}
+
+DWORD RemoveFile(const std::wstring& path) {
+  if (path.empty()) return ERROR_INVALID_NAME;
+  const DWORD present = GetFileAttributesW(path.c_str());
+  if (present == INVALID_FILE_ATTRIBUTES) return GetLastError();
+  if ((present & FILE_ATTRIBUTE_DIRECTORY) != 0) return kErrorDirectoryNotSupported;
+  return Patiently([&] { return ErrorOf(DeleteFileW(path.c_str())); });
+}
+
+class Win32Log final : public LogFile {
+ public:
+  [[nodiscard]] DWORD Open(const std::wstring& path) {
+    return Patiently([&] { return file_.Open(path, GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING); });
+  }
+
+  [[nodiscard]] QString Append(const QByteArray& bytes) override {
+    DWORD error = file_.Append(bytes);
+    if (error == ERROR_SUCCESS) error = file_.Flush();
+    return error == ERROR_SUCCESS ? QString() : DescribeWriting(KindOf(error), static_cast<int>(error));
+  }
+
+ private:
+  OpenFile file_;
+};
+
 QString DescriptionOf(const SaveResult& result) {
   if (result.error == ERROR_SUCCESS) return {};
   const QString description = DescribeWriting(KindOf(result.error), static_cast<int>(result.error));
@@ -216,6 +259,35 @@ QString Win32FileSystem::Replace(const QString& path, const QByteArray& content)
   if (result.error == ERROR_PATH_NOT_FOUND && QDir().mkpath(QFileInfo(path).path()))
     result = Save(SystemPath(path), content, Tail::Cut);
   return DescriptionOf(result);
+}
+
+FolderContent Win32FileSystem::List(const QString& folder) {
+  FolderContent content;
+  const DWORD error =
+      folder.isEmpty() ? DWORD{ERROR_PATH_NOT_FOUND} : ListFiles(SystemPath(folder), content.names);
+  if (error == ERROR_SUCCESS) return content;
+  const FileError kind = KindOf(error);
+  const auto number = static_cast<int>(error);
+  // The folder is what is missing, as it is for writing.
+  const bool missing = kind == FileError::NotFound;
+  return {{}, missing ? DescribeWriting(kind, number) : DescribeReading(kind, number), missing};
+}
+
+QString Win32FileSystem::Remove(const QString& path) {
+  const DWORD error = path.isEmpty() ? DWORD{ERROR_FILE_NOT_FOUND} : RemoveFile(SystemPath(path));
+  const FileError kind = KindOf(error);
+  const bool gone = error == ERROR_SUCCESS || kind == FileError::NotFound;
+  return gone ? QString() : DescribeWriting(kind, static_cast<int>(error));
+}
+
+OpenedLog Win32FileSystem::OpenLog(const QString& path) {
+  auto log = std::make_unique<Win32Log>();
+  const DWORD error = path.isEmpty() ? DWORD{ERROR_FILE_NOT_FOUND} : log->Open(SystemPath(path));
+  if (error == ERROR_SUCCESS) return {std::move(log), {}};
+  const FileError kind = KindOf(error);
+  const auto number = static_cast<int>(error);
+  return {nullptr,
+          kind == FileError::NotFound ? DescribeReading(kind, number) : DescribeWriting(kind, number)};
 }
 
 }  // namespace kalivor::platform

@@ -14,6 +14,11 @@ class Win32FileSystem final : public FileSystem {
   /// A file that another program holds open is tried again for a second.
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override;
   [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override;
+  [[nodiscard]] FolderContent List(const QString& folder) override;
+  [[nodiscard]] QString Remove(const QString& path) override;
+
+  /// Meanwhile others may read the file, but neither write nor replace it.
+  [[nodiscard]] OpenedLog OpenLog(const QString& path) override;
 };
 
 }  // namespace kalivor::platform

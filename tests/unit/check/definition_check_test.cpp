@@ -606,6 +606,9 @@ class DiskFiles final : public platform::FileSystem {
     return u"unbenutzt"_s;
   }
   QString Replace(const QString& /*path*/, const QByteArray& /*content*/) override { return u"unbenutzt"_s; }
+  platform::FolderContent List(const QString& /*folder*/) override { return {{}, u"unbenutzt"_s}; }
+  QString Remove(const QString& /*path*/) override { return u"unbenutzt"_s; }
+  platform::OpenedLog OpenLog(const QString& /*path*/) override { return {nullptr, u"unbenutzt"_s}; }
 };
 
 class ShippedExampleTest : public testing::Test {

@@ -21,6 +21,7 @@ enum class FileCall {
   OpenStatus,
   Read,
   Write,
+  Append,
   Truncate,
   ChangeOwner,
   ChangeMode,
@@ -79,6 +80,9 @@ class FaultyFileCalls final : public platform::FileCalls {
   }
   ssize_t Write(int fd, const char* bytes, size_t count, off_t position) const override {
     return Fails(FileCall::Write) ? -1 : FileCalls::Write(fd, bytes, Shortened(count), position);
+  }
+  ssize_t Append(int fd, const char* bytes, size_t count) const override {
+    return Fails(FileCall::Append) ? -1 : FileCalls::Append(fd, bytes, Shortened(count));
   }
   int Truncate(int fd, off_t size) const override {
     return Fails(FileCall::Truncate) ? -1 : FileCalls::Truncate(fd, size);

@@ -61,6 +61,7 @@ QString Demo::Start() {
   if (!fault.isEmpty()) return fault;
   (void)controller_->station.memory.LoadValues(controller_->station.module, OwnValues());
   controller_->model.emplace(*controller_->station.controller, controller_->faults);
+  controller_->model->SetOther(*controller_->station.other);
   controller_->line.emplace(controller_->clock, *controller_->model);
   return {};
 }

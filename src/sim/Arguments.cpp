@@ -120,7 +120,7 @@ Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das P
                          (sonst 1), höchstens ANZAHL mal. ART: silent, late:MS,
                          lost-byte, doubled-byte, flipped-bit, bad-checksum, split,
                          noise, error-NN, wrong-length, echo-only, unplug,
-                         foreign-reply
+                         foreign-reply, ignore-write; oder swap:N
   --seed N               Startwert für die Störungen: gleicher Wert, gleicher Ablauf
   --trace                jedes Telegramm mit Zeit auf der Fehlerausgabe
   --help                 diese Hilfe

@@ -31,6 +31,13 @@ std::optional<QByteArray> VersionPayload(const QString& version) {
   return match.captured(1).left(4).toLatin1() + Hex(number, 4);
 }
 
+QByteArray NextVersionPayload(const QByteArray& payload) {
+  constexpr int kType = 4;
+  constexpr unsigned kNumbers = 10000;
+  const unsigned number = payload.mid(kType).toUInt(nullptr, 16);
+  return payload.left(kType) + Hex((number + 1) % kNumbers, 4);
+}
+
 Controller::Controller(Memory& memory, int address, const FixedText<2>& commands,
                        const QByteArray& versionPayload)
     : memory_(memory),
@@ -40,6 +47,7 @@ Controller::Controller(Memory& memory, int address, const FixedText<2>& commands
       version_(versionPayload) {}
 
 std::optional<QByteArray> Controller::Reply(const QByteArray& request) {
+  written_.reset();
   if (request.size() < kShortestRequest) return {};
   if (request.front() != kRequestStart || request.back() != kTelegramEnd) return {};
   const QByteArray content = request.chopped(kTelegramTail);
@@ -49,6 +57,10 @@ std::optional<QByteArray> Controller::Reply(const QByteArray& request) {
   const QByteArray header = '1' + address_ + "02";
   if (content.mid(3, 2) != "02") return Sealed(header + "?02");
   return Sealed(header + Answer(content.mid(5)));
+}
+
+void Controller::ForgetWrite() {
+  if (written_) memory_.SetWord(written_->address, written_->before);
 }
 
 // The command letter and the payload, or the error code.
@@ -70,6 +82,7 @@ QByteArray Controller::Answer(const QByteArray& body) {
 
   const quint16 address = operands.left(4).toUShort(nullptr, 16);
   if (operands.size() == 4) return letter + Hex(memory_.Word(address), 4);
+  written_ = {address, memory_.Word(address)};
   memory_.SetWord(address, operands.mid(4).toUShort(nullptr, 16));
   return QByteArray(1, letter);
 }

@@ -16,6 +16,9 @@ namespace kalivor::sim {
 /// ASCII characters in front.
 [[nodiscard]] std::optional<QByteArray> VersionPayload(const QString& version);
 
+/// The payload of a controller whose version number is the next one.
+[[nodiscard]] QByteArray NextVersionPayload(const QByteArray& payload);
+
 class Controller {
  public:
   /// `address`: station address 0..255. `commands`: write and read command letter.
@@ -27,6 +30,9 @@ class Controller {
   /// 05 wrong number of operands, 06 no hexadecimal digit, 07 another record than "00" in the version query.
   [[nodiscard]] std::optional<QByteArray> Reply(const QByteArray& request);
 
+  /// What the request before has written is as it was.
+  void ForgetWrite();
+
  private:
   QByteArray Answer(const QByteArray& body);
 
@@ -35,6 +41,10 @@ class Controller {
   char write_;
   char read_;
   QByteArray version_;
+  struct Write {
+    quint16 address, before;
+  };
+  std::optional<Write> written_;  // by the request before
 };
 
 }  // namespace kalivor::sim

@@ -13,7 +13,7 @@ namespace kalivor::sim {
 namespace {
 
 // Error is not among them: its name carries the code.
-constexpr std::array<std::pair<FaultKind, QStringView>, 12> kNames = {{
+constexpr std::array<std::pair<FaultKind, QStringView>, 14> kNames = {{
     {FaultKind::Silent, u"silent"},
     {FaultKind::Late, u"late"},
     {FaultKind::LostByte, u"lost-byte"},
@@ -26,6 +26,8 @@ constexpr std::array<std::pair<FaultKind, QStringView>, 12> kNames = {{
     {FaultKind::EchoOnly, u"echo-only"},
     {FaultKind::Unplug, u"unplug"},
     {FaultKind::ForeignReply, u"foreign-reply"},
+    {FaultKind::IgnoreWrite, u"ignore-write"},
+    {FaultKind::Swap, u"swap"},
 }};
 constexpr QStringView kErrorPrefix = u"error-";
 constexpr int kLongestDelay_ms = 600000;
@@ -43,6 +45,11 @@ std::optional<Fault> FaultFromName(const QString& name) {
   return Fault{FaultKind::Error, 0, code.toLatin1()};
 }
 
+// The one reply without a payload.
+bool AcknowledgesWrite(const QByteArray& reply) {
+  return reply.size() == kReplyHeader + 1 + kTelegramTail;
+}
+
 }  // namespace
 
 std::optional<FaultRule> ParseFault(const QString& text) {
@@ -55,6 +62,11 @@ std::optional<FaultRule> ParseFault(const QString& text) {
     if (parts.isEmpty()) return {};
     rule.fault.delay_ms = parts.takeFirst().toInt(&valid);
     if (!valid || rule.fault.delay_ms < 0 || rule.fault.delay_ms > kLongestDelay_ms) return {};
+  }
+  if (fault->kind == FaultKind::Swap) {
+    if (parts.size() != 1) return {};
+    rule.fault.from = parts.takeFirst().toInt(&valid);
+    if (!valid || rule.fault.from < 1) return {};
   }
   if (!parts.isEmpty()) {
     rule.rate = parts.takeFirst().toDouble(&valid);
@@ -77,22 +89,32 @@ QString FaultName(const Fault& fault) {
 
 Response Faults::Apply(const QByteArray& request, const QByteArray& reply, bool echoes) {
   ++exchanges_;
-  const std::optional<Fault> fault = Choose();
+  const std::optional<Fault> fault = Choose(AcknowledgesWrite(reply));
   Response response = fault ? Damaged(*fault, request, reply, echoes) : Response{{{0, reply}}, false, {}};
   response.fault = fault;
   previous_ = reply;
   return response;
 }
 
-std::optional<Fault> Faults::Choose() {
+void Faults::Add(const FaultRule& rule) {
+  if (rule.fault.kind != FaultKind::Swap) {
+    rules_.push_back(rule);
+  } else if (!swapAt_ || rule.fault.from < *swapAt_) {
+    swapAt_ = rule.fault.from;
+  }
+}
+
+std::optional<Fault> Faults::Choose(bool acknowledgesWrite) {
   const auto planned = plan_.find(exchanges_);
   if (planned != plan_.end()) return planned->second;
   for (FaultRule& rule : rules_) {
     if (rule.count && *rule.count == 0) continue;
+    if (rule.fault.kind == FaultKind::IgnoreWrite && !acknowledgesWrite) continue;
     if (!Strikes(rule.rate)) continue;
     if (rule.count) --*rule.count;
     return rule.fault;
   }
+  if (exchanges_ == swapAt_) return Fault{FaultKind::Swap, 0, {}, exchanges_};
   return {};
 }
 
@@ -131,6 +153,13 @@ Response Faults::Damaged(const Fault& fault, const QByteArray& request, const QB
       return {{}, true, {}};
     case FaultKind::ForeignReply:
       return whole(Foreign(reply));
+    case FaultKind::IgnoreWrite: {
+      Response response = whole(reply);
+      response.ignoresWrite = true;
+      return response;
+    }
+    case FaultKind::Swap:
+      return whole(reply);
   }
   return {};
 }

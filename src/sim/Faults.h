@@ -24,6 +24,8 @@ enum class FaultKind {
   EchoOnly,      ///< the request comes back, but no reply
   Unplug,        ///< the line vanishes
   ForeignReply,  ///< an intact reply to another request, or of another station
+  IgnoreWrite,   ///< a write is acknowledged and not kept
+  Swap,          ///< from exchange `from` on another controller answers
 };
 
 /// Shorter than the reply time-out of 400 ms.
@@ -31,8 +33,9 @@ inline constexpr int kSplitPause_ms = 150;
 
 struct Fault {
   FaultKind kind = FaultKind::Silent;
-  int delay_ms = 0;  ///< of Late
-  QByteArray code;   ///< of Error: two characters
+  int delay_ms = 0;      ///< of Late
+  QByteArray code = {};  ///< of Error: two characters
+  int from = 0;          ///< of Swap: counted from 1
 
   bool operator==(const Fault&) const = default;
 };
@@ -46,7 +49,8 @@ struct FaultRule {
   bool operator==(const FaultRule&) const = default;
 };
 
-/// Reads "KIND[:RATE[:COUNT]]" ("lost-byte:0.1", "late:350:1:2", "error-04"); empty when it is none.
+/// Reads "KIND[:RATE[:COUNT]]" ("lost-byte:0.1", "late:350:1:2", "error-04") or "swap:N"; empty when it is
+/// none.
 [[nodiscard]] std::optional<FaultRule> ParseFault(const QString& text);
 
 /// The name of the kind in that notation ("late", "error-04").
@@ -65,6 +69,7 @@ struct Response {
   std::vector<Chunk> chunks;
   bool unplug = false;         ///< the line vanishes after the chunks
   std::optional<Fault> fault;  ///< what happened to it
+  bool ignoresWrite = false;   ///< what the request has written is not kept
 
   bool operator==(const Response&) const = default;
 };
@@ -74,8 +79,9 @@ class Faults {
  public:
   explicit Faults(quint32 seed = 0) : generator_(seed) {}
 
-  /// Rules are tried in the order in which they were added; the first that strikes is the one.
-  void Add(const FaultRule& rule) { rules_.push_back(rule); }
+  /// Rules are tried in the order in which they were added; the first that strikes is the one. IgnoreWrite
+  /// strikes acknowledged writes alone. Swap has neither rate nor count, and takes no reply away from others.
+  void Add(const FaultRule& rule);
 
   /// Puts a fault on exchange `number`, counted from 1. It comes before every rule.
   void Plan(int number, const Fault& fault) { plan_[number] = fault; }
@@ -84,11 +90,14 @@ class Faults {
   /// anyway.
   [[nodiscard]] Response Apply(const QByteArray& request, const QByteArray& reply, bool echoes);
 
+  /// The next exchange is answered by another controller.
+  [[nodiscard]] bool Swapped() const { return swapAt_ && exchanges_ + 1 >= *swapAt_; }
+
   /// Exchanges so far.
   [[nodiscard]] int Exchanges() const { return exchanges_; }
 
  private:
-  std::optional<Fault> Choose();
+  std::optional<Fault> Choose(bool acknowledgesWrite);
   Response Damaged(const Fault& fault, const QByteArray& request, const QByteArray& reply, bool echoes);
   QByteArray WithFlippedBit(QByteArray reply);
   QByteArray WithBadChecksum(const QByteArray& reply);
@@ -102,6 +111,7 @@ class Faults {
   std::mt19937 generator_;
   std::vector<FaultRule> rules_;
   std::map<int, Fault> plan_;
+  std::optional<int> swapAt_;
   int exchanges_ = 0;
   QByteArray previous_;  // the last good reply
 };

@@ -39,6 +39,10 @@ class LineModel {
   /// `controller` and `faults` must outlive the model.
   LineModel(Controller& controller, Faults& faults, const LineOptions& options = {});
 
+  /// The controller that takes the place of the first one when the faults say so; without it nothing does.
+  /// It must outlive the model.
+  void SetOther(Controller& other) { other_ = &other; }
+
   /// The PC sends bytes at `baud`. Their wire time starts now, or when the bytes before them are through.
   /// A "#" begins a new request; a carriage return completes it.
   void Receive(double now, QByteArrayView bytes, int baud);
@@ -75,6 +79,7 @@ class LineModel {
   void Schedule(double time, char byte);
 
   Controller& controller_;
+  Controller* other_ = nullptr;
   Faults& faults_;
   LineOptions options_;
   QByteArray request_;

@@ -97,6 +97,7 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
   for (const FaultRule& rule : arguments.faults)
     faults.Add(rule);
   LineModel model(*station.controller, faults, arguments.line);
+  model.SetOther(*station.other);
   if (arguments.trace) {
     model.OnTrace = [&console, start = Line::Seconds()](const TraceEvent& event) {
       console.error(TraceLine(event.time - start, event));

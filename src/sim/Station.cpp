@@ -51,9 +51,12 @@ QString SetUp(Station& station, platform::FileSystem& files, const QString& vers
     return u"Kein Regler kann sich mit der Version „"_s + selected.Version +
            u"“ melden: Sie muss aus drei oder vier Zeichen, „-“ und einer Nummer wie 012.0 bestehen."_s;
   }
-  station.memory.LoadStandards(station.module);
-  (void)station.memory.SetPlantNumber(station.module, 0);
+  for (Memory* memory : {&station.memory, &station.otherMemory}) {
+    memory->LoadStandards(station.module);
+    (void)memory->SetPlantNumber(station.module, 0);
+  }
   station.controller.emplace(station.memory, address, selected.Kennung, *payload);
+  station.other.emplace(station.otherMemory, address, selected.Kennung, NextVersionPayload(*payload));
   return {};
 }
 

@@ -17,16 +17,18 @@ namespace kalivor::sim {
 [[nodiscard]] QString LoadDefinitions(Module1& module, platform::FileSystem& files,
                                       const QString& controller);
 
-/// A controller of one version with its memory.
+/// A controller of one version with its memory, and one of the next version that may take its place.
 struct Station {
   Module1 module;
   Memory memory;
+  Memory otherMemory;
   std::optional<Controller> controller;
+  std::optional<Controller> other;
 };
 
 /// Makes `station` the controller of version `version` (the first one of the table when empty) at `address`
-/// that the definitions in `module` describe, with their standard values and plant number 0. Returns "" or a
-/// German description of the failure in one line.
+/// that the definitions in `module` describe, with their standard values and plant number 0; the other
+/// controller has the same. Returns "" or a German description of the failure in one line.
 [[nodiscard]] QString SetUp(Station& station, platform::FileSystem& files, const QString& version,
                             int address);
 

@@ -48,5 +48,23 @@ INSTANTIATE_TEST_SUITE_P(Each, FaultyLines, testing::ValuesIn(AllLines()), [](co
   return name.replace(u'-', u'_').replace(u':', u'_').toStdString();
 });
 
+TEST(FaultySimulator, AcknowledgesWritesThatItDoesNotKeep) {
+  const Simulator simulator({u"--fault"_s, u"ignore-write"_s});
+  Cli cli(simulator.Device());
+  const QStringList edited = {u"--set"_s,   u"_Hk1RaumSollTag=22.5"_s, u"--uncheck"_s, u"all"_s,
+                              u"--check"_s, u"_Hk1RaumSollTag"_s};
+  EXPECT_EQ(cli.Run(QStringList(u"send"_s) + edited).status, 0);
+  EXPECT_EQ(cli.Run(QStringList(u"compare"_s) + edited).status, 1);
+}
+
+TEST(FaultySimulator, IsAnotherControllerFromATelegramOn) {
+  const Simulator simulator({u"--fault"_s, u"swap:2"_s});
+  Cli cli(simulator.Device());
+  const QString first = cli.Run({u"identify"_s}).out;
+  const QString second = cli.Run({u"identify"_s}).out;
+  EXPECT_NE(first, second);
+  EXPECT_EQ(cli.Run({u"identify"_s}).out, second);
+}
+
 }  // namespace
 }  // namespace kalivor::test

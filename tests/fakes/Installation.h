@@ -22,14 +22,15 @@ class FarEnd {
  public:
   FakeClock clock;
   sim::Memory memory;
+  sim::Memory otherMemory;
   sim::Controller station;
+  sim::Controller nextVersion;  // of the next version; takes the place of the first one where the faults say so
   sim::Faults faults;
   sim::LineModel model;
   sim::SimulatedLine line{clock, model};
 
   FarEnd(const QString& version, const sim::LineOptions& options)
-      : station(memory, 1, FixedText<2>(u"WR"_s), sim::VersionPayload(version).value_or(QByteArray())),
-        model(station, faults, options) {}
+      : FarEnd(sim::VersionPayload(version).value_or(QByteArray()), options) {}
 
   /// Stores words from `address` on.
   void Store(quint16 address, const std::vector<quint16>& words) {
@@ -57,6 +58,14 @@ class FarEnd {
       if (!frame.isEmpty()) bodies.append(QString::fromLatin1(frame.mid(kHead).chopped(kChecksum)));
     }
     return bodies;
+  }
+
+ private:
+  FarEnd(const QByteArray& payload, const sim::LineOptions& options)
+      : station(memory, 1, FixedText<2>(u"WR"_s), payload),
+        nextVersion(otherMemory, 1, FixedText<2>(u"WR"_s), sim::NextVersionPayload(payload)),
+        model(station, faults, options) {
+    model.SetOther(nextVersion);
   }
 };
 

@@ -47,6 +47,23 @@ TEST_F(ControllerTest, WritesAWordAndAnswersWithoutPayload) {
   EXPECT_EQ(memory.Word(0x1F00), 0xBEEF);
 }
 
+TEST_F(ControllerTest, ForgetsWhatTheRequestBeforeHasWritten) {
+  memory.SetWord(0x1F00, 0x1234);
+  EXPECT_EQ(ReplyTo("W1F00BEEF"), Sealed("10102W"));
+  controller.ForgetWrite();
+  EXPECT_EQ(memory.Word(0x1F00), 0x1234);
+  EXPECT_EQ(ReplyTo("W1F00BEEF"), Sealed("10102W"));
+  EXPECT_EQ(ReplyTo("R1F00"), Sealed("10102RBEEF"));
+  controller.ForgetWrite();
+  EXPECT_EQ(memory.Word(0x1F00), 0xBEEF);
+}
+
+TEST(NextVersionPayload, HasTheNextNumberOfThoseThatThereAre) {
+  EXPECT_EQ(NextVersionPayload("HZL-0078"), "HZL-0079");
+  EXPECT_EQ(NextVersionPayload("ABCD04FF"), "ABCD0500");
+  EXPECT_EQ(NextVersionPayload("HZL-270F"), "HZL-0000");
+}
+
 TEST_F(ControllerTest, AnswersForItsOwnStationOnly) {
   Controller other(memory, 0xA7, FixedText<2>(u"WR"_s), "HZL-0078");
   EXPECT_FALSE(other.Reply(Sealed("#0102v00")));

@@ -60,22 +60,26 @@ TEST(ParseFault, ReadsKindRateAndCount) {
   EXPECT_EQ(ParseFault(u"unplug:1:3"_s), (FaultRule{{FaultKind::Unplug, 0, {}}, 1, 3}));
   EXPECT_EQ(ParseFault(u"late:350"_s), (FaultRule{{FaultKind::Late, 350, {}}, 1, {}}));
   EXPECT_EQ(ParseFault(u"late:350:0.5:2"_s), (FaultRule{{FaultKind::Late, 350, {}}, 0.5, 2}));
+  EXPECT_EQ(ParseFault(u"ignore-write:0.5:2"_s), (FaultRule{{FaultKind::IgnoreWrite, 0, {}}, 0.5, 2}));
+  EXPECT_EQ(ParseFault(u"swap:7"_s), (FaultRule{{FaultKind::Swap, 0, {}, 7}, 1, {}}));
   EXPECT_EQ(ParseFault(u"error-07:0.5"_s), (FaultRule{{FaultKind::Error, 0, "07"}, 0.5, {}}));
 }
 
 TEST(ParseFault, RefusesEverythingElse) {
-  for (const QString& text : {u""_s,           u"loud"_s,       u"Silent"_s,      u"late"_s,
-                              u"late:"_s,      u"late:x"_s,     u"late:-1"_s,     u"late:9999999"_s,
-                              u"silent:"_s,    u"silent:1.5"_s, u"silent:-0.1"_s, u"silent:nan"_s,
-                              u"silent:0,5"_s, u"silent:1:0"_s, u"silent:1:x"_s,  u"silent:1:1:1"_s,
-                              u"error-"_s,     u"error-4"_s,    u"error-044"_s,   u"error- 4"_s,
-                              u"error-ä4"_s,   u"error"_s}) {
+  EXPECT_EQ(ParseFault(u"swap:2147483648"_s), std::nullopt);
+  for (const QString& text : {u"swap"_s,        u"swap:"_s,         u"swap:0"_s,     u"swap:x"_s,
+                              u"swap:1:1"_s,    u"ignored-write"_s, u""_s,           u"loud"_s,
+                              u"Silent"_s,      u"late"_s,          u"late:"_s,      u"late:x"_s,
+                              u"late:-1"_s,     u"late:9999999"_s,  u"silent:"_s,    u"silent:1.5"_s,
+                              u"silent:-0.1"_s, u"silent:nan"_s,    u"silent:0,5"_s, u"silent:1:0"_s,
+                              u"silent:1:x"_s,  u"silent:1:1:1"_s,  u"error-"_s,     u"error-4"_s,
+                              u"error-044"_s,   u"error- 4"_s,      u"error-ä4"_s,   u"error"_s}) {
     EXPECT_EQ(ParseFault(text), std::nullopt) << text.toStdString();
   }
 }
 
 TEST(ParseFault, NamesEveryKindAsItIsWritten) {
-  for (const QString& name : AllFaults()) {
+  for (const QString& name : AllFaults() + QStringList{u"ignore-write"_s, u"swap:7"_s}) {
     EXPECT_EQ(FaultName(ParseFault(name)->fault), name.section(u':', 0, 0));
   }
 }
@@ -217,6 +221,37 @@ TEST(Faults, ForeignReplyIsIntactAndComesFromElsewhere) {
   EXPECT_EQ(ofTheExchangeBefore + ofAnotherStation, kRounds);
   EXPECT_GT(ofTheExchangeBefore, kRounds / 4);
   EXPECT_GT(ofAnotherStation, kRounds / 4);
+}
+
+TEST(Faults, IgnoreWriteStrikesAcknowledgedWritesAlone) {
+  Faults faults = With(u"ignore-write:1:1"_s);
+  for (const QByteArray& other : {kReply, Sealed("10102vHZL-0078"), Sealed("10102?05")}) {
+    EXPECT_EQ(faults.Apply(kRequest, other, false), (Response{{{0, other}}, false, {}}));
+  }
+  const QByteArray acknowledged = Sealed("10102W");
+  const Response response = faults.Apply(Sealed("#0102W1F000001"), acknowledged, false);
+  EXPECT_TRUE(response.ignoresWrite);
+  EXPECT_EQ(BytesOf(response), acknowledged);
+  EXPECT_FALSE(faults.Apply(Sealed("#0102W1F000001"), acknowledged, false).ignoresWrite);
+}
+
+TEST(Faults, SwapBeginsAtItsExchangeAndLastsAndLeavesEveryReply) {
+  Faults faults = With(u"swap:3"_s);
+  faults.Add(*ParseFault(u"swap:5"_s));
+  faults.Add(*ParseFault(u"late:7:1:1"_s));
+  for (int number = 1; number <= 6; ++number) {
+    EXPECT_EQ(faults.Swapped(), number >= 3);
+    const Response response = faults.Apply(kRequest, kReply, false);
+    EXPECT_EQ(response.chunks, (std::vector<Chunk>{{number == 1 ? 7 : 0, kReply}}));
+    if (number != 1) {
+      EXPECT_EQ(response.fault.has_value(), number == 3);
+    }
+  }
+}
+
+TEST(Faults, NobodyIsSwappedWithoutBeingAskedFor) {
+  Faults faults = With(u"silent"_s);
+  EXPECT_FALSE(faults.Swapped());
 }
 
 TEST(Faults, StrikeAtTheirRate) {

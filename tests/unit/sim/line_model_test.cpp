@@ -60,6 +60,39 @@ TEST_F(LineModelTest, AnswersAtOnceWithoutPacing) {
   EXPECT_EQ(Line().NextTime(), std::nullopt);
 }
 
+TEST_F(LineModelTest, AcknowledgesAWriteAndDoesNotKeepIt) {
+  faults.Add({{FaultKind::IgnoreWrite, 0, {}}, 1, 1});
+  Line().Receive(1, kRequest, 9600);
+  EXPECT_EQ(AllBytes(), kReply);
+  Line().Receive(2, Sealed("#0102W1F001111"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10102W"));
+  EXPECT_EQ(memory.Word(0x1F00), 0x0ABC);
+  Line().Receive(3, Sealed("#0102W1F002222"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10102W"));
+  EXPECT_EQ(memory.Word(0x1F00), 0x2222);
+}
+
+TEST_F(LineModelTest, AnotherControllerTakesThePlaceOfTheFirst) {
+  Memory otherMemory;
+  Controller other(otherMemory, 1, FixedText<2>(u"WR"_s), NextVersionPayload("HZL-0078"));
+  Line().SetOther(other);
+  faults.Add({{FaultKind::Swap, 0, {}, 2}, 1, {}});
+  Line().Receive(1, Sealed("#0102v00"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10102vHZL-0078"));
+  Line().Receive(2, Sealed("#0102v00"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10102vHZL-0079"));
+  Line().Receive(3, Sealed("#0102W1F001111"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10102W"));
+  EXPECT_EQ(memory.Word(0x1F00), 0x0ABC);
+  EXPECT_EQ(otherMemory.Word(0x1F00), 0x1111);
+}
+
+TEST_F(LineModelTest, WithoutAnotherControllerTheFirstOneStays) {
+  faults.Add({{FaultKind::Swap, 0, {}, 1}, 1, {}});
+  Line().Receive(1, kRequest, 9600);
+  EXPECT_EQ(AllBytes(), kReply);
+}
+
 TEST_F(LineModelTest, PacesEveryByteByTenBits) {
   options.paced = true;
   for (const int baud : {9600, 19200}) {

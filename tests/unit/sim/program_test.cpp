@@ -111,6 +111,16 @@ class ProgramTest : public ::testing::Test {
   }
 };
 
+TEST_F(ProgramTest, AnotherControllerHasTheNextVersionAndTheStandardValues) {
+  const QString device = Start({u"--plant"_s, u"2"_s, u"--fault"_s, u"swap:3"_s});
+  EXPECT_EQ(Exchange(device, Sealed("#0102W1F041234"), 9), Sealed("10102W"));
+  EXPECT_EQ(Exchange(device, Sealed("#0102v00"), 17), Sealed("10102vHZL-0078"));
+  EXPECT_EQ(Exchange(device, Sealed("#0102v00"), 17), Sealed("10102vHZL-0079"));
+  EXPECT_EQ(Exchange(device, Sealed("#0102R1F04"), 13), Sealed("10102R0003"));
+  EXPECT_EQ(Exchange(device, Sealed("#0102R0A00"), 13), Sealed("10102R0000"));
+  EXPECT_EQ(Stop(), kDone);
+}
+
 TEST_F(ProgramTest, AnswersAsTheFirstVersionAndDumpsItsMemory) {
   const QString device = Start({u"--dump"_s, folder.filePath(u"dump"_s), u"--plant"_s, u"2"_s});
   EXPECT_TRUE(device.startsWith(u"/dev/"));

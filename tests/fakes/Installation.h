@@ -24,7 +24,8 @@ class FarEnd {
   sim::Memory memory;
   sim::Memory otherMemory;
   sim::Controller station;
-  sim::Controller nextVersion;  // of the next version; takes the place of the first one where the faults say so
+  sim::Controller
+      nextVersion;  // of the next version; takes the place of the first one where the faults say so
   sim::Faults faults;
   sim::LineModel model;
   sim::SimulatedLine line{clock, model};

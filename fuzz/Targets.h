@@ -25,10 +25,12 @@ bool InSample(QByteArrayView input, unsigned share);
 // Every target leaves nothing behind that the next input could see. Throws Defect; any other exception, and
 // whatever the sanitizers find, is a defect as well.
 void AddressList(QByteArrayView input);
+void BackupText(QByteArrayView input);
 void CommandLine(QByteArrayView input);
 void ControllerReply(QByteArrayView input);
 void DefinitionCheck(QByteArrayView input);
 void DefinitionFile(QByteArrayView input);
+void Journal(QByteArrayView input);
 void Numbers(QByteArrayView input);
 void Pages(QByteArrayView input);
 void RecoveryFile(QByteArrayView input);
@@ -44,10 +46,12 @@ struct Target {
 
 inline constexpr Target kTargets[] = {
     {"address_list", AddressList},
+    {"backup_text", BackupText},
     {"command_line", CommandLine},
     {"controller_reply", ControllerReply},
     {"definition_check", DefinitionCheck},
     {"definition_file", DefinitionFile},
+    {"journal", Journal},
     {"numbers", Numbers},
     {"pages", Pages},
     {"recovery_file", RecoveryFile},

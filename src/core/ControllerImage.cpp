@@ -55,10 +55,11 @@ std::vector<CodedWord> WordsOf(const ParameterRecord& record, const QByteArray& 
   return words;
 }
 
-bool FitsInBytes(qint32 number, int bytes) {
-  // What a byte can hold with its sign and without.
-  if (bytes == 1) return number >= -128 && number <= 255;
-  return bytes != 2 || (number >= -32768 && number <= 32767);
+// The limits decide; where they do not, the address, as the plain transfers have it.
+bool IsSignedByte(const ParameterRecord& record) {
+  if (record.Min < 0 && record.Max <= 127) return true;
+  if (record.Min >= 0 && record.Max > 127) return false;
+  return FirstAddress(record) % 2 == 0;
 }
 
 QByteArray NumberBytes(qint32 number, int count) {
@@ -66,13 +67,6 @@ QByteArray NumberBytes(qint32 number, int count) {
   for (int i = count - 1; i >= 0; --i)
     bytes.append(static_cast<char>(static_cast<quint32>(number) >> (8 * i) & 0xFFU));
   return bytes;
-}
-
-// The limits decide; where they do not, the address, as the plain transfers have it.
-bool IsSignedByte(const ParameterRecord& record) {
-  if (record.Min < 0 && record.Max <= 127) return true;
-  if (record.Min >= 0 && record.Max > 127) return false;
-  return FirstAddress(record) % 2 == 0;
 }
 
 qint32 NumberOf(const ParameterRecord& record, const QByteArray& bytes) {
@@ -111,8 +105,8 @@ CodedValue Coded(const ParameterRecord& record, const ParameterValue& value) {
     if (TextFromBytes(bytes) != text) return {{}, u"Zeichen, das der Regler nicht kennt"_s};
     bytes = bytes.leftJustified(count, ' ');
   } else {
-    if (!FitsInBytes(value.number, count)) return {{}, u"Zahl passt nicht in den Typ"_s};
     bytes = NumberBytes(value.number, count);
+    if (NumberOf(record, bytes) != value.number) return {{}, u"Zahl passt nicht in den Typ"_s};
   }
   return {WordsOf(record, bytes), {}};
 }

@@ -39,8 +39,8 @@ struct CodedValue {
 /// anything but a byte, an unknown type.
 [[nodiscard]] CodedValue PlacesOf(const ParameterRecord& record);
 
-/// The words of a value. A fault besides: a number that the type cannot hold, a text that is too long or has
-/// characters that the controller does not know.
+/// The words of a value. A fault besides: a number that would come back as another one, a text that is too
+/// long or has characters that the controller does not know.
 [[nodiscard]] CodedValue Coded(const ParameterRecord& record, const ParameterValue& value);
 
 /// The value that the image holds; empty where one of its words is missing, or PlacesOf has a fault. A byte

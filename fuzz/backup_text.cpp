@@ -8,7 +8,7 @@ namespace {
 
 // Rows of hexadecimal words behind the line that begins with `key`, counted without the program's reader.
 qsizetype RowsBehind(const QByteArray& bytes, QByteArrayView key) {
-  const qsizetype begin = bytes.indexOf(key);
+  const qsizetype begin = bytes.lastIndexOf(key);
   return bytes.sliced(begin).count('\n') - 2;
 }
 

@@ -9,8 +9,6 @@
 #include <cmath>
 #include <limits>
 
-#include "base/Paths.h"
-#include "commands/DamagedFile.h"
 #include "core/Busy.h"
 #include "core/Refresh.h"
 
@@ -19,8 +17,6 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-// A table takes some 300 KB.
-constexpr qint64 kLargestFile_bytes = qint64{16} * 1024 * 1024;
 constexpr int kFormat = 1;
 
 const QString kFormatKey = u"Format"_s;
@@ -216,64 +212,35 @@ bool RestoreTable(const FileCommandContext& context, const KeptTable& kept,
   return true;
 }
 
-QString Recovery::PathOf(int number) const {
-  return WithSeparator(world_.folder) + u"Wiederherstellung"_s +
-         (number == 1 ? QString() : u"-%1"_s.arg(number)) + u".json"_s;
-}
+Recovery::Recovery(platform::FileSystem& files, const RecoveryWorld& world)
+    : files_(files),
+      works_(!world.folder.isEmpty()),
+      file_(files, world.folder, u"Wiederherstellung.json"_s,
+            {u"Was beim letzten Mal nicht gespeichert wurde, kann nicht gelesen werden:"_s,
+             u"Die Datei mit den nicht gespeicherten Werten ist beschädigt und kann nicht benutzt werden:"_s},
+            world.take) {}
 
 QString Recovery::Load() {
-  for (int number = 1; Works() && number <= kMostPrograms; ++number) {
-    const QString path = PathOf(number);
-    const platform::FileContent before = files_.Read(path, kLargestFile_bytes);
-    if (before.missing || (before.Ok() && before.bytes.isEmpty()) || !world_.take(path)) continue;
-    return Read(path);
-  }
-  return {};
-}
-
-// Reads a file that nobody else writes any more.
-QString Recovery::Read(const QString& path) {
-  const platform::FileContent file = files_.Read(path, kLargestFile_bytes);
-  if (!file.Ok()) {
-    return u"Was beim letzten Mal nicht gespeichert wurde, kann nicht gelesen werden:\r\n"_s + path +
-           u"\r\n"_s + file.error;
-  }
-  path_ = path;
-  offered_ = ParseKeptTable(file.bytes);
-  filled_ = offered_.has_value();
-  if (filled_) return {};
-  QString error = SetAside(files_, path, file.bytes);
-  if (error.isEmpty()) error = files_.Replace(path, {});
-  // What cannot be set aside stays where it is.
-  if (!error.isEmpty()) path_.clear();
-  return u"Die Datei mit den nicht gespeicherten Werten ist beschädigt und kann nicht benutzt werden:\r\n"_s +
-         (error.isEmpty() ? DamagedName(path) : path + u"\r\n"_s + error);
-}
-
-// Takes a file that holds nothing. Returns "" or why there is none.
-QString Recovery::TakeFile() {
-  for (int number = 1; path_.isEmpty() && number <= kMostPrograms; ++number) {
-    const QString path = PathOf(number);
-    const platform::FileContent content = files_.Read(path, kLargestFile_bytes);
-    const bool empty = content.missing || (content.Ok() && content.bytes.isEmpty());
-    if (empty && world_.take(path)) path_ = path;
-  }
-  return path_.isEmpty() ? world_.folder : QString();
+  return file_.Load([this](const QByteArray& bytes) {
+    offered_ = ParseKeptTable(bytes);
+    filled_ = offered_.has_value();
+    return filled_;
+  });
 }
 
 QString Recovery::Keep(const KeptTable& kept, bool ends) {
   const bool unsaved = kept.UnsavedCount() > 0;
   const bool empties = filled_ && (own_ || ends);
   if (!Works() || (!unsaved && !empties)) return {};
-  QString error = TakeFile();
+  QString error = file_.TakeEmpty();
   if (error.isEmpty()) {
-    error = files_.Replace(path_, unsaved ? ComposeKeptTable(kept) : QByteArray());
+    error = files_.Replace(file_.Path(), unsaved ? ComposeKeptTable(kept) : QByteArray());
     if (error.isEmpty()) {
       filled_ = unsaved;
       own_ = true;
       return {};
     }
-    error = path_ + u"\r\n"_s + error;
+    error = file_.Path() + u"\r\n"_s + error;
   }
   if (std::exchange(told_, true)) return {};
   return u"Für den Fall, dass das Programm nicht richtig beendet wird, können nicht gespeicherte Werte nicht "

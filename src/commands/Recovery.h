@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "commands/FileCommands.h"
+#include "commands/OwnFile.h"
 #include "core/ValueSets.h"
 
 namespace kalivor {
@@ -58,14 +59,11 @@ struct RecoveryWorld {
   std::chrono::milliseconds rest{2000};  ///< how long a change rests before it is written
 };
 
-/// The file of what is unsaved. Each running program has one of its own, which it takes when it first needs
-/// it: "Wiederherstellung.json", "Wiederherstellung-2.json"… up to kMostPrograms.
+/// The file of what is unsaved, "Wiederherstellung.json"; each running program has one of its own.
 class Recovery {
  public:
-  static constexpr int kMostPrograms = 9;
-
   /// `files` must outlive it.
-  Recovery(platform::FileSystem& files, RecoveryWorld world) : files_(files), world_(std::move(world)) {}
+  Recovery(platform::FileSystem& files, const RecoveryWorld& world);
 
   /// Takes the first file with something in it that is nobody else's. A damaged one is set aside. Returns
   /// what the user is to be told of that, else "".
@@ -80,16 +78,12 @@ class Recovery {
   /// told of a failure: the first time only, else "".
   [[nodiscard]] QString Keep(const KeptTable& kept, bool ends = false);
 
-  [[nodiscard]] bool Works() const { return !world_.folder.isEmpty(); }
+  [[nodiscard]] bool Works() const { return works_; }
 
  private:
-  [[nodiscard]] QString PathOf(int number) const;
-  [[nodiscard]] QString TakeFile();
-  [[nodiscard]] QString Read(const QString& path);
-
   platform::FileSystem& files_;
-  RecoveryWorld world_;
-  QString path_;  // this program's file; empty: none yet
+  bool works_;
+  OwnFile file_;
   std::optional<KeptTable> offered_;
   bool filled_ = false;  // the file holds something
   bool own_ = false;     // which this run has written

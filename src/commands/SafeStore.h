@@ -7,7 +7,9 @@
 #include <optional>
 #include <vector>
 
+#include "commands/OwnFile.h"
 #include "core/BackupText.h"
+#include "core/ValueSets.h"
 #include "platform/FileSystem.h"
 
 namespace kalivor {
@@ -59,11 +61,13 @@ struct BackupList {
 [[nodiscard]] QString Sweep(platform::FileSystem& files, const std::vector<StoredBackup>& backups);
 
 /// The keeper of the program. Its journal is "Sendung.txt" (or "Sendung-2.txt"… where several programs run)
-/// in the folder of the state; an empty one holds nothing.
+/// in the folder of the state; an empty one holds nothing. What belongs together stays in one journal: a run
+/// that finishes a sending, repeats a part of it or takes it back goes on with its journal, so that until its
+/// end all of it can be finished or taken back. Another sending gets another journal.
 class SafeStore final : public SafeKeeper {
  public:
   /// `files` must outlive it.
-  SafeStore(platform::FileSystem& files, SafeWorld world);
+  SafeStore(platform::FileSystem& files, const SafeWorld& world);
   ~SafeStore() override;
   SafeStore(const SafeStore&) = delete;
   SafeStore& operator=(const SafeStore&) = delete;
@@ -74,8 +78,8 @@ class SafeStore final : public SafeKeeper {
   /// Empties the journal, unless the run is unfinished.
   void End(const SafeRun& run) override;
 
-  /// Takes the first journal with something in it that no other program has. A damaged one is set aside.
-  /// Returns what the user is to be told of that, else "".
+  /// Takes the first journal with something in it that no other program has. A damaged one is set aside, one
+  /// of which no word was begun is emptied. Returns what the user is to be told, else "".
   [[nodiscard]] QString Load();
 
   /// The sending that an earlier run, or a run of this program, has not finished; nothing else.
@@ -85,11 +89,19 @@ class SafeStore final : public SafeKeeper {
   [[nodiscard]] QString Forget();
 
  private:
+  void TakeUp(const SafeRun& run);
+  [[nodiscard]] BackupHead HeadOf(const Module1& module, const SafeRun& run) const;
+  [[nodiscard]] QString KeepBackup(const Module1& module, SafeRun& run);
+  [[nodiscard]] QString BeginJournal(const Module1& module, const SafeRun& run);
+
   platform::FileSystem& files_;
   SafeWorld world_;
-  QString path_;  // this program's journal; empty: none yet
+  OwnFile file_;
+  std::optional<Sending> sending_;  // the last one: under way, at its end, or as it was loaded
   std::optional<Sending> unfinished_;
+  int unfinishedNumber_ = 0;                    // of its journal
   std::unique_ptr<platform::LogFile> journal_;  // of the run under way
+  bool underWay_ = false;
 };
 
 }  // namespace kalivor

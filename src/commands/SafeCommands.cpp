@@ -15,11 +15,32 @@ SafeRun Ended(SafeRun run, const QString& error) {
   return run;
 }
 
+// The words as they were before the sending, as far as it wanted them.
+std::vector<CodedWord> WordsBefore(const Sending& sending) {
+  std::vector<CodedWord> words = sending.wanted;
+  for (CodedWord& word : words)
+    word.bits = static_cast<quint16>(sending.before.at(word.address) & word.mask);
+  return words;
+}
+
+// An unfinished sending is over where its controller holds what was wanted, whichever run has seen to it, or
+// what was there before, where that was brought back.
+void Settle(const SafeContext& context, const SafeRun& run) {
+  const std::optional<Sending>& sending = context.store.Unfinished();
+  if (!sending || !run.error.isEmpty() || run.aborted || run.version != sending->head.version) return;
+  if (run.kind == SafeKind::Receive || run.kind == SafeKind::Verify) return;
+  const bool brought = run.kind == SafeKind::TakeBack || run.kind == SafeKind::Restore;
+  // Where it cannot be forgotten, it is offered once more, which does no harm.
+  if (Holds(run.now, sending->wanted) || (brought && Holds(run.now, WordsBefore(*sending))))
+    (void)context.store.Forget();
+}
+
 SafeRun Read(const SafeContext& context, SafeRun run) {
   if (context.core.module.BusyDepth > 0) return Ended(std::move(run), u"Es wird noch gearbeitet."_s);
   if (run.values.empty()) return Ended(std::move(run), u"Kein Parameter ist angekreuzt."_s);
   const BusyGuard busy(context.core);
   ReadWords(context.core, run, context.progress);
+  Settle(context, run);
   return run;
 }
 
@@ -109,6 +130,7 @@ void WriteChosen(const SafeContext& context, SafeRun& run) {
   }
   const BusyGuard busy(context.core);
   WriteWords(context.core, run, context.store, context.progress);
+  Settle(context, run);
 }
 
 int ChooseFailed(SafeRun& run) {

@@ -125,11 +125,15 @@ class Controller {
     return u"Andere ReglerVersion: "_s + version + u"\r\nAusgewählt ist "_s + versions.SelectedText() + u'.';
   }
 
+  // "Heizung (Nummer 1)"; the first plant type has no name as a rule.
+  [[nodiscard]] QString PlantName(int number) const {
+    const QString name = core_.module.PlantTypeList.Text(number);
+    return name.isEmpty() ? u"Nummer %1"_s.arg(number) : u"%1 (Nummer %2)"_s.arg(name).arg(number);
+  }
+
   [[nodiscard]] QString OtherPlant() const {
-    const SelectionList& plants = core_.module.PlantTypeList;
-    const QString number = QString::number(run_.plant);
-    return u"Andere Anlageart: "_s + (run_.plant < plants.Count() ? plants.Text(run_.plant) : QString()) +
-           u" (Nummer "_s + number + u")\r\nAusgewählt ist "_s + plants.SelectedText() + u'.';
+    return u"Andere Anlageart: "_s + PlantName(run_.plant) + u"\r\nAusgewählt ist "_s +
+           PlantName(core_.module.PlantTypeList.Position()) + u'.';
   }
 
   Core& core_;

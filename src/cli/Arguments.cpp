@@ -125,11 +125,14 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--against", TakeText<&Arguments::against>},
     {u"--format", TakeFormat},
     {u"--out", TakeText<&Arguments::out>},
+    {u"--repeat", TakeCount<&Arguments::repeat, 0>},
 };
 
 constexpr Switch<Arguments> kSwitches[] = {
     {u"--json", [](Arguments& arguments) { arguments.json = true; }},
     {u"--landscape", [](Arguments& arguments) { arguments.landscape = true; }},
+    {u"--dry-run", [](Arguments& arguments) { arguments.dryRun = true; }},
+    {u"--yes", [](Arguments& arguments) { arguments.yes = true; }},
     {u"--help", [](Arguments& arguments) { arguments.help = true; }},
     {u"--program-version", [](Arguments& arguments) { arguments.programVersion = true; }},
 };
@@ -139,6 +142,8 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool pages = arguments.command == u"pages";
   const bool print = arguments.command == u"print";
   const bool list = arguments.command == u"list";
+  const bool safeSend = arguments.command == u"safe-send";
+  const bool writes = safeSend || arguments.command == u"restore";
   const struct {
     QStringView option;
     bool given = false;
@@ -154,7 +159,10 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
                  {u"--only", arguments.only.has_value(), list},
                  {u"--against", arguments.against.has_value(), list},
                  {u"--format", arguments.format.has_value(), list},
-                 {u"--out", arguments.out.has_value(), list}};
+                 {u"--out", arguments.out.has_value(), list},
+                 {u"--dry-run", arguments.dryRun, writes},
+                 {u"--yes", arguments.yes, writes},
+                 {u"--repeat", arguments.repeat.has_value(), safeSend}};
   for (const auto& [option, given, understood] : options) {
     if (given && !understood)
       return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
@@ -242,6 +250,11 @@ Befehle:
   check-definitions   Definitionsdateien auf Fehler prüfen
   list                die Parameterliste, auf Wunsch mit einem Vergleich
   diff LINKS RECHTS   worin sich zwei Sätze von Werten unterscheiden
+  safe-receive        angekreuzte Parameter sicher empfangen
+  verify              angekreuzte Parameter sicher lesen und vergleichen
+  safe-send           angekreuzte Parameter sicher senden: sichern, schreiben, prüfen
+  backups             die Sicherungen, die vor dem Schreiben angelegt wurden
+  restore SICHERUNG   die Werte einer Sicherung sicher in den Regler schreiben
 
 LINKS und RECHTS sind table (die Werte auf dem PC), standard, controller (der Regler)
 oder eine Wertedatei.
@@ -270,8 +283,11 @@ Optionen (vor oder nach dem Befehl):
   --against WAS              Vergleich mit standard, controller oder einer Wertedatei (list)
   --format FORMAT            tsv, csv, html oder pdf (list)
   --out DATEI                wohin die Liste geschrieben wird (list)
-  --json                     Ausgabe als JSON (versions, plants, params, show, compare,
-                             list, diff)
+  --dry-run                  nur zeigen, was geschrieben würde (safe-send, restore)
+  --yes                      schreiben, ohne zu fragen (safe-send, restore)
+  --repeat N                 bis zu N-mal wiederholen, was nicht geprüft ist (safe-send)
+  --json                     Ausgabe als JSON (versions, plants, params, show, compare
+                             und alle Befehle ab list)
   --help                     diese Hilfe
   --program-version          Name und Version des Programms
 

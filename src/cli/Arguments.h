@@ -42,7 +42,7 @@ enum class ListFormat { Tsv, Csv, Html, Pdf };
 
 struct Arguments {
   QString command;
-  QStringList words;  ///< behind it: the file of `show`, the two sides of `diff`
+  QStringList words;  ///< behind it: the file of `show` and `restore`, the two sides of `diff`
   bool help = false;
   bool programVersion = false;
   bool json = false;
@@ -65,7 +65,10 @@ struct Arguments {
   std::optional<QString> filter;
   std::optional<ListFormat> format;
   std::optional<QString> out;
-  QStringList set;  ///< "VARIABLE=VALUE"
+  bool dryRun = false;  ///< of `safe-send` and `restore`, like `yes`
+  bool yes = false;
+  std::optional<qint16> repeat;  ///< of `safe-send`: 0..32767
+  QStringList set;               ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault

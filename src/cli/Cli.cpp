@@ -8,6 +8,7 @@
 #include "cli/Arguments.h"
 #include "cli/Edits.h"
 #include "cli/Output.h"
+#include "cli/SafeRuns.h"
 #include "cli/TextForms.h"
 #include "commands/EventBoundary.h"
 #include "commands/SettingsTable.h"
@@ -67,6 +68,7 @@ class Session {
     for (const MarkChange& change : arguments_.marks)
       SetMarks(module_, change);
     if (!arguments_.set.isEmpty() || !arguments_.marks.empty()) Refresh(core_, 2);
+    events_.Expect();
     const int status = (this->*command.run)();
     if (arguments_.save && (status == kDone || status == kFindings)) return SaveValues(status);
     return status;
@@ -169,6 +171,12 @@ class Session {
     Print(table);
     return table.empty() ? kDone : kFindings;
   }
+
+  int SafeReceive() { return RunSafe(&SafeRuns::Receive); }
+  int Verify() { return RunSafe(&SafeRuns::Verify); }
+  int SafeSend() { return RunSafe(&SafeRuns::Send); }
+  int Restore() { return RunSafe(&SafeRuns::Restore); }
+  int Backups() { return SafeRuns(core_, world_, arguments_).Backups(); }
 
  private:
   // The options that stand for stored settings.
@@ -317,6 +325,15 @@ class Session {
     return outcome.walk.Failures() > 0 || outcome.walk.Deviations() > 0 ? kFindings : kDone;
   }
 
+  int RunSafe(int (SafeRuns::*command)()) {
+    // A port that cannot be opened shows in the first query.
+    (void)core_.controller.Configure(kSlot, kSettings9600);
+    SafeRuns runs(core_, world_, arguments_);
+    int status = kNoTransfer;
+    RunHandler(box_, [&] { status = (runs.*command)(); });
+    return status;
+  }
+
   const Arguments& arguments_;
   World& world_;
   Module1 module_;
@@ -351,6 +368,11 @@ constexpr Command kCommands[] = {
     {u"check-definitions", &Session::CheckDefinitionFiles, Needs::Nothing},
     {u"list", &Session::List, Needs::Definitions, true},
     {u"diff", &Session::Diff, Needs::Definitions, true, 2, u"eine der beiden Seiten"},
+    {u"safe-receive", &Session::SafeReceive, Needs::Definitions, true},
+    {u"verify", &Session::Verify, Needs::Definitions, true},
+    {u"safe-send", &Session::SafeSend, Needs::Definitions, true},
+    {u"backups", &Session::Backups, Needs::Nothing, true},
+    {u"restore", &Session::Restore, Needs::Definitions, true, 1, u"die Sicherung"},
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <functional>
 #include <ostream>
 
+#include "commands/SafeStore.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/SerialControl.h"
@@ -32,6 +33,7 @@ struct World {
   std::function<void(int number, const QString& device)>
       useDevice;                      ///< lets a device stand for a port number
   std::function<bool()> interrupted;  ///< true once the user has pressed Ctrl+C
+  SafeWorld safe = {};                ///< of backups and journals
 };
 
 /// Runs one command line (without the program's name) and returns the exit status.

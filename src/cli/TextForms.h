@@ -94,20 +94,26 @@ class TextChoiceForm final : public ChoiceForm {
   std::size_t asked_ = 0;
 };
 
-/// There is no window to serve: the one event is the user's interrupt, which requests an abort.
+/// There is no window to serve: the one event is the user's interrupt, which requests an abort, once from
+/// Expect() on: what is still done after it is not aborted as well.
 class InterruptEvents final : public platform::Events {
  public:
   InterruptEvents(Module1& module, std::function<bool()> interrupted)
       : module_(module), interrupted_(std::move(interrupted)) {}
 
+  void Expect() { told_ = false; }
+
   void ProcessPending() override {
-    if (interrupted_()) module_.Abbruch = kTrue;
+    if (told_ || !interrupted_()) return;
+    told_ = true;
+    module_.Abbruch = kTrue;
   }
   void WaitForNext() override {}
 
  private:
   Module1& module_;
   std::function<bool()> interrupted_;
+  bool told_ = false;
 };
 
 }  // namespace kalivor::cli

@@ -7,6 +7,7 @@
 #include "cli/Arguments.h"
 #include "cli/Cli.h"
 #include "cli/System.h"
+#include "platform/plain/FileLocks.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/plain/LastResort.h"
 #include "platform/plain/StoredDevices.h"
@@ -50,6 +51,12 @@ int main(int argc, char** argv) {
   platform::native::Clock clock;
   platform::native::SerialPorts devices(platform::StoredDevices(settings));
   platform::native::SerialControl line([&devices](int number) { return devices.Device(number); });
+  platform::FileLocks locks;
+  SafeWorld safe;
+  safe.stateFolder = platform::native::StateFolder();
+  safe.programVersion = QStringLiteral(KALIVOR_VERSION);
+  safe.deviceOfPort = [&devices](int number) { return devices.Device(number); };
+  safe.take = [&locks](const QString& path) { return locks.Take(path); };
   cli::World world{std::cout,
                    std::cerr,
                    settings,
@@ -58,6 +65,7 @@ int main(int argc, char** argv) {
                    clock,
                    QCoreApplication::applicationDirPath(),
                    [&devices](int number, const QString& device) { devices.Override(number, device); },
-                   [] { return interrupts != 0; }};
+                   [] { return interrupts != 0; },
+                   safe};
   return cli::Run(QCoreApplication::arguments().sliced(1), world);
 }

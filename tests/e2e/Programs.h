@@ -82,6 +82,7 @@ class Cli {
   void Start(const QStringList& arguments) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), settings_.path());
+    environment.insert(QStringLiteral("XDG_STATE_HOME"), settings_.path());
     process_.setProcessEnvironment(environment);
     QStringList all{QStringLiteral("--ini-path"), definitions_};
     if (!device_.isEmpty()) all += {QStringLiteral("--port"), device_};

@@ -46,7 +46,8 @@ TEST(ListCommands, DiffAsksTheControllerForNothingButTheCheckedParameters) {
                       u"_Hk1RaumSollTag"_s})
                 .status,
             0);
-  EXPECT_EQ(simulator.Stop().err.count(u"#0102"_s), 2) << "the version and one word";
+  EXPECT_EQ(simulator.Stop().err.count(u"#0102"_s), 5)
+      << "one word, between version and plant type";
 }
 
 TEST(ListCommands, ListComparesWithTheController) {

@@ -53,7 +53,7 @@ TEST(SafeCommands, SendBacksUpVerifiesAndRestores) {
 }
 
 TEST(SafeCommands, ALateReplyIsTakenForNobodyElses) {
-  const Simulator simulator({u"--seed"_s, u"3"_s, u"--fault"_s, u"late:900:0.2"_s});
+  const Simulator simulator({u"--seed"_s, u"3"_s, u"--fault"_s, u"late:900:0.1"_s});
   SafeCli cli(simulator.Device());
   const Outcome sent = cli.Run(QStringList{u"safe-send"_s, u"--yes"_s, u"--repeat"_s, u"3"_s} + kTwo);
   EXPECT_EQ(sent.status, 0) << sent.out.toStdString() << sent.err.toStdString();
@@ -82,7 +82,7 @@ TEST(SafeCommands, AKilledSendingIsOfferedByTheNextRun) {
   cli.Start(QStringList{u"safe-send"_s, u"--yes"_s} + kTwo);
   // The first word is on its way as soon as the journal names one.
   const QString journal = cli.SettingsFolder() + u"/KALIVOR/Sendung.txt"_s;
-  const QRegularExpression begun(u"\\n[0-9A-F]{4}\\n$"_s);
+  const QRegularExpression begun(u"\\nBegonnen: [0-9A-F]{4}\\n$"_s);
   const auto content = [&journal] {
     QFile file(journal);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();

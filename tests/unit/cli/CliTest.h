@@ -77,7 +77,8 @@ class CliTest : public testing::Test {
                 clock,
                 u"/programm"_s,
                 [this](int number, const QString& device) { devices[number] = device; },
-                [this] { return interrupted; }};
+                [this] { return interrupted; },
+                safe};
     return cli::Run(arguments, world);
   }
 
@@ -94,6 +95,11 @@ class CliTest : public testing::Test {
   sim::SimulatedLine line{clock, model};
   QMap<int, QString> devices;
   bool interrupted = false;
+  SafeWorld safe{test::Native(u"/zustand"_s),
+                 u"1.2.3"_s,
+                 {},
+                 [](const QString&) { return true; },
+                 [] { return QDateTime(QDate(2026, 3, 4), QTime(5, 6, 7), Qt::UTC); }};
   std::ostringstream out;
   std::ostringstream err;
 };

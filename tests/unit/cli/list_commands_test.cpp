@@ -87,7 +87,7 @@ TEST_F(ListTest, DiffReadsTheCheckedParametersOfTheController) {
 }
 
 TEST_F(ListTest, DiffTellsWhatCouldNotBeRead) {
-  Spoil(2, 4, sim::FaultKind::Silent);
+  Spoil(3, 5, sim::FaultKind::Silent);
   EXPECT_EQ(Run({u"diff"_s, u"controller"_s, u"table"_s}), kFindings);
   EXPECT_EQ(Body(), u"1\tAntrieb\tDrehzahl\tSOLL\t\t150.0\t1/m\tnicht gelesen\n"_s);
   EXPECT_EQ(Err(), QString()) << "no line of the report";
@@ -104,14 +104,6 @@ TEST_F(ListTest, DiffWithoutAnAnswerIsNoTransfer) {
 TEST_F(ListTest, DiffWithAnotherVersionIsNoTransfer) {
   EXPECT_EQ(Run({u"diff"_s, u"table"_s, u"controller"_s, u"--controller"_s, u"AB1-200.0"_s}), kNoTransfer);
   EXPECT_EQ(Err(), u"Andere ReglerVersion: AB1-123.4 | Ausgewählt ist AB1-200.0.\n"_s);
-}
-
-TEST_F(ListTest, ARunTimeErrorWhileReadingIsNoTransfer) {
-  model.OnResponse = [](const QByteArray& request, sim::Response& response) {
-    if (request.contains("R1F02")) response.chunks = {{0, sim::Sealed("10102RG000")}};
-  };
-  EXPECT_EQ(Run({u"diff"_s, u"table"_s, u"controller"_s}), kNoTransfer);
-  EXPECT_EQ(Err(), u"KALIVOR: Zahl außerhalb des zulässigen Bereichs.\n"_s);
 }
 
 TEST_F(ListTest, AnInterruptEndsTheReading) {

@@ -70,22 +70,19 @@ class Controller {
     if (!fault.isEmpty()) return fault;
     run_.version = answer.text;
     if (!HasPlant()) return {};
-    const WordReading plant = line_.Read(PlantPlace().address, SelectedPlant());
-    if (!plant.word) return plant.failure;
-    run_.plant = static_cast<qint16>(*plant.word);
-    if (run_.kind == SafeKind::Compare || *plant.word == SelectedPlant()) return {};
+    fault = ReadPlant(SelectedPlant(), run_.plant);
+    if (!fault.isEmpty() || run_.kind == SafeKind::Compare || run_.plant == SelectedPlant()) return fault;
     return OtherPlant();
   }
 
   // Whether it is still the same one. Returns "" or what has happened.
   [[nodiscard]] QString MeetAgain() {
-    const QString fault = CheckVersion();
-    if (!fault.isEmpty()) return fault;
-    if (!HasPlant()) return {};
-    const WordReading plant = line_.Read(PlantPlace().address, static_cast<quint16>(run_.plant));
-    if (!plant.word) return u"Die Anlageart im Regler ist nicht lesbar.\r\n"_s + Reason(plant.failure);
-    if (static_cast<qint16>(*plant.word) == run_.plant) return {};
-    return kExchanged + u"\r\nAnlagennummer: "_s + QString::number(static_cast<qint16>(*plant.word));
+    QString fault = CheckVersion();
+    if (!fault.isEmpty() || !HasPlant()) return fault;
+    qint16 plant = 0;
+    fault = ReadPlant(run_.plant, plant);
+    if (!fault.isEmpty() || plant == run_.plant) return fault;
+    return kExchanged + u"\r\nAnlagennummer: "_s + QString::number(plant);
   }
 
   // A word, which becomes what the run knows of it.
@@ -112,10 +109,22 @@ class Controller {
     return kExchanged + u"\r\nReglerVersion: "_s + answer.text;
   }
 
-  [[nodiscard]] bool HasPlant() const { return !PlacesOf(core_.module.Par[0]).words.empty(); }
-  [[nodiscard]] CodedWord PlantPlace() const { return PlacesOf(core_.module.Par[0]).words.front(); }
-  [[nodiscard]] quint16 SelectedPlant() const {
-    return static_cast<quint16>(core_.module.PlantTypeList.Position());
+  // The plant number is a word whatever type its record has.
+  [[nodiscard]] bool HasPlant() const { return !core_.module.Par[0].VarAdresse.isEmpty(); }
+  [[nodiscard]] QString ReadPlant(qint16 expected, qint16& plant) {
+    ParameterRecord record = core_.module.Par[0];
+    record.Typ = u"int"_s;
+    const CodedValue place = PlacesOf(record);
+    QString fault = place.fault;
+    if (fault.isEmpty()) {
+      const WordReading reading = line_.Read(place.words.front().address, static_cast<quint16>(expected));
+      plant = static_cast<qint16>(reading.word.value_or(0));
+      fault = Reason(reading.failure);
+    }
+    return fault.isEmpty() ? QString() : u"Die Anlageart im Regler ist nicht lesbar.\r\n"_s + fault;
+  }
+  [[nodiscard]] qint16 SelectedPlant() const {
+    return static_cast<qint16>(core_.module.PlantTypeList.Position());
   }
 
   [[nodiscard]] QString VersionFault(const QString& version) const {

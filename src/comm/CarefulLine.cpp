@@ -52,7 +52,7 @@ Identification CarefulLine::Identify() {
 }
 
 Identification CarefulLine::AskVersion() {
-  Identification answer;
+  Identification answer{false, u"ERROR: Abbruch"_s};
   for (int tries = 0; tries < kTries && !answer.succeeded; ++tries) {
     if (!Rest()) break;
     answer = AskVersionOnce();

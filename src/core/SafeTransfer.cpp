@@ -96,9 +96,13 @@ class Controller {
 
   // After a failure: false where the rest would fail as well; the run has the reason.
   bool GoesOn() {
-    if (core_.module.Abbruch != kFalse) return true;  // the walk ends by itself
-    run_.error = CheckVersion();
-    return run_.error.isEmpty();
+    const QString fault = core_.module.Abbruch == kFalse ? CheckVersion() : QString();
+    if (core_.module.Abbruch != kFalse) {
+      run_.aborted = true;
+      return true;  // the walk ends by itself
+    }
+    if (run_.error.isEmpty()) run_.error = fault;
+    return fault.isEmpty();
   }
 
  private:

@@ -155,12 +155,38 @@ class Controller {
 };
 
 // Reads the words of one value that have not been read yet. False where a word cannot be read.
-bool ReadValueWords(Controller& controller, SafeRun& run, SafeValue& value) {
+/// What the values of a run want of each word; nothing of those that cannot be sent.
+using WantedWords = std::multimap<quint16, std::optional<ExpectedWord>>;
+
+// Only what is not going to be written has to be believed as it is read here.
+WantedWords WordsToBelieve(const SafeRun& run) {
+  WantedWords wanted;
+  if (Writes(run.kind)) return wanted;
+  for (const SafeValue& value : run.values) {
+    for (const CodedWord& word : value.words) {
+      wanted.emplace(word.address,
+                     value.sendable ? std::optional(ExpectedWord(word.bits, word.mask)) : std::nullopt);
+    }
+  }
+  return wanted;
+}
+
+// Reads a word, twice where one of its values wants something else.
+WordReading ReadWord(Controller& controller, SafeRun& run, const WantedWords& wanted, quint16 address) {
+  const WordReading reading = controller.Read(address, {});
+  const auto [first, last] = wanted.equal_range(address);
+  const bool differs = reading.word && std::any_of(first, last, [&reading](const auto& one) {
+                         return !one.second || !one.second->Meets(*reading.word);
+                       });
+  if (!differs) return reading;
+  run.now.erase(address);
+  return controller.Read(address, *reading.word);
+}
+
+bool ReadValueWords(Controller& controller, SafeRun& run, const WantedWords& wanted, SafeValue& value) {
   for (const CodedWord& word : value.words) {
     if (run.now.contains(word.address)) continue;
-    std::optional<ExpectedWord> expected;
-    if (!Writes(run.kind) && value.sendable) expected = ExpectedWord(word.bits, word.mask);
-    const WordReading reading = controller.Read(word.address, expected);
+    const WordReading reading = ReadWord(controller, run, wanted, word.address);
     if (reading.word) continue;
     value.reason = Reason(reading.failure);
     return false;
@@ -182,6 +208,7 @@ void Judge(const Module1& module, SafeRun& run, SafeValue& value) {
 
 void ReadAll(Core& core, SafeRun& run, Controller& controller, Progress& progress) {
   progress.Begin(static_cast<int>(run.values.size()));
+  const WantedWords wanted = WordsToBelieve(run);
   for (SafeValue& value : run.values) {
     run.aborted = core.module.Abbruch != kFalse;
     if (run.aborted) return;
@@ -189,7 +216,7 @@ void ReadAll(Core& core, SafeRun& run, Controller& controller, Progress& progres
       progress.Done();
       continue;
     }
-    if (ReadValueWords(controller, run, value)) {
+    if (ReadValueWords(controller, run, wanted, value)) {
       Judge(core.module, run, value);
     } else if (!controller.GoesOn()) {
       return;

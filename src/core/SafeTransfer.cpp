@@ -38,12 +38,13 @@ void Add(ControllerImage& bits, ControllerImage& masks, const CodedWord& word) {
 void RefuseConflicts(const Module1& module, SafeRun& run) {
   std::map<quint16, std::vector<std::pair<std::size_t, CodedWord>>> owners;
   for (std::size_t i = 0; i < run.values.size(); ++i) {
-    for (const CodedWord& word : run.values[i].words) {
-      if (!run.values[i].sendable) continue;
+    SafeValue& second = run.values[i];
+    if (!second.sendable) continue;
+    for (const CodedWord& word : second.words) {
       for (const auto& [other, placed] : owners[word.address]) {
-        if (((word.bits ^ placed.bits) & word.mask & placed.mask) == 0) continue;
         SafeValue& first = run.values[other];
-        SafeValue& second = run.values[i];
+        const bool known = !first.sendable && !second.sendable;
+        if (known || ((word.bits ^ placed.bits) & word.mask & placed.mask) == 0) continue;
         first.sendable = second.sendable = false;
         first.reason = u"liegt im selben Wort wie "_s + module.Par[second.index].Variable;
         second.reason = u"liegt im selben Wort wie "_s + module.Par[first.index].Variable;

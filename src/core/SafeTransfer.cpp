@@ -155,7 +155,6 @@ class Controller {
   CarefulLine line_;
 };
 
-// Reads the words of one value that have not been read yet. False where a word cannot be read.
 /// What the values of a run want of each word; nothing of those that cannot be sent.
 using WantedWords = std::multimap<quint16, std::optional<ExpectedWord>>;
 
@@ -184,6 +183,7 @@ WordReading ReadWord(Controller& controller, SafeRun& run, const WantedWords& wa
   return controller.Read(address, *reading.word);
 }
 
+// Reads the words of one value that have not been read yet. False where a word cannot be read.
 bool ReadValueWords(Controller& controller, SafeRun& run, const WantedWords& wanted, SafeValue& value) {
   for (const CodedWord& word : value.words) {
     if (run.now.contains(word.address)) continue;
@@ -208,8 +208,8 @@ void Judge(const Module1& module, SafeRun& run, SafeValue& value) {
 }
 
 void ReadAll(Core& core, SafeRun& run, Controller& controller, Progress& progress) {
-  progress.Begin(static_cast<int>(run.values.size()));
   const WantedWords wanted = WordsToBelieve(run);
+  progress.Begin(static_cast<int>(run.values.size()));
   for (SafeValue& value : run.values) {
     run.aborted = core.module.Abbruch != kFalse;
     if (run.aborted) return;
@@ -308,10 +308,7 @@ class Writing {
       } else if (same) {
         JudgeNeighbour(value);
       }
-      if (std::ranges::all_of(value.words, [this](const CodedWord& w) { return Back(w); }) &&
-          !value.words.empty()) {
-        value.controller = Decoded(core_.module.Par[value.index], run_.now);
-      }
+      value.controller = Decoded(core_.module.Par[value.index], run_.now);
     }
   }
 
@@ -367,7 +364,8 @@ class Writing {
     for (const auto& [address, fate] : fates_) {
       if (!fate.begun) continue;
       for (const int beside : {address - 2, address + 2}) {
-        if (run_.now.contains(static_cast<quint16>(beside))) addresses.insert(static_cast<quint16>(beside));
+        const auto word = static_cast<quint16>(beside);
+        if (word == beside && run_.now.contains(word)) addresses.insert(word);
       }
     }
     return addresses;
@@ -399,9 +397,8 @@ class Writing {
 
   // The part of a word that was not to be changed is as it was.
   [[nodiscard]] bool KeptItsNeighbour(const CodedWord& word) const {
-    const auto mask = masks_.find(word.address);
-    const int others = mask == masks_.end() ? 0xFFFF : ~mask->second;
-    return ((run_.now.at(word.address) ^ expected_.at(word.address)) & others & 0xFFFF) == 0;
+    const int changed = run_.now.at(word.address) ^ expected_.at(word.address);
+    return (changed & ~masks_.at(word.address)) == 0;
   }
 
   void JudgeChosen(SafeValue& value, bool same) {
@@ -508,6 +505,7 @@ SafeRun WantedOfTable(const Module1& module, SafeKind kind) {
 SafeRun WantedOfImage(const Module1& module, SafeKind kind, std::span<const NamedWords> names,
                       const ControllerImage& image, int& unknown) {
   const std::set<NamedWords> asked(names.begin(), names.end());
+  std::set<NamedWords> found;
   SafeRun run;
   run.kind = kind;
   for (int i = 1; i < module.ParCount; ++i) {
@@ -515,6 +513,7 @@ SafeRun WantedOfImage(const Module1& module, SafeKind kind, std::span<const Name
     if (!asked.contains(NameOf(record))) continue;
     const std::optional<ParameterValue> wanted = Decoded(record, image);
     if (!wanted) continue;
+    found.insert(NameOf(record));
     SafeValue& value = run.values.emplace_back();
     value.index = i;
     value.wanted = *wanted;
@@ -523,7 +522,7 @@ SafeRun WantedOfImage(const Module1& module, SafeKind kind, std::span<const Name
       word.bits = static_cast<quint16>(image.at(word.address) & word.mask);
     value.outside = IsOutside(record, value.wanted);
   }
-  unknown = std::max(0, static_cast<int>(asked.size()) - static_cast<int>(run.values.size()));
+  unknown = static_cast<int>(asked.size() - found.size());
   return run;
 }
 
@@ -552,6 +551,8 @@ void ReadWords(Core& core, SafeRun& run, ProgressForm& form) {
 }
 
 void WriteWords(Core& core, SafeRun& run, SafeKeeper& keeper, ProgressForm& form) {
+  for (SafeValue& value : run.values)
+    value.chosen = value.chosen && value.sendable && value.controller;
   if (run.Chosen() == 0) return;
   Progress progress(core, form, u"Sicherung anlegen"_s);
   Controller controller(core, run, progress);

@@ -103,7 +103,8 @@ struct NamedWords {
                                     const ControllerImage& image, int& unknown);
 [[nodiscard]] NamedWords NameOf(const ParameterRecord& record);
 
-/// The run that brings back what was there before `run` wrote: the values of which a word was begun.
+/// The run that brings back what was there before `run` wrote: the values of which a word was begun, and
+/// those that have changed beside them.
 [[nodiscard]] SafeRun WantedBack(const Module1& module, const SafeRun& run);
 
 /// Identifies the controller and reads every word of the run once; what differs is read twice, but where it
@@ -115,11 +116,12 @@ struct NamedWords {
 /// another one then, nothing was read.
 void ReadWords(Core& core, SafeRun& run, ProgressForm& form);
 
-/// Writes the chosen values: only words that differ, each read again just before (another value than the one
-/// known means that somebody else has changed it: it fails) and told to the keeper. Then every word that was
-/// written is read back, with all words of its values and the words beside it that the run knows, and the
-/// controller is identified again: values become Verified, Deviating, Failed or Unverified. An abort ends the
-/// writing; the reading back goes on, a second abort ends that.
+/// Writes the chosen values, but none that was not read or cannot be sent: only words that differ, each read
+/// again just before (another value than the one known means that somebody else has changed it: it fails) and
+/// told to the keeper. Then every word that was written is read back, with all words of its values and the
+/// words beside it that the run knows, and the controller is identified again: values become Verified,
+/// Deviating, Failed or Unverified. An abort ends the writing; the reading back goes on, a second abort ends
+/// that.
 void WriteWords(Core& core, SafeRun& run, SafeKeeper& keeper, ProgressForm& form);
 
 /// "38 geprüft, 1 abweichend, 1 fehlgeschlagen": what has become of the values that were chosen, or before

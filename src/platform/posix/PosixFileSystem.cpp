@@ -98,6 +98,8 @@ int MakeFolders(const FileCalls& calls, QByteArray& path) {
     path = above + '/' + name;
   }
   if (error == 0) error = ErrorOf([&] { return calls.MakeFolder(path, S_IRWXU); });
+  // What is saved in it would be lost with it.
+  if (error == 0) SyncFolder(calls, FolderPart(path));
   // Another program may have been quicker.
   return error == EEXIST ? 0 : error;
 }

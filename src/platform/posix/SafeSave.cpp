@@ -75,13 +75,6 @@ int WriteTemporary(OpenFile& file, const OldFile& old, const QByteArray& image) 
   return error != 0 ? error : closing;
 }
 
-// Brings the new name to the disk. The image is in place and safe already; all that a failure leaves open is
-// whether a loss of power now would bring back the old one, which is as complete.
-void SyncFolder(const FileCalls& calls, const QByteArray& folder) {
-  OpenFile file(calls);
-  if (file.Open(folder.isEmpty() ? QByteArray(".") : folder, O_RDONLY | O_DIRECTORY) == 0) (void)file.Sync();
-}
-
 int Replace(const FileCalls& calls, const QByteArray& path, const OldFile& old, const QByteArray& image) {
   const QByteArray folder = FolderPart(path);
   // First, because they may be what fills the disk.
@@ -96,6 +89,8 @@ int Replace(const FileCalls& calls, const QByteArray& path, const OldFile& old, 
     (void)ErrorOf([&] { return calls.Remove(temporary.path); });
     return error;
   }
+  // The image is in place and safe already; all that a failure leaves open is whether a loss of power now
+  // would bring back the old one, which is as complete.
   SyncFolder(calls, folder);
   return 0;
 }
@@ -123,6 +118,11 @@ SaveResult WriteInPlace(const OldFile& old, const QByteArray& beginning) {
 }
 
 }  // namespace
+
+void SyncFolder(const FileCalls& calls, const QByteArray& folder) {
+  OpenFile file(calls);
+  if (file.Open(folder.isEmpty() ? QByteArray(".") : folder, O_RDONLY | O_DIRECTORY) == 0) (void)file.Sync();
+}
 
 SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& bytes, Tail tail) {
   // The image would be a file that is refused the next time.

@@ -20,4 +20,8 @@ enum class Tail { Kept, Cut };
 [[nodiscard]] SaveResult SafeSave(const FileCalls& calls, const QByteArray& path, const QByteArray& bytes,
                                   Tail tail);
 
+/// Brings the names in a folder to the disk; an empty one is the current folder. Nothing can be done about a
+/// failure, so it is not told.
+void SyncFolder(const FileCalls& calls, const QByteArray& folder);
+
 }  // namespace kalivor::platform

@@ -84,7 +84,11 @@ platform::InputWait SimulatedLine::WaitForInput(double seconds) {
     if (!input_.isEmpty()) return platform::InputWait::Input;
     if (!open_ || Gone()) return platform::InputWait::LineGone;
     const double now = Now();
-    if (now + kRounding_s >= end) return platform::InputWait::TimedOut;
+    if (now + kRounding_s >= end) {
+      // However short it is, the time passes: the caller may wait for the rest of its own again.
+      clock_.Sleep(end - now);
+      return platform::InputWait::TimedOut;
+    }
     const double wake = std::min(end, model_.NextTime().value_or(end));
     clock_.Sleep(std::max(wake - now, kShortestSleep_s));
   }

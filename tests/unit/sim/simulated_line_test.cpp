@@ -63,6 +63,16 @@ TEST_F(SimulatedLineTest, SleepsUntilTheNextByteOrTheTimeOut) {
   EXPECT_EQ(ReadAll(line), kReply.mid(1));
 }
 
+// A caller that goes by the clock would else wait for its last fraction for ever.
+TEST_F(SimulatedLineTest, EvenTheShortestWaitMovesTheClock) {
+  LineModel model(controller, faults);
+  SimulatedLine line(clock, model);
+  ASSERT_TRUE(line.Open(1, k9600));
+  const double before = clock.now;
+  EXPECT_EQ(line.WaitForInput(1e-12), InputWait::TimedOut);
+  EXPECT_GT(clock.now, before);
+}
+
 TEST_F(SimulatedLineTest, AnswersAtItsRateOnly) {
   LineModel model(controller, faults, {19200, false, false});
   SimulatedLine line(clock, model);

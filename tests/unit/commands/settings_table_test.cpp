@@ -87,6 +87,17 @@ TEST_F(Settings, NumbersAreRoundedToEvenAndMayHaveAComma) {
   }
 }
 
+TEST_F(Settings, TheRestOfTheCarefulLineHasASectionOfItsOwn) {
+  Load();
+  EXPECT_EQ(module.Ruhezeit, 2000);
+  store.values[u"SicherSenden/Ruhezeit"_s] = u"3500"_s;
+  Load();
+  EXPECT_EQ(module.Ruhezeit, 3500);
+  module.Ruhezeit = 500;
+  SaveSettings(module, store);
+  EXPECT_EQ(store.values.value(u"SicherSenden/Ruhezeit"_s), u"500");
+}
+
 TEST_F(Settings, ComeBackAsTheyWereSaved) {
   module.Adresse = 255;
   module.Schnittstelle = 8;
@@ -96,7 +107,7 @@ TEST_F(Settings, ComeBackAsTheyWereSaved) {
   SaveSettings(module, store);
   EXPECT_EQ(store.values.keys(),
             (QStringList{u"Settings/Adresse"_s, u"Settings/Inifile"_s, u"Settings/Inipath"_s,
-                         u"Settings/Schnittstelle"_s, u"Settings/Userpath"_s}));
+                         u"Settings/Schnittstelle"_s, u"Settings/Userpath"_s, u"SicherSenden/Ruhezeit"_s}));
   module = Module1();
   Load();
   EXPECT_EQ(module.Adresse, 255);

@@ -493,10 +493,10 @@ TEST(SafeTransfer, AnotherPlantTypeIsAnErrorExceptForComparing) {
   Site site;
   site.Store(0x2000, {1});
   SafeRun run = site.Read();
-  EXPECT_EQ(run.error, u"Andere Anlageart: Luft (Nummer 1)\r\nAusgewählt ist ."_s);
+  EXPECT_EQ(run.error, u"Andere Anlageart: Luft (Nummer 1)\r\nAusgewählt ist Nummer 0."_s);
   EXPECT_EQ(Lines(site.log), u"v00 | R2000 | R2000"_s);
   site.Store(0x2000, {9});
-  EXPECT_EQ(site.Read().error, u"Andere Anlageart:  (Nummer 9)\r\nAusgewählt ist ."_s);
+  EXPECT_EQ(site.Read().error, u"Andere Anlageart: Nummer 9\r\nAusgewählt ist Nummer 0."_s);
   for (const SafeKind kind : {SafeKind::Receive, SafeKind::Verify, SafeKind::Restore, SafeKind::Finish})
     EXPECT_FALSE(site.Read(kind).error.isEmpty());
   run = site.Read(SafeKind::Compare);

@@ -250,14 +250,15 @@ SafeStore::~SafeStore() = default;
 
 // Finds out which sending and which journal the run belongs to.
 void SafeStore::TakeUp(const SafeRun& run) {
+  if (sending_ && Continues(run, *sending_)) return;
   if (unfinished_ && Continues(run, *unfinished_)) {
     sending_ = unfinished_;
     file_.Use(unfinishedNumber_);
-  } else if (!sending_ || !Continues(run, *sending_)) {
-    sending_.reset();
-    // What is unfinished stays in its journal.
-    if (unfinished_ && file_.Number() == unfinishedNumber_) file_.Use(0);
+    return;
   }
+  sending_.reset();
+  // What is unfinished stays in its journal.
+  if (unfinished_ && file_.Number() == unfinishedNumber_) file_.Use(0);
 }
 
 BackupHead SafeStore::HeadOf(const Module1& module, const SafeRun& run) const {
@@ -270,11 +271,10 @@ BackupHead SafeStore::HeadOf(const Module1& module, const SafeRun& run) const {
           port, world_.programVersion};
 }
 
-QString SafeStore::KeepBackup(const Module1& module, SafeRun& run) {
+QString SafeStore::KeepBackup(const Module1& module, const BackupHead& head, SafeRun& run) {
   const QString folder = BackupFolder(module);
   const platform::FolderContent content = files_.List(folder);
   if (!content.error.isEmpty() && !content.missing) return Lines(kNoBackup, folder, content.error);
-  const BackupHead head = HeadOf(module, run);
   const QString name = FileNameOf(head.time.toString(kTimeInName) + u' ' + head.version);
   // Programs that save a backup in the same second have different journals, so they never try the same name.
   int number = file_.Number();
@@ -298,8 +298,8 @@ QString SafeStore::KeepBackup(const Module1& module, SafeRun& run) {
   return {};
 }
 
-QString SafeStore::BeginJournal(const Module1& module, const SafeRun& run) {
-  Sending sending = sending_ ? *sending_ : Sending{HeadOf(module, run), run.backup, {}, {}, {}, {}};
+QString SafeStore::BeginJournal(const Module1& module, const BackupHead& head, const SafeRun& run) {
+  Sending sending = sending_ ? *sending_ : Sending{head, run.backup, {}, {}, {}, {}};
   if (!AddChosen(sending, module, run))
     return kNoJournal + u"\r\nWas der Regler vorher enthielt, ist nicht bekannt."_s;
   QString error = files_.Replace(file_.Path(), TextOf(sending));
@@ -317,12 +317,12 @@ QString SafeStore::BeginJournal(const Module1& module, const SafeRun& run) {
 QString SafeStore::Begin(const Module1& module, SafeRun& run) {
   journal_.reset();
   TakeUp(run);
-  if (const QString error = file_.TakeEmpty(); file_.Number() == 0) {
-    const QString reason = u"Es gibt keinen Ordner für den Zustand des Programms."_s;
-    return error.isEmpty() ? kNoJournal + u"\r\n"_s + reason : Lines(kNoJournal, error, {});
-  }
-  QString error = run.backup.isEmpty() ? KeepBackup(module, run) : QString();
-  if (error.isEmpty()) error = BeginJournal(module, run);
+  if (world_.stateFolder.isEmpty())
+    return kNoJournal + u"\r\nEs gibt keinen Ordner für den Zustand des Programms."_s;
+  if (const QString folder = file_.TakeEmpty(); !folder.isEmpty()) return Lines(kNoJournal, folder, {});
+  const BackupHead head = HeadOf(module, run);
+  QString error = run.backup.isEmpty() ? KeepBackup(module, head, run) : QString();
+  if (error.isEmpty()) error = BeginJournal(module, head, run);
   underWay_ = error.isEmpty();
   return error;
 }

@@ -91,8 +91,8 @@ class SafeStore final : public SafeKeeper {
  private:
   void TakeUp(const SafeRun& run);
   [[nodiscard]] BackupHead HeadOf(const Module1& module, const SafeRun& run) const;
-  [[nodiscard]] QString KeepBackup(const Module1& module, SafeRun& run);
-  [[nodiscard]] QString BeginJournal(const Module1& module, const SafeRun& run);
+  [[nodiscard]] QString KeepBackup(const Module1& module, const BackupHead& head, SafeRun& run);
+  [[nodiscard]] QString BeginJournal(const Module1& module, const BackupHead& head, const SafeRun& run);
 
   platform::FileSystem& files_;
   SafeWorld world_;

@@ -535,6 +535,27 @@ TEST_F(SafeStoreTest, AnotherSendingLeavesTheUnfinishedOneAlone) {
   EXPECT_FALSE(Offered());
 }
 
+// Two controllers of one kind: what is taken back is the last sending, not the one that waits.
+TEST_F(SafeStoreTest, TakingBackTheLastSendingLeavesTheUnfinishedOneAlone) {
+  const ControllerImage original = plant.controller;
+  Interrupted({1, 2}, 1);
+  plant.controller = original;
+  SafeStore store = Program();
+  EXPECT_EQ(store.Load(), QString());
+  const Sending interrupted = *store.Unfinished();
+  now = now.addSecs(1);
+  SafeRun run = plant.Run({1, 2});
+  EXPECT_EQ(store.Begin(*plant.module, run), QString());
+  EXPECT_EQ(plant.Write(store, run), QString());
+  store.End(run);
+  SafeRun back = plant.Back({1, 2}, original);
+  EXPECT_EQ(store.Begin(*plant.module, back), QString());
+  EXPECT_EQ(plant.Write(store, back), QString());
+  store.End(back);
+  EXPECT_EQ(store.Unfinished(), interrupted);
+  EXPECT_EQ(Journal(), interrupted);
+}
+
 // --- the backups ---
 
 class Backups : public testing::Test {

@@ -15,10 +15,10 @@
 namespace kalivor::test {
 namespace {
 
-const QString kFolder = u"/zustand/KALIVOR"_s;
-const QString kFile = u"/zustand/KALIVOR/Wiederherstellung.json"_s;
-const QString kSecond = u"/zustand/KALIVOR/Wiederherstellung-2.json"_s;
-const QString kDamaged = u"/zustand/KALIVOR/Wiederherstellung.defekt.json"_s;
+const QString kFolder = Native(u"/zustand/KALIVOR"_s);
+const QString kFile = Native(u"/zustand/KALIVOR/Wiederherstellung.json"_s);
+const QString kSecond = Native(u"/zustand/KALIVOR/Wiederherstellung-2.json"_s);
+const QString kDamaged = Native(u"/zustand/KALIVOR/Wiederherstellung.defekt.json"_s);
 
 QDateTime At(const QString& text) {
   return QDateTime::fromString(text, Qt::ISODate);

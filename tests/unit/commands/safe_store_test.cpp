@@ -11,10 +11,10 @@
 namespace kalivor::test {
 namespace {
 
-const QString kFolder = u"/werte/Sicherungen"_s;
-const QString kBase = u"/werte/Sicherungen/2026-11-12 16-40-05 AB1-123.4"_s;
-const QString kJournal = u"/zustand/Sendung.txt"_s;
-const QString kSecond = u"/zustand/Sendung-2.txt"_s;
+const QString kFolder = Native(u"/werte/Sicherungen"_s);
+const QString kBase = Native(u"/werte/Sicherungen/2026-11-12 16-40-05 AB1-123.4"_s);
+const QString kJournal = Native(u"/zustand/Sendung.txt"_s);
+const QString kSecond = Native(u"/zustand/Sendung-2.txt"_s);
 
 QDateTime At(const QString& text) {
   return QDateTime::fromString(text, Qt::ISODate);
@@ -22,11 +22,11 @@ QDateTime At(const QString& text) {
 
 class SafeStoreTest : public testing::Test {
  protected:
-  SafeStoreTest() { plant.module->Userpath = u"/werte"_s; }
+  SafeStoreTest() { plant.module->Userpath = Native(u"/werte"_s); }
 
   SafeStore Program() {
     SafeWorld world;
-    world.stateFolder = u"/zustand"_s;
+    world.stateFolder = Native(u"/zustand"_s);
     world.programVersion = u"0.1.0"_s;
     world.deviceOfPort = [](int number) { return u"/dev/ttyUSB%1"_s.arg(number); };
     world.take = [this](const QString& path) {
@@ -171,7 +171,7 @@ TEST_F(SafeStoreTest, WhatFileSystemsRefuseInANameIsReplaced) {
   SafeRun run = plant.Run({1});
   run.version = u"A/B\\C:D*E?F\"G<H>I|J\tK ä. "_s;
   EXPECT_EQ(store.Begin(*plant.module, run), QString());
-  EXPECT_EQ(run.backup, u"/werte/Sicherungen/2026-11-12 16-40-05 A_B_C_D_E_F_G_H_I_J_K ä..qpf"_s);
+  EXPECT_EQ(run.backup, Native(kFolder + u"/2026-11-12 16-40-05 A_B_C_D_E_F_G_H_I_J_K ä..qpf"_s));
   EXPECT_EQ(ReadBackup(files, run.backup).backup.head.version, run.version);
 }
 
@@ -236,9 +236,10 @@ TEST_F(SafeStoreTest, WithoutAJournalNothingIsSent) {
   EXPECT_EQ(nowhere.Begin(*plant.module, run),
             noJournal + u"\r\nEs gibt keinen Ordner für den Zustand des Programms."_s);
   SafeWorld refusing;
-  refusing.stateFolder = u"/zustand"_s;
+  refusing.stateFolder = Native(u"/zustand"_s);
   refusing.take = [](const QString&) { return false; };
-  EXPECT_EQ(SafeStore(files, refusing).Begin(*plant.module, run), noJournal + u"\r\n/zustand"_s);
+  EXPECT_EQ(SafeStore(files, refusing).Begin(*plant.module, run),
+            noJournal + u"\r\n"_s + Native(u"/zustand"_s));
   run.before.erase(0x1F00);
   EXPECT_EQ(Program().Begin(*plant.module, run),
             noJournal + u"\r\nWas der Regler vorher enthielt, ist nicht bekannt."_s);
@@ -337,8 +338,8 @@ TEST_F(SafeStoreTest, ADamagedJournalIsToldAndSetAside) {
   const QByteArray damaged = Stored(kJournal);
   SafeStore store = Program();
   EXPECT_EQ(store.Load(),
-            u"Die Datei mit der unterbrochenen Sendung ist beschädigt und kann nicht benutzt werden:\r\n"
-            "/zustand/Sendung.defekt.txt"_s);
+            u"Die Datei mit der unterbrochenen Sendung ist beschädigt und kann nicht benutzt werden:\r\n"_s +
+                Native(u"/zustand/Sendung.defekt.txt"_s));
   EXPECT_FALSE(store.Unfinished());
   EXPECT_EQ(Stored(u"/zustand/Sendung.defekt.txt"_s), damaged);
   EXPECT_EQ(Stored(kJournal), QByteArray());
@@ -566,7 +567,7 @@ class Backups : public testing::Test {
                   {{0x1F00, 0x0011}}};
     files.files[kFolder + u'/' + name + u".qpf"_s] = {"values", {}};
     files.files[kFolder + u'/' + name + u".txt"_s] = {ComposeBackup(backup), {}};
-    return {kFolder + u'/' + name + u".qpf"_s, backup, {}};
+    return {Native(kFolder + u'/' + name + u".qpf"_s), backup, {}};
   }
 
   [[nodiscard]] QStringList Listed() {
@@ -600,7 +601,7 @@ TEST_F(Backups, OneThatCannotBeUsedIsListedWithTheReason) {
   EXPECT_EQ(backups[0].error, QString());
   EXPECT_EQ(backups[1].error, u"Keine Berechtigung."_s);
   EXPECT_EQ(backups[2].error, u"Die Sicherung ist beschädigt."_s);
-  EXPECT_EQ(backups[2].path, kFolder + u"/2026-11-12 10-00-00 v.qpf"_s);
+  EXPECT_EQ(backups[2].path, Native(kFolder + u"/2026-11-12 10-00-00 v.qpf"_s));
   EXPECT_EQ(backups[2].backup, Backup());
   EXPECT_EQ(backups[3].error, QString());
 }
@@ -626,7 +627,7 @@ TEST_F(Backups, AMissingFolderHasNoneAndAnUnreadableOneIsTold) {
 TEST_F(Backups, OneIsReadByEitherPath) {
   const StoredBackup stored = Add(u"a.b"_s, u"2026-11-12T16:40:05Z"_s);
   for (const QString& ending : {u".qpf"_s, u".txt"_s}) {
-    const StoredBackup read = ReadBackup(files, kFolder + u"/a.b"_s + ending);
+    const StoredBackup read = ReadBackup(files, Native(kFolder + u"/a.b"_s) + ending);
     EXPECT_EQ(read.error, QString());
     EXPECT_EQ(read.path, stored.path);
     EXPECT_EQ(read.backup, stored.backup);

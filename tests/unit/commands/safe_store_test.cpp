@@ -296,7 +296,13 @@ TEST_F(SafeStoreTest, AnEndWithoutABeginningChangesNothing) {
   files.writeError.clear();
   store.End(run);
   EXPECT_TRUE(store.Unfinished());
-  EXPECT_TRUE(Offered());
+  EXPECT_EQ(store.Begin(*plant.module, run), QString());
+  EXPECT_EQ(plant.Write(store, run), QString());
+  store.End(run);
+  EXPECT_FALSE(store.Unfinished());
+  run.values[1].state = SafeState::Unverified;
+  store.End(run);
+  EXPECT_FALSE(store.Unfinished());
 }
 
 // --- the next start ---
@@ -694,8 +700,8 @@ TEST_F(Backups, ASweepSaysWhatItCouldNotRemove) {
   files.writeError = u"Keine Berechtigung."_s;
   files.goodWrites = 1;
   EXPECT_EQ(Sweep(files, {first, second}), u"Nicht alle Sicherungen konnten entfernt werden:\r\n"_s +
-                                               kFolder + u"/a.qpf\r\nKeine Berechtigung.\r\n"_s + kFolder +
-                                               u"/b.txt\r\nKeine Berechtigung."_s);
+                                               first.path + u"\r\nKeine Berechtigung.\r\n"_s +
+                                               second.path.chopped(4) + u".txt\r\nKeine Berechtigung."_s);
   EXPECT_EQ(Listed(), QStringList{u"b"_s}) << "a value file alone is no backup";
 }
 

@@ -37,7 +37,6 @@ void Settle(const SafeContext& context, const SafeRun& run) {
 
 SafeRun Read(const SafeContext& context, SafeRun run) {
   if (context.core.module.BusyDepth > 0) return Ended(std::move(run), u"Es wird noch gearbeitet."_s);
-  if (run.values.empty()) return Ended(std::move(run), u"Kein Parameter ist angekreuzt."_s);
   const BusyGuard busy(context.core);
   ReadWords(context.core, run, context.progress);
   Settle(context, run);
@@ -45,7 +44,9 @@ SafeRun Read(const SafeContext& context, SafeRun run) {
 }
 
 SafeRun ReadTable(const SafeContext& context, SafeKind kind) {
-  return Read(context, WantedOfTable(context.core.module, kind));
+  SafeRun run = WantedOfTable(context.core.module, kind);
+  if (run.values.empty()) return Ended(std::move(run), u"Kein Parameter ist angekreuzt."_s);
+  return Read(context, std::move(run));
 }
 
 // Why something of this controller does not fit what is selected; "" where it does.
@@ -120,7 +121,9 @@ SafeRun ReadToTakeBack(const SafeContext& context, const Sending& sending) {
 }
 
 SafeRun ReadToTakeBack(const SafeContext& context, const SafeRun& run) {
-  return Read(context, WantedBack(context.core.module, run));
+  SafeRun back = WantedBack(context.core.module, run);
+  if (back.values.empty()) return Ended(std::move(back), u"Es wurde nichts geschrieben."_s);
+  return Read(context, std::move(back));
 }
 
 void WriteChosen(const SafeContext& context, SafeRun& run) {

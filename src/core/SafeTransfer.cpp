@@ -410,6 +410,10 @@ class Writing {
     } else if (!same || !std::ranges::all_of(value.words, [this](const CodedWord& w) { return Back(w); })) {
       value.state = SafeState::Unverified;
       if (failure.isEmpty()) value.reason = u"gesendet und nicht geprüft"_s;
+    } else if (!Holds(run_.now, value.words) && failure.isEmpty() && !reached_.contains(value.index)) {
+      // Cut off between two of its words: it has to be finished.
+      value.state = SafeState::Unverified;
+      value.reason = u"nicht vollständig gesendet"_s;
     } else if (!Holds(run_.now, value.words)) {
       value.state = failure.isEmpty() ? SafeState::Deviating : SafeState::Failed;
     } else if (!std::ranges::all_of(value.words,

@@ -17,18 +17,12 @@
 #include "check/FindingsText.h"
 #include "core/ListTable.h"
 #include "ui/dialogs/Controls.h"
+#include "ui/list/CellStyle.h"
 #include "ui/main/StoredPlace.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
-namespace {
-
-// Between a number at the right of its column and the next column.
-constexpr QChar kEndOfNumbers(0x2002);
-
-}  // namespace
-
 /// Rows in the order in which they were found; Qt::UserRole is what they are sorted by.
 class FindingsModel final : public QAbstractTableModel {
  public:
@@ -96,9 +90,6 @@ class FindingsModel final : public QAbstractTableModel {
 };
 
 namespace {
-
-// Above and below the text of a row, together.
-constexpr int kRowAir_px = 7;
 
 /// Cells with air around them.
 class FindingsDelegate final : public QStyledItemDelegate {

@@ -6,11 +6,9 @@
 #include <vector>
 
 #include "core/ParameterList.h"
+#include "ui/list/CellStyle.h"
 
 namespace kalivor::ui {
-
-/// Air between a number and a text that begins where it ends.
-inline constexpr QChar kEndOfNumbers(0x2002);
 
 /// A row for each parameter, in their order; a column for each ListColumn. It changes nothing by itself.
 class ParameterListModel final : public QAbstractTableModel {

@@ -17,9 +17,6 @@ namespace {
 constexpr int kValueColumn = static_cast<int>(ListColumn::Value);
 constexpr int kNameColumn = static_cast<int>(ListColumn::Name);
 
-// Above and below the text of a row, together.
-constexpr int kRowAir_px = 7;
-
 // What a column is at first: so many digits wide, and shown or not.
 struct FirstColumn {
   int digits = 0;

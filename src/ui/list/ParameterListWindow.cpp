@@ -186,22 +186,16 @@ QMenu* ParameterListWindow::NewSelectionMenu() {
 }
 
 QMenu* ParameterListWindow::NewExportMenu() {
-  auto* menu = Named(new QMenu(this), u"exportMenu"_s);
-  menu->addAction(u"&Kopieren\tStrg+C"_s, this, [this] { Copy(); })->setObjectName(u"exportCopy"_s);
-  if (!world_.exports.empty()) menu->addSeparator();
-  for (const ListExport& item : world_.exports) {
-    QAction* action = menu->addAction(item.caption);
-    action->setObjectName(item.name);
-    connect(action, &QAction::triggered, this, [this, run = item.run] {
-      world_.guard([&] {
-        const Module1& module = world_.core.module;
-        if (module.BusyDepth > 0) return;
-        run(TableOf(module, proxy_.ShownRows(), view_->ShownColumns(),
-                    ListHeading(module, QDate::currentDate())));
-      });
-    });
-  }
-  return menu;
+  const Module1& module = world_.core.module;
+  const auto whenReady = [this, &module](const std::function<void()>& handler) {
+    if (module.BusyDepth == 0) world_.guard(handler);
+  };
+  const auto table = [this, &module] {
+    return TableOf(module, proxy_.ShownRows(), view_->ShownColumns(),
+                   ListHeading(module, QDate::currentDate()));
+  };
+  return ui::NewExportMenu(
+      this, world_.exports, whenReady, [this] { Copy(); }, table);
 }
 
 QLayout* ParameterListWindow::NewCountRow() {
@@ -250,6 +244,13 @@ void ParameterListWindow::OpenOutside() {
   for (const Filter& filter : filters_)
     filter.button->setChecked(filter.member == &ListFilter::outside);
   Open();
+}
+
+void ParameterListWindow::OpenCompared(ValueSet set) {
+  // A list that is opened begins without the comparison with other definitions.
+  Open();
+  CompareWithFile({std::move(set), {}});
+  Refresh();
 }
 
 void ParameterListWindow::Update() {
@@ -336,7 +337,7 @@ void ParameterListWindow::Compare(Comparison comparison) {
         comparison_ = comparison;
         break;
       case Comparison::File:
-        CompareWithFile();
+        CompareWithChosenFile();
         break;
       case Comparison::Controller:
         CompareWithController();
@@ -347,13 +348,16 @@ void ParameterListWindow::Compare(Comparison comparison) {
   ShowComparison();
 }
 
-void ParameterListWindow::CompareWithFile() {
+void ParameterListWindow::CompareWithChosenFile() {
   const Module1& module = world_.core.module;
   const QString path =
       world_.dialogs.OpenFile(u"Vergleichen mit"_s, module.Userpath, kValueFileFilter.toString());
   if (path.isEmpty()) return;
-  SetResult result = ReadFileValues(world_.core.files, path);
-  if (result.Ok()) result.error = VersionFault(module, result.set);
+  CompareWithFile(ReadFileValues(world_.core.files, path));
+}
+
+void ParameterListWindow::CompareWithFile(SetResult result) {
+  if (result.Ok()) result.error = VersionFault(world_.core.module, result.set);
   CompareWith(Comparison::File, std::move(result));
 }
 

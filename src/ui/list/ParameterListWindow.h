@@ -19,18 +19,12 @@
 #include "platform/qt/ElidedLabel.h"
 #include "platform/qt/EventGuard.h"
 #include "ui/list/ChoiceBox.h"
+#include "ui/list/ExportMenu.h"
 #include "ui/list/ParameterListModel.h"
 #include "ui/list/ParameterListProxy.h"
 #include "ui/list/ParameterListView.h"
 
 namespace kalivor::ui {
-
-/// A way in which the list leaves the program: an item of the menu "Ausgeben".
-struct ListExport {
-  QString name;  ///< of the menu item
-  QString caption;
-  std::function<void(const ListTable& table)> run;
-};
 
 /// What the list works with. Everything must outlive it.
 struct ListWorld {
@@ -57,6 +51,10 @@ class ParameterListWindow final : public QMainWindow {
 
   /// Shows all parameters that are outside their limits, and no others.
   void OpenOutside();
+
+  /// Shows the list compared with this set of a file, whose name is its path. A version that nobody knows is
+  /// told in a box.
+  void OpenCompared(ValueSet set);
 
   /// Takes over what has changed since; nothing while the window is closed. To be called after every event.
   void Update();
@@ -104,7 +102,8 @@ class ParameterListWindow final : public QMainWindow {
 
   void Compare(Comparison comparison);
   void CompareWith(Comparison comparison, SetResult result);
-  void CompareWithFile();
+  void CompareWithChosenFile();
+  void CompareWithFile(SetResult result);
   void CompareWithController();
   void ForgetComparison();
   void ShowComparison();

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QSortFilterProxyModel>
 
+#include "ui/list/CellStyle.h"
 #include "ui/list/ParameterListModel.h"
 #include "ui/list/ValueEdit.h"
 
@@ -10,15 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace kalivor::ui {
 namespace {
-
-// Lower lightness of a background is dark.
-constexpr int kDarkLightness = 128;
-
-// Red that is read on the background.
-QColor WarningColour(const QPalette& palette) {
-  const bool dark = palette.color(QPalette::Base).lightness() < kDarkLightness;
-  return dark ? QColor(255, 138, 128) : QColor(176, 0, 32);
-}
 
 // So far a key leads, in rows and columns.
 struct Step {
@@ -83,12 +75,8 @@ bool ValueDelegate::eventFilter(QObject* watched, QEvent* event) {
 
 void ValueDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
   QStyledItemDelegate::initStyleOption(option, index);
-  if ((option->displayAlignment & Qt::AlignRight) != 0) option->text += kEndOfNumbers;
+  StyleCell(*option);
   QPalette& palette = option->palette;
-  // The styles draw the check box's outline in a darker shade of the window's colour. On a dark background
-  // that would leave nothing to see of an empty box.
-  if (palette.color(QPalette::Base).lightness() < kDarkLightness)
-    palette.setColor(QPalette::Window, palette.color(QPalette::Text).darker(120));
   if (index.data(ParameterListModel::HiddenRole).toBool())
     palette.setColor(QPalette::Text, palette.color(QPalette::Disabled, QPalette::Text));
   const int emphasis = index.data(ParameterListModel::EmphasisRole).toInt();

@@ -1,0 +1,26 @@
+#include "ui/list/CellStyle.h"
+
+namespace kalivor::ui {
+namespace {
+
+bool IsDark(const QPalette& palette) {
+  // Lower lightness of a background is dark.
+  constexpr int kDarkLightness = 128;
+  return palette.color(QPalette::Base).lightness() < kDarkLightness;
+}
+
+}  // namespace
+
+QColor WarningColour(const QPalette& palette) {
+  return IsDark(palette) ? QColor(255, 138, 128) : QColor(176, 0, 32);
+}
+
+// The styles draw the check box's outline in a darker shade of the window's colour. On a dark background that
+// would leave nothing to see of an empty box.
+void StyleCell(QStyleOptionViewItem& option) {
+  if ((option.displayAlignment & Qt::AlignRight) != 0) option.text += kEndOfNumbers;
+  QPalette& palette = option.palette;
+  if (IsDark(palette)) palette.setColor(QPalette::Window, palette.color(QPalette::Text).darker(120));
+}
+
+}  // namespace kalivor::ui

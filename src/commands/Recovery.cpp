@@ -108,19 +108,19 @@ QString DayAndTime(const QDateTime& time, const QDateTime& now) {
 }
 
 // Why version or plant type cannot be selected; "" when they can. Every blank closes a plant type.
-QString SelectionFault(const Module1& module, const KeptTable& kept) {
-  const int version = module.VersionList.Find(kept.set.version);
-  if (version < 0) return u"Unbekannte ReglerVersion: "_s + kept.set.version;
-  QStringList plantTypes = module.VersionRow(version + 1).Anlagen.split(u' ');
+QString SelectionFault(const Module1& module, const QString& version, const QString& plantType) {
+  const int row = module.VersionList.Find(version);
+  if (row < 0) return u"Unbekannte ReglerVersion: "_s + version;
+  QStringList plantTypes = module.VersionRow(row + 1).Anlagen.split(u' ');
   plantTypes.removeLast();
-  return plantTypes.contains(kept.plantType) ? QString() : u"Unbekannte Anlageart: "_s + kept.plantType;
+  return plantTypes.contains(plantType) ? QString() : u"Unbekannte Anlageart: "_s + plantType;
 }
 
-void Select(Core& core, const KeptTable& kept) {
+void Select(Core& core, const QString& version, const QString& plantType) {
   Module1& module = core.module;
   try {
-    module.VersionList.Select(module.VersionList.Find(kept.set.version));
-    module.PlantTypeList.Select(module.PlantTypeList.Find(kept.plantType));
+    module.VersionList.Select(module.VersionList.Find(version));
+    module.PlantTypeList.Select(module.PlantTypeList.Find(plantType));
   } catch (const RuntimeError&) {
     // The tree must not show parameters that are in the table no more.
     Refresh(core, 2);
@@ -189,16 +189,22 @@ QString RecoveryText(const KeptTable& kept, const QDateTime& now) {
   return CountText(kept.UnsavedCount()) + u' ' + DayAndTime(kept.time.toTimeZone(now.timeZone()), now);
 }
 
+QString SelectController(Core& core, const QString& version, const QString& plantType) {
+  const QString fault = SelectionFault(core.module, version, plantType);
+  if (!fault.isEmpty()) return fault;
+  core.editors.HideEditors();
+  Select(core, version, plantType);
+  return {};
+}
+
 bool RestoreTable(const FileCommandContext& context, const KeptTable& kept,
                   const std::function<void(int index)>& saved) {
   Core& core = context.core;
-  const QString fault = SelectionFault(core.module, kept);
+  const QString fault = SelectController(core, kept.set.version, kept.plantType);
   if (!fault.isEmpty()) {
     core.box.Show(u"Die Werte können nicht wiederhergestellt werden.\r\n"_s + fault);
     return false;
   }
-  core.editors.HideEditors();
-  Select(core, kept);
   const int left = GiveValues(core.module, kept, saved);
   core.module.Dateiname = kept.valueFile;
   context.showFile(kept.valueFile);

@@ -38,6 +38,10 @@ struct KeptTable {
 /// "12 Werte von gestern 16:40": how many are unsaved, and when they were.
 [[nodiscard]] QString RecoveryText(const KeptTable& kept, const QDateTime& now);
 
+/// Selects version and plant type where they differ; open editors are closed. Returns "" or in German which
+/// of them is unknown; nothing changes then. Throws RuntimeError as reading definitions does.
+[[nodiscard]] QString SelectController(Core& core, const QString& version, const QString& plantType);
+
 /// Makes the table what it was: selects version and plant type where they differ, gives the parameters their
 /// values (ValueSource::Recovered) and rebuilds the tree; open editors are closed. The current file is the
 /// one of that time again. `saved` is told of each parameter whose value a file holds. Where version or plant

@@ -158,7 +158,10 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
       [&printing](const ListTable& table) { return print::TablePdf(table, printing->Labels()); },
       [&printing](const ListTable& table) {
         print::AskAndPrintTable(u"Parameterliste"_s, table, printing->Labels());
-      }};
+      },
+      {process.StateFolder(), QStringLiteral(KALIVOR_VERSION),
+       [&process](int number) { return process.ShownDevice(number); },
+       [&process](const QString& path) { return process.locks.Take(path); }}};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
     if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);

@@ -30,19 +30,22 @@ using namespace Qt::StringLiterals;
 
 class MemorySettings final : public platform::SettingsStore {
  public:
-  QMap<QString, QString> values;  ///< by key; all are in the section "Settings"
+  QMap<QString, QString> values;  ///< by key; those of another section than "Settings" by "section/key"
 
   [[nodiscard]] QString Get(const QString& section, const QString& key,
                             const QString& fallback) const override {
-    EXPECT_EQ(section, u"Settings"_s);
-    return values.value(key, fallback);
+    return values.value(Place(section, key), fallback);
   }
   void Save(const QString& section, const QString& key, const QString& value) override {
-    EXPECT_EQ(section, u"Settings"_s);
-    values[key] = value;
+    values[Place(section, key)] = value;
   }
   QString failure;  ///< why nothing can be brought to the disk
   [[nodiscard]] QString Flush() override { return failure; }
+
+ private:
+  static QString Place(const QString& section, const QString& key) {
+    return section == u"Settings" ? key : section + u'/' + key;
+  }
 };
 
 /// The real event queue, with a chance for the test to act at every moment at which a user could.
@@ -161,7 +164,10 @@ class GuiTest : public testing::Test {
                                                       [this](int number) { return devices.value(number); },
                                                       {},
                                                       u"/einstellungen/Auswahlen.json"_s,
-                                                      recovery},
+                                                      recovery,
+                                                      {},
+                                                      {},
+                                                      safe},
                                             run);
   }
 
@@ -250,6 +256,7 @@ class GuiTest : public testing::Test {
   FakeHelp help;
   QMap<int, QString> devices;  ///< behind the port numbers
   RecoveryWorld recovery;      ///< nothing is kept
+  SafeWorld safe;              ///< no journal can be kept, so nothing is written safely
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

@@ -42,6 +42,11 @@ const QList<Item>& Items() {
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeWiederherstellen"_s, u"Wieder&herstellen"_s, {}, false},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeBar1"_s, u"-"_s, {}, true},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugePruefen"_s, u"&Definitionen prüfen"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeBar2"_s, u"-"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeSicherSenden"_s, u"Sicher se&nden…"_s, u"Ctrl+Shift+S"_s, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeSicherEmpfangen"_s, u"Sicher &empfangen…"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeSicherungen"_s, u"S&icherungen…"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeUnterbrochen"_s, u"&Unterbrochene Sendung"_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpContents"_s, u"&Inhalt"_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpSearchForHelpOn"_s, u"&Suchen in der Hilfe..."_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpBar0"_s, u"-"_s, {}, false},
@@ -164,6 +169,9 @@ TEST_F(MenuTest, ShortcutsRunTheirItems) {
   EXPECT_EQ(runs.join(u' '),
             u"mnuFileOpen mnuFileSave mnuFilePrint mnuOptioenRegler mnuWerkzeugeListe mnuWerkzeugeSuchen "
             "mnuWerkzeugeRueckgaengig mnuWerkzeugeWiederholen"_s);
+  runs.clear();
+  QTest::keyClick(desktop->main.windowHandle(), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(runs, QStringList{u"mnuWerkzeugeSicherSenden"_s});
 }
 
 TEST_F(MenuTest, TheShortcutOfAHiddenItemDoesNothing) {

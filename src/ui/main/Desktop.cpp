@@ -3,6 +3,8 @@
 #include "base/Paths.h"
 #include "commands/ExportCommands.h"
 #include "commands/MenuCommands.h"
+#include "commands/SafeCommands.h"
+#include "commands/SafeTable.h"
 #include "commands/StartUp.h"
 #include "core/Busy.h"
 #include "core/DefinitionFiles.h"
@@ -14,6 +16,7 @@ namespace kalivor::ui {
 namespace {
 
 const QString kRestoreItem = u"mnuWerkzeugeWiederherstellen"_s;
+const QString kUnfinishedItem = u"mnuWerkzeugeUnterbrochen"_s;
 
 }  // namespace
 
@@ -76,6 +79,10 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeWiederholen"_s, [this] { TakeBack(&UndoStack::Redo); }},
       {u"mnuWerkzeugePruefen"_s, [this] { ShowFindings(); }},
       {kRestoreItem, [this] { Restore(); }},
+      {u"mnuWerkzeugeSicherSenden"_s, [this] { SendSafely(); }},
+      {u"mnuWerkzeugeSicherEmpfangen"_s, [this] { ReceiveSafely(); }},
+      {u"mnuWerkzeugeSicherungen"_s, [this] { ShowBackups(); }},
+      {kUnfinishedItem, [this] { ShowUnfinished(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -125,7 +132,7 @@ void Desktop::MakeList() {
   main.AddCompanion(*progress, false);
   // Their keys work there as well.
   for (const QString& item : {u"mnuWerkzeugeListe"_s, u"mnuWerkzeugeSuchen"_s, u"mnuWerkzeugeRueckgaengig"_s,
-                              u"mnuWerkzeugeWiederholen"_s})
+                              u"mnuWerkzeugeWiederholen"_s, u"mnuWerkzeugeSicherSenden"_s})
     list->addAction(main.findChild<QAction*>(item));
 }
 
@@ -168,6 +175,8 @@ void Desktop::Start() {
   Run([this] { StartUp(core); });
   Tell(recovery.Load());
   OfferRecovery();
+  Tell(safeStore.Load());
+  OfferUnfinished();
 }
 
 bool Desktop::Run(const std::function<void()>& handler) {
@@ -185,6 +194,7 @@ void Desktop::Settled() {
     main.ShowOutside(changes.Outside());
     if (recovery.Works()) rest_.start();
   }
+  if (safeStore.Unfinished()) OfferUnfinished();
   if (list) list->Update();
 }
 
@@ -234,6 +244,93 @@ void Desktop::Restore() {
   OfferRecovery();
 }
 
+// --- safe transfers ---
+
+SafeWindow& Desktop::Safe() {
+  if (!safe) {
+    std::vector<ListExport> exports = Exports();
+    std::erase_if(exports, [](const ListExport& item) { return item.name == u"exportPrint"; });
+    safe = std::make_unique<SafeWindow>(
+        SafeSurroundings{core, safeStore, world.settings, guard, std::move(exports), main, [this] {
+                           OfferUnfinished();
+                           if (backups) backups->Update();
+                         }});
+    Add(*safe, true);
+    main.AddCompanion(safe->Progress(), false);
+  }
+  return *safe;
+}
+
+void Desktop::SendSafely() {
+  if (module.BusyDepth == 0) Safe().Send();
+}
+
+void Desktop::ReceiveSafely() {
+  if (module.BusyDepth == 0) Safe().Receive();
+}
+
+void Desktop::ShowBackups() {
+  if (module.BusyDepth > 0) return;
+  if (!backups) {
+    const auto compare = [this](const StoredBackup& backup) {
+      if (!list) MakeList();
+      list->OpenCompared(BackupValues(module, backup));
+    };
+    const auto restore = [this](const StoredBackup& backup) { Safe().Restore(backup.backup); };
+    backups = std::make_unique<BackupsWindow>(
+        BackupsSurroundings{core, world.settings, guard, world.safe.now, compare, restore});
+    Add(*backups, true);
+  }
+  backups->Open();
+}
+
+void Desktop::MakeUnfinished() {
+  unfinished = std::make_unique<UnfinishedDialog>();
+  Add(*unfinished, true);
+  unfinished->OnFinish = [this] { guard([this] { Resume(&SafeWindow::Finish); }); };
+  unfinished->OnTakeBack = [this] { guard([this] { Resume(&SafeWindow::TakeBack); }); };
+  unfinished->OnForget = [this] { guard([this] { Forget(); }); };
+}
+
+void Desktop::ShowUnfinished() {
+  if (module.BusyDepth > 0 || !safeStore.Unfinished()) return;
+  if (!unfinished) MakeUnfinished();
+  unfinished->Ask(UnfinishedSentence(module, *safeStore.Unfinished(), WrittenText()));
+}
+
+void Desktop::Resume(void (SafeWindow::*how)(const Sending& sending)) {
+  if (module.BusyDepth > 0 || !safeStore.Unfinished()) return;
+  const Sending sending = *safeStore.Unfinished();
+  const QString fault = SelectController(core, sending.head.version, sending.head.plantType);
+  if (fault.isEmpty()) {
+    (Safe().*how)(sending);
+  } else {
+    world.box.Show(fault);
+  }
+}
+
+void Desktop::Forget() {
+  const QString question =
+      u"Die unterbrochene Sendung wird nicht mehr angeboten.\r\nDie Werte im Regler bleiben, wie sie sind; "
+      u"die "
+      "Sicherung bleibt erhalten."_s;
+  if (!world.box.Confirm(question, u"Verwerfen"_s)) return;
+  Tell(safeStore.Forget());
+  OfferUnfinished();
+}
+
+QString Desktop::WrittenText() const {
+  const std::optional<Sending>& sending = safeStore.Unfinished();
+  const bool known = sending && sending->head.version == module.VersionList.SelectedText();
+  return known ? UnfinishedText(module, *sending) : QString();
+}
+
+void Desktop::OfferUnfinished() {
+  const std::optional<Sending>& sending = safeStore.Unfinished();
+  const QString written = WrittenText();
+  OfferItem(main, kUnfinishedItem, sending && written.isEmpty() ? sending->head.version : written);
+}
+
 void Desktop::ShowAbout() {
   if (module.BusyDepth > 0) return;
   auto* about =
@@ -252,6 +349,9 @@ std::unique_ptr<Desktop> Launch(frmSplash& splash, const World& world, const Run
   desktop->Start();
   desktop->main.show();
   splash.close();
+  // A controller that is half written must not be overlooked.
+  QTimer::singleShot(0, &desktop->main,
+                     [desktop = desktop.get()] { desktop->guard([desktop] { desktop->ShowUnfinished(); }); });
   return desktop;
 }
 

@@ -9,6 +9,7 @@
 #include "commands/EventBoundary.h"
 #include "commands/FileCommands.h"
 #include "commands/Recovery.h"
+#include "commands/SafeStore.h"
 #include "commands/Selections.h"
 #include "commands/SettingsTable.h"
 #include "core/ListTable.h"
@@ -30,6 +31,9 @@
 #include "ui/main/UndoStack.h"
 #include "ui/main/frmMain.h"
 #include "ui/options/frmOptions.h"
+#include "ui/safe/BackupsWindow.h"
+#include "ui/safe/SafeWindow.h"
+#include "ui/safe/UnfinishedDialog.h"
 
 namespace kalivor::ui {
 
@@ -52,6 +56,7 @@ struct World {
   RecoveryWorld recovery;                           ///< of what is unsaved
   std::function<QByteArray(const ListTable& table)> tablePdf{};  ///< a document of the printed table
   std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
+  SafeWorld safe{};                                              ///< of backups and unfinished sendings
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.
@@ -65,6 +70,9 @@ struct Desktop {
 
   /// Opens a value file as the Open command does once the user has chosen it.
   void OpenFile(const QString& path);
+
+  /// Asks what is to become of a sending that was left unfinished, if there is one.
+  void ShowUnfinished();
 
   /// Runs what the user sets off: one step that can be taken back, as far as it changes the table. Shows the
   /// RuntimeError that escapes it; false then. `guard` does the same.
@@ -86,12 +94,16 @@ struct Desktop {
   FileCommandContext files;
   Selections selections{world.files, world.selectionsFile};
   Recovery recovery{world.files, world.recovery};
+  SafeStore safeStore{world.files, world.safe};
   frmOptions options;
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
   std::unique_ptr<FindingsWindow> findings;   ///< made when it is first opened
   std::unique_ptr<ProgressDialog> progress;   ///< made with the list
   std::unique_ptr<ParameterListWindow> list;  ///< made when it is first opened
+  std::unique_ptr<SafeWindow> safe;           ///< made when it is first needed
+  std::unique_ptr<UnfinishedDialog> unfinished;
+  std::unique_ptr<BackupsWindow> backups;
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -114,6 +126,18 @@ struct Desktop {
   void ShowList(void (ParameterListWindow::*open)());
   void MakeList();
   [[nodiscard]] std::vector<ListExport> Exports();
+
+  [[nodiscard]] SafeWindow& Safe();
+  void SendSafely();
+  void ReceiveSafely();
+  void ShowBackups();
+  void MakeUnfinished();
+  void Resume(void (SafeWindow::*how)(const Sending& sending));
+  void Forget();
+  /// "" where nothing is unfinished, or its version is not the selected one.
+  [[nodiscard]] QString WrittenText() const;
+  void OfferUnfinished();
+
   void TakeBack(void (UndoStack::*step)());
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();

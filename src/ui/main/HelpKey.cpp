@@ -25,6 +25,10 @@ const QHash<QString, QString>& Pages() {
                                              {u"ParameterList"_s, u"parameterliste"_s},
                                              {u"ProgressDialog"_s, u"parameterliste"_s},
                                              {u"SelectionName"_s, u"parameterliste"_s},
+                                             {u"SafeWindow"_s, u"sicher-senden"_s},
+                                             {u"SafeProgress"_s, u"sicher-senden"_s},
+                                             {u"UnfinishedDialog"_s, u"sicher-senden#unterbrochen"_s},
+                                             {u"BackupsWindow"_s, u"sicher-senden#sicherungen"_s},
                                              {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};

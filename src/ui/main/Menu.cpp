@@ -16,6 +16,7 @@ struct Item {
   QStringView caption;  // "-" is a separator
   bool visible = true;
   Qt::Key controlKey = Qt::Key_unknown;  // the key that works together with Ctrl
+  bool shift = false;                    // and with Shift
 };
 
 struct TopMenu {
@@ -64,7 +65,12 @@ const std::vector<TopMenu>& Menus() {
         {u"mnuWerkzeugeWiederholen", u"&Wiederholen", true, Qt::Key_Y},
         {u"mnuWerkzeugeWiederherstellen", u"Wieder&herstellen", false},
         {u"mnuWerkzeugeBar1", u"-"},
-        {u"mnuWerkzeugePruefen", u"&Definitionen prüfen"}}},
+        {u"mnuWerkzeugePruefen", u"&Definitionen prüfen"},
+        {u"mnuWerkzeugeBar2", u"-"},
+        {u"mnuWerkzeugeSicherSenden", u"Sicher se&nden…", true, Qt::Key_S, true},
+        {u"mnuWerkzeugeSicherEmpfangen", u"Sicher &empfangen…"},
+        {u"mnuWerkzeugeSicherungen", u"S&icherungen…"},
+        {u"mnuWerkzeugeUnterbrochen", u"&Unterbrochene Sendung", false}}},
       {u"mnuHelp",
        u"&?",
        true,
@@ -99,7 +105,8 @@ QAction* NewAction(QMenu& menu, const Item& item) {
   action->setVisible(item.visible);
   // The toolkit would move "Beenden" and "Info" elsewhere on some systems.
   action->setMenuRole(QAction::NoRole);
-  if (item.controlKey != Qt::Key_unknown) action->setShortcut(QKeySequence(Qt::CTRL | item.controlKey));
+  if (item.controlKey != Qt::Key_unknown)
+    action->setShortcut(item.shift ? Qt::CTRL | Qt::SHIFT | item.controlKey : Qt::CTRL | item.controlKey);
   return action;
 }
 

@@ -572,9 +572,9 @@ TEST_F(ParameterListTest, ComparesWithTheControllerWithoutTouchingTheTable) {
 TEST_F(ParameterListTest, WhatTheControllerDoesNotAnswerIsNotRead) {
   StartWithList();
   Toggle(u"sK 7"_s);
-  // After the version and the first parameter: the attempts for the second one.
+  // After version, plant number and the first parameter: the attempts for the second one.
   const int before = far->faults.Exchanges();
-  for (int request = 3; request <= 5; ++request)
+  for (int request = 4; request <= 6; ++request)
     far->faults.Plan(before + request, {});
   Compare(3);
   EXPECT_EQ(Cell(0, ListColumn::State), u"gleich"_s);
@@ -611,7 +611,7 @@ TEST_F(ParameterListTest, WhatIsNotReadKeepsNoValueOfAnEarlierReading) {
   Compare(3);
   EXPECT_EQ(Cell(1, ListColumn::Comparison), u"10.0"_s);
   const int before = far->faults.Exchanges();
-  for (int request = 3; request <= 5; ++request)
+  for (int request = 4; request <= 6; ++request)
     far->faults.Plan(before + request, {});
   Compare(3);
   EXPECT_EQ(Cell(1, ListColumn::State), u"nicht gelesen"_s);
@@ -621,6 +621,8 @@ TEST_F(ParameterListTest, WhatIsNotReadKeepsNoValueOfAnEarlierReading) {
 
 TEST_F(ParameterListTest, TheFrameOfTheProgressAbortsAndLeavesItOpen) {
   StartWithList();
+  // It has no length, which is known without asking.
+  Toggle(u"sK 7"_s);
   bool closed = false;
   events.onPending = [&] {
     if (closed || !desktop->progress->isVisible()) return;

@@ -47,7 +47,10 @@ struct Process {
         settings(demo != nullptr ? platform::IniSettingsStore(demo->SettingsFile())
                                  : platform::IniSettingsStore()),
         devices(platform::StoredDevices(settings)),
-        port([this](int number) { return devices.Device(number); }) {}
+        port([this](int number) { return devices.Device(number); }) {
+    // What a demonstration leaves goes with it, the backups below this folder too.
+    if (demo != nullptr) settings.Save(u"Settings"_s, u"Userpath"_s, demo->StateFolder());
+  }
 
   [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : port; }
 

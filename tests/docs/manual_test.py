@@ -48,7 +48,9 @@ def fragments(literal):
 
 
 def is_sentence(text):
-    """At least two words, one of them German enough."""
+    """At least two words, one of them German enough; no format of a date."""
+    if re.fullmatch(r"[dMyHms.: -]+", text):
+        return False
     return bool(re.search(r"[a-zäöüß]{2,}[^\w\s]*\s+\W*\w", text)) and not re.search(r"[<>{}/]|\*\.|::", text.replace("->", ""))
 
 

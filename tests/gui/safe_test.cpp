@@ -727,9 +727,9 @@ TEST_F(BackupsTest, TheWindowsCanBeReadAloudAndHaveTheirPages) {
   Click(*desktop->unfinished, u"finish"_s);
   ASSERT_TRUE(IsOpen());
   QTest::keyClick(&View(), Qt::Key_F1);
-  EXPECT_EQ(help.pages, (QStringList{u"sicher-senden#unterbrochen"_s, u"sicher-senden#sicherungen"_s,
-                                     u"sicher-senden"_s}));
-  EXPECT_EQ(ui::ManualPageOf(Safe().Progress()), u"sicher-senden"_s);
+  EXPECT_EQ(help.pages, (QStringList{u"sichersenden#unterbrochen"_s, u"sichersenden#sicherungen"_s,
+                                     u"sichersenden"_s}));
+  EXPECT_EQ(ui::ManualPageOf(Safe().Progress()), u"sichersenden"_s);
   for (QWidget* window : std::initializer_list<QWidget*>{&Safe(), &Window(), desktop->unfinished.get()}) {
     EXPECT_FALSE(window->windowTitle().isEmpty());
     for (const QPushButton* button : window->findChildren<QPushButton*>()) {

@@ -316,6 +316,8 @@ QString SafeStore::BeginJournal(const Module1& module, const BackupHead& head, c
 
 QString SafeStore::Begin(const Module1& module, SafeRun& run) {
   journal_.reset();
+  // The run before was thrown out of the middle of its work.
+  if (std::exchange(underWay_, false) && !sending_->begun.empty()) LeaveUnfinished();
   TakeUp(run);
   if (world_.stateFolder.isEmpty())
     return kNoJournal + u"\r\nEs gibt keinen Ordner für den Zustand des Programms."_s;
@@ -341,14 +343,18 @@ QString SafeStore::Before(quint16 address) {
   return Lines(kNoJournalAnyMore, file_.Path(), error);
 }
 
+void SafeStore::LeaveUnfinished() {
+  unfinished_ = sending_;
+  unfinishedNumber_ = file_.Number();
+}
+
 void SafeStore::End(const SafeRun& run) {
   if (!std::exchange(underWay_, false)) return;
   journal_.reset();
   // A run that is to finish a sending, and has not, leaves it as unfinished as it was.
   const bool offered = unfinished_ && file_.Number() == unfinishedNumber_;
   if (run.Unfinished() || (offered && !IsAccounted(run))) {
-    unfinished_ = sending_;
-    unfinishedNumber_ = file_.Number();
+    LeaveUnfinished();
     return;
   }
   if (offered) unfinished_.reset();
@@ -375,6 +381,8 @@ QString SafeStore::Load() {
 
 QString SafeStore::Forget() {
   if (!unfinished_) return {};
+  journal_.reset();
+  underWay_ = false;
   file_.Use(unfinishedNumber_);
   const QString error = files_.Replace(file_.Path(), {});
   if (!error.isEmpty())

@@ -90,6 +90,7 @@ class SafeStore final : public SafeKeeper {
 
  private:
   void TakeUp(const SafeRun& run);
+  void LeaveUnfinished();
   [[nodiscard]] BackupHead HeadOf(const Module1& module, const SafeRun& run) const;
   [[nodiscard]] QString KeepBackup(const Module1& module, const BackupHead& head, SafeRun& run);
   [[nodiscard]] QString BeginJournal(const Module1& module, const BackupHead& head, const SafeRun& run);

@@ -542,6 +542,41 @@ TEST_F(SafeStoreTest, AnotherSendingLeavesTheUnfinishedOneAlone) {
   EXPECT_FALSE(Offered());
 }
 
+// A run-time error ends a run wherever it strikes.
+TEST_F(SafeStoreTest, ARunThatComesToNoEndIsUnfinished) {
+  SafeStore store = Program();
+  SafeRun thrown = plant.Run({1, 2});
+  EXPECT_EQ(store.Begin(*plant.module, thrown), QString());
+  EXPECT_EQ(plant.Write(store, thrown, 1), QString());
+  const std::optional<Sending> left = Journal();
+  now = now.addSecs(1);
+  SafeRun run = plant.Run({5});
+  EXPECT_EQ(store.Begin(*plant.module, run), QString());
+  EXPECT_EQ(store.Unfinished(), left);
+  EXPECT_EQ(Journal(), left);
+  EXPECT_EQ(plant.Write(store, run), QString());
+  store.End(run);
+  EXPECT_EQ(store.Unfinished(), left);
+  SafeRun idle = plant.Run({6});
+  EXPECT_EQ(store.Begin(*plant.module, idle), QString());
+  EXPECT_EQ(store.Begin(*plant.module, run), QString());
+  EXPECT_EQ(store.Unfinished(), left) << "nothing of the idle one was sent";
+}
+
+TEST_F(SafeStoreTest, ARunThatComesToNoEndCanBeForgotten) {
+  Interrupted({1, 2}, 1);
+  SafeStore store = Program();
+  EXPECT_EQ(store.Load(), QString());
+  SafeRun thrown = plant.Run({1, 2}, SafeKind::Finish);
+  thrown.backup = store.Unfinished()->backup;
+  EXPECT_EQ(store.Begin(*plant.module, thrown), QString());
+  EXPECT_EQ(store.Forget(), QString());
+  EXPECT_EQ(Stored(kJournal), QByteArray());
+  SafeRun run = plant.Run({5});
+  EXPECT_EQ(store.Begin(*plant.module, run), QString());
+  EXPECT_EQ(Names(Journal()->values), QStringList{u"text"_s});
+}
+
 // Two controllers of one kind: what is taken back is the last sending, not the one that waits.
 TEST_F(SafeStoreTest, TakingBackTheLastSendingLeavesTheUnfinishedOneAlone) {
   const ControllerImage original = plant.controller;

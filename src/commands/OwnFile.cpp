@@ -36,17 +36,16 @@ platform::FileContent OwnFile::Read(int number) const {
   return files_.Read(PathOf(number), kLargestFile_bytes);
 }
 
-bool OwnFile::Take(int number) {
-  if (!taken_.contains(number) && !take_(PathOf(number))) return false;
+void OwnFile::Take(int number) {
+  if (!taken_.contains(number) && !take_(PathOf(number))) return;
   taken_.insert(number);
   number_ = number;
-  return true;
 }
 
 QString OwnFile::Load(const std::function<bool(const QByteArray& bytes)>& use) {
   number_ = 0;
   for (int number = 1; !folder_.isEmpty() && number_ == 0 && number <= kMostPrograms; ++number) {
-    if (!IsEmpty(Read(number))) (void)Take(number);
+    if (!IsEmpty(Read(number))) Take(number);
   }
   if (number_ == 0) return {};
   // Again, because its owner may have written it until a moment ago.
@@ -66,7 +65,7 @@ QString OwnFile::Load(const std::function<bool(const QByteArray& bytes)>& use) {
 
 QString OwnFile::TakeEmpty() {
   for (int number = 1; !folder_.isEmpty() && number_ == 0 && number <= kMostPrograms; ++number) {
-    if (IsEmpty(Read(number))) (void)Take(number);
+    if (IsEmpty(Read(number))) Take(number);
   }
   return number_ == 0 ? folder_ : QString();
 }

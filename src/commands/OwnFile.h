@@ -46,7 +46,7 @@ class OwnFile {
  private:
   [[nodiscard]] QString PathOf(int number) const;
   [[nodiscard]] platform::FileContent Read(int number) const;
-  [[nodiscard]] bool Take(int number);
+  void Take(int number);
 
   platform::FileSystem& files_;
   QString folder_;

@@ -535,6 +535,7 @@ TEST_F(SafeStoreTest, AnotherSendingLeavesTheUnfinishedOneAlone) {
   SafeRun finish = plant.Run({2}, SafeKind::Finish);
   finish.backup = interrupted.backup;
   EXPECT_EQ(store.Begin(*plant.module, finish), QString());
+  EXPECT_EQ(Journal(), interrupted);
   EXPECT_EQ(plant.Write(store, finish), QString());
   store.End(finish);
   EXPECT_FALSE(store.Unfinished());

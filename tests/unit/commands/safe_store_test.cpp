@@ -694,6 +694,8 @@ TEST_F(Backups, TheirValuesAreASetWithAddresses) {
   stored.backup.values[2].Typ = u"int"_s;     // the definitions know another type
   plant.module->Par[1].Variable = u"feld"_s;  // an array with the sixth
   stored.backup.values[0].Variable = u"feld"_s;
+  // What lies behind the last parameter is left over from other definitions.
+  plant.module->Par[plant.module->ParCount] = plant.module->Par[6];
   const ValueSet set = BackupValues(*plant.module, stored);
   EXPECT_EQ(set.origin, Origin::File);
   EXPECT_EQ(set.name, u"/a.qpf"_s);

@@ -430,8 +430,10 @@ class Writing {
     for (const CodedWord& word : value.words) {
       if (!Back(word) || ((run_.now.at(word.address) ^ expected_.at(word.address)) & word.mask) == 0)
         continue;
+      value.reason = value.state == SafeState::Verified ? u"hat sich seit der Prüfung geändert"_s
+                                                        : u"wurde nicht gesendet und hat sich geändert"_s;
       value.state = SafeState::Deviating;
-      value.reason = u"wurde nicht gesendet und hat sich geändert"_s;
+      return;
     }
   }
 

@@ -21,7 +21,7 @@ enum class SafeState {
   Verified,    ///< "geprüft": written, read back as it is wanted, from the controller that was identified
   Deviating,   ///< "abweichend": acknowledged or not to be changed, but something else was read back
   Failed,      ///< "fehlgeschlagen": could not be written
-  Unverified,  ///< "nicht geprüft": not written, or written and not read back
+  Unverified,  ///< "nicht geprüft": not written, cut off between two words, or not read back
 };
 [[nodiscard]] QString SafeStateText(SafeState state);
 

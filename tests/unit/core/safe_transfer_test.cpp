@@ -895,7 +895,7 @@ TEST(SafeTransfer, ANeighbourThatHasChangedDeviates) {
   site.Write(run);
   EXPECT_EQ(ValueAt(run, 2).state, SafeState::Verified);
   EXPECT_EQ(ValueAt(run, 4).state, SafeState::Deviating);
-  EXPECT_FALSE(ValueAt(run, 4).reason.isEmpty());
+  EXPECT_EQ(ValueAt(run, 4).reason, u"wurde nicht gesendet und hat sich geändert"_s);
   EXPECT_EQ(ValueAt(run, 4).controller->number, 0x99);
   EXPECT_FALSE(ValueAt(run, 4).chosen);
   EXPECT_EQ(ValueAt(run, 3).state, SafeState::Different) << "its byte is as it was";
@@ -1017,6 +1017,7 @@ TEST(SafeTransfer, AVerifiedValueThatTheNextWritingChangesDeviates) {
   site.Write(run);
   EXPECT_EQ(ValueAt(run, 2).state, SafeState::Verified);
   EXPECT_EQ(ValueAt(run, 1).state, SafeState::Deviating);
+  EXPECT_EQ(ValueAt(run, 1).reason, u"hat sich seit der Prüfung geändert"_s);
 }
 
 // --- an abort ---

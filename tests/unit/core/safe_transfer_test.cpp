@@ -47,8 +47,7 @@ class Works final : public ProgressForm {
  public:
   QStringList shown;
   bool visible = false;
-  int done = 0;
-  int total = 0;
+  std::map<QString, QString> steps;  // the last one of each work: "6 von 6"
 
   void Show(const QString& work) override {
     visible = true;
@@ -57,8 +56,7 @@ class Works final : public ProgressForm {
   void Step(int count, int all, double remaining_s) override {
     EXPECT_LE(count, all);
     EXPECT_GE(remaining_s, 0);
-    done = count;
-    total = all;
+    steps[shown.last()] = u"%1 von %2"_s.arg(count).arg(all);
   }
   void Hide() override { visible = false; }
 };
@@ -345,8 +343,7 @@ TEST(SafeTransfer, ReadsEveryWordOnceWhereItIsGoingToBeWritten) {
   EXPECT_EQ(run.now.size(), 7U);
   EXPECT_EQ(run.before, run.now);
   EXPECT_EQ(site.progress.shown, QStringList{u"Regler lesen"_s});
-  EXPECT_EQ(site.progress.done, 6);
-  EXPECT_EQ(site.progress.total, 6);
+  EXPECT_EQ(site.progress.steps[u"Regler lesen"_s], u"6 von 6"_s);
   EXPECT_TRUE(run.begun.empty());
   EXPECT_TRUE(SameWords(site.memory, site.atRequest)) << "nothing was written";
 }
@@ -615,8 +612,8 @@ TEST(SafeTransfer, WritesWhatDiffersAndReadsItBackWithItsNeighbours) {
   EXPECT_EQ(run.now.at(0x1F02), 1);
   EXPECT_EQ(site.progress.shown,
             (QStringList{u"Regler lesen"_s, u"Sicherung anlegen"_s, u"Schreiben"_s, u"Prüfen"_s}));
-  EXPECT_EQ(site.progress.done, 4);
-  EXPECT_EQ(site.progress.total, 4);
+  EXPECT_EQ(site.progress.steps[u"Schreiben"_s], u"1 von 1"_s);
+  EXPECT_EQ(site.progress.steps[u"Prüfen"_s], u"4 von 4"_s);
   EXPECT_EQ(AccountText(run), u"1 geprüft"_s);
   ExpectTrue(run, before, site.memory, run);
   ExpectCanBeTakenBack(site, run, before);
@@ -1020,6 +1017,21 @@ TEST(SafeTransfer, AVerifiedValueThatTheNextWritingChangesDeviates) {
   EXPECT_EQ(ValueAt(run, 1).reason, u"hat sich seit der Prüfung geändert"_s);
 }
 
+TEST(SafeTransfer, AnAbortOfTheTimeBeforeIsForgotten) {
+  Site site;
+  SafeRun run = site.Prepared();
+  site.onRequest = [&] {
+    if (site.request.startsWith(u"W1F00"_s)) site.module.Abbruch = kTrue;
+  };
+  site.Write(run);
+  EXPECT_TRUE(run.aborted);
+  site.Heal();
+  site.Write(run);
+  EXPECT_FALSE(run.aborted);
+  EXPECT_EQ(AccountText(run), u"5 geprüft"_s);
+  EXPECT_EQ(ValueAt(run, 5).reason, QString());
+}
+
 // --- an abort ---
 
 TEST(SafeTransfer, AnAbortEndsTheWritingAndNotTheReadingBack) {
@@ -1050,6 +1062,7 @@ TEST(SafeTransfer, ASecondAbortEndsTheReadingBack) {
   EXPECT_EQ(Lines(site.log.mid(site.log.indexOf(u"W1F040000"_s))),
             u"W1F040000 | R1F00 | v00 | R2000 | End"_s);
   EXPECT_TRUE(run.aborted);
+  EXPECT_EQ(site.module.Abbruch, kFalse);
   EXPECT_EQ(run.error, QString());
   EXPECT_EQ(ValueAt(run, 1).state, SafeState::Verified);
   EXPECT_EQ(ValueAt(run, 2).state, SafeState::Unverified);

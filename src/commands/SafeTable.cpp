@@ -237,9 +237,9 @@ QString AdviceText(const SafeRun& run) {
     sentences.append(u"Was geschrieben wurde, ist zurückgelesen: Es steht so im Regler."_s);
   } else {
     sentences.append(
-        u"Was nicht geprüft ist, steht vielleicht anders im Regler. „Fehlgeschlagene wiederholen“ sendet es "
-        u"noch "
-        "einmal, „Zurücknehmen“ schreibt zurück, was vorher im Regler stand."_s);
+        u"Nicht alle Werte stehen sicher im Regler. „Fehlgeschlagene wiederholen“ sendet die übrigen noch "
+        u"einmal, "
+        "„Zurücknehmen“ schreibt zurück, was vorher im Regler stand."_s);
   }
   return sentences.join(u' ');
 }

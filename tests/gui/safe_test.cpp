@@ -334,7 +334,7 @@ TEST_F(SafeTest, AWriteWithoutEffectIsFoundAndRepeated) {
       << "what is not verified stands first";
   const QModelIndex state = Model().index(0, static_cast<int>(SafeColumn::State));
   EXPECT_FALSE(state.data(Qt::DecorationRole).value<QIcon>().isNull());
-  EXPECT_TRUE(Text(u"advice"_s).startsWith(u"Was nicht geprüft ist, steht vielleicht anders im Regler."_s));
+  EXPECT_TRUE(Text(u"advice"_s).startsWith(u"Nicht alle Werte stehen sicher im Regler."_s));
   QTest::mouseClick(&Button(u"repeat"_s), Qt::LeftButton);
   EXPECT_EQ(Text(u"sentence"_s), u"2 geprüft"_s);
   EXPECT_EQ(far->memory.Word(kSpeed), 1600);

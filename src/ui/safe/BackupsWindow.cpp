@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QScreen>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyledItemDelegate>
 
@@ -17,8 +19,9 @@ namespace {
 
 enum Column { Time, Controller, PlantType, Address, Values, File, Columns };
 
-constexpr int kWidth_characters = 120;
+// The size of the first time: so many lines, and all columns; no more than most of the screen.
 constexpr int kHeight_lines = 22;
+constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"SicherungenPlatz"_s;
@@ -67,7 +70,11 @@ BackupsWindow::BackupsWindow(BackupsSurroundings surroundings)
   layout->addWidget(summary_);
   layout->addWidget(table_, 1);
   BuildButtons();
-  resize(fontMetrics().averageCharWidth() * kWidth_characters, fontMetrics().lineSpacing() * kHeight_lines);
+  const QMargins margins = layout->contentsMargins();
+  const int width = table_->horizontalHeader()->length() + table_->verticalScrollBar()->sizeHint().width() +
+                    2 * table_->frameWidth() + margins.left() + margins.right();
+  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
+  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
 }
@@ -91,14 +98,15 @@ void BackupsWindow::BuildTable() {
   header.setHighlightSections(false);
   header.setStretchLastSection(true);
   constexpr QStringView titles[] = {u"Datum", u"Regler", u"Anlageart", u"Adresse", u"Werte", u"Datei"};
-  constexpr int characters[] = {21, 16, 14, 10, 9, 40};
+  constexpr int digits[] = {21, 13, 13, 10, 9, 40};
+  const int digit_px = fontMetrics().horizontalAdvance(u'0');
   for (int column = 0; column < Columns; ++column) {
     const QString title = titles[column].toString();
     auto* item = new QTableWidgetItem(IsNumber(column) ? title + kEndOfNumbers : title);
     item->setData(Qt::AccessibleTextRole, title);
     item->setTextAlignment(Aligned(column));
     table_->setHorizontalHeaderItem(column, item);
-    header.resizeSection(column, characters[column] * fontMetrics().averageCharWidth());
+    header.resizeSection(column, digits[column] * digit_px);
   }
   connect(table_, &QTableWidget::itemSelectionChanged, this, [this] { ShowCommands(); });
 }

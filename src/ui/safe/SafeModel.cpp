@@ -126,7 +126,7 @@ QVariant SafeModel::headerData(int section, Qt::Orientation orientation, int rol
   switch (role) {
     case Qt::DisplayRole:
       // Ends where the numbers below it end.
-      return IsValueColumn(column) ? title + kEndOfNumbers : title;
+      return column == SafeColumn::Number || IsValueColumn(column) ? title + kEndOfNumbers : title;
     case Qt::AccessibleTextRole:
       return title;
     case Qt::TextAlignmentRole:

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <numeric>
@@ -20,17 +21,17 @@ int FirstDigits(SafeColumn column) {
     case SafeColumn::Number:
       return 6;
     case SafeColumn::Name:
-      return 38;
+      return 34;
     case SafeColumn::Old:
     case SafeColumn::New:
     case SafeColumn::Now:
-      return 17;
+      return 15;
     case SafeColumn::Unit:
       return 8;
     case SafeColumn::State:
       break;  // fills what is left
   }
-  return 34;
+  return 36;
 }
 
 class SafeDelegate final : public QStyledItemDelegate {
@@ -76,6 +77,11 @@ SafeView::SafeView(SafeModel& model, QWidget* parent) : QTableView(parent), mode
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
   for (int column = 0; column < kSafeColumns; ++column)
     header.resizeSection(column, FirstDigits(static_cast<SafeColumn>(column)) * digit_px);
+}
+
+int SafeView::WholeWidth() const {
+  return horizontalHeader()->length() - columnWidth(static_cast<int>(SafeColumn::Mark)) +
+         verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
 }
 
 void SafeView::SetRowHeight() {

@@ -23,6 +23,9 @@ class SafeView final : public QTableView {
 
   std::function<void()> OnCopy;
 
+  /// That of an account whose columns have their first widths.
+  [[nodiscard]] int WholeWidth() const;
+
   void Load(const platform::SettingsStore& settings);
   void Store(platform::SettingsStore& settings);
 

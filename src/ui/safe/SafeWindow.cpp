@@ -16,8 +16,7 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-// The size of the first time; no more than most of the screen.
-constexpr int kWidth_characters = 150;
+// The size of the first time: so many lines, and all columns; no more than most of the screen.
 constexpr int kHeight_lines = 30;
 constexpr double kMostOfScreen = 0.9;
 
@@ -54,7 +53,8 @@ SafeWindow::SafeWindow(SafeSurroundings surroundings)
   layout->addWidget(view_, 1);
   layout->addLayout(backupRow);
   BuildButtons();
-  const QSize wanted(fontMetrics().averageCharWidth() * kWidth_characters,
+  const QMargins margins = layout->contentsMargins();
+  const QSize wanted(view_->WholeWidth() + margins.left() + margins.right(),
                      fontMetrics().lineSpacing() * kHeight_lines);
   resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
   LoadPlace(*this, surroundings_.settings, PlaceKey());

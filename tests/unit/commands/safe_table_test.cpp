@@ -165,7 +165,7 @@ TEST(SafeTable, AdvisesByWhatHappened) {
   run.values[0].state = SafeState::Failed;
   run.aborted = true;
   EXPECT_TRUE(AdviceText(run).startsWith(
-      u"Abgebrochen. Was nicht geprüft ist, steht vielleicht anders im Regler. „Fehlgeschlagene"_s));
+      u"Abgebrochen. Nicht alle Werte stehen sicher im Regler. „Fehlgeschlagene"_s));
 }
 
 TEST(SafeTable, LeavesTheProgramWithItsHeading) {

@@ -76,14 +76,17 @@ class Controller {
     return OtherPlant();
   }
 
-  // Whether it is still the same one. Returns "" or what has happened.
+  // Whether it is still the same one, and answers what it is asked: where each reply is that of the request
+  // before, a repeated question is answered rightly. Different questions without a failed attempt between
+  // them show it. Returns "" or what has happened.
   [[nodiscard]] QString MeetAgain() {
-    QString fault = CheckVersion();
-    if (!fault.isEmpty() || !HasPlant()) return fault;
-    qint16 plant = 0;
-    fault = ReadPlant(run_.plant, plant);
-    if (!fault.isEmpty() || plant == run_.plant) return fault;
-    return kExchanged + u"\r\nAnlagennummer: "_s + QString::number(plant);
+    constexpr int tries = 3;
+    for (int i = 0; i < tries; ++i) {
+      const int failed = line_.FailedAttempts();
+      const QString fault = AskAgain();
+      if (!fault.isEmpty() || line_.FailedAttempts() == failed) return fault;
+    }
+    return u"Der Regler antwortet nicht zuverlässig.\r\nSeine Antworten können zu anderen Anfragen gehören."_s;
   }
 
   // A word, which becomes what the run knows of it.
@@ -112,6 +115,21 @@ class Controller {
     if (!answer.succeeded) return u"Der Regler antwortet nicht mehr.\r\n"_s + Reason(answer.text);
     if (answer.text == run_.version) return {};
     return kExchanged + u"\r\nReglerVersion: "_s + answer.text;
+  }
+
+  [[nodiscard]] QString AskAgain() {
+    QString fault = CheckVersion();
+    if (!fault.isEmpty()) return fault;
+    if (!HasPlant()) {
+      if (run_.now.empty()) return {};
+      const auto [address, word] = *run_.now.begin();
+      const WordReading reading = line_.Read(address, word);
+      return reading.word ? QString() : u"Der Regler antwortet nicht mehr.\r\n"_s + Reason(reading.failure);
+    }
+    qint16 plant = 0;
+    fault = ReadPlant(run_.plant, plant);
+    if (!fault.isEmpty() || plant == run_.plant) return fault;
+    return kExchanged + u"\r\nAnlagennummer: "_s + QString::number(plant);
   }
 
   // The plant number is a word whatever type its record has.

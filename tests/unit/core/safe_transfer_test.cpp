@@ -515,11 +515,31 @@ TEST(SafeTransfer, WithoutAPlaceForThePlantTypeNobodyAsks) {
   site.module.Par[0].VarAdresse.clear();
   site.Uncheck({2, 3, 4, 5, 6});
   SafeRun run = site.Read();
-  EXPECT_EQ(Lines(site.log), u"v00 | R1F00 | v00"_s);
+  EXPECT_EQ(Lines(site.log), u"v00 | R1F00 | v00 | R1F00"_s);
   EXPECT_EQ(run.plant, 0);
   site.Write(run);
   EXPECT_EQ(ValueAt(run, 1).state, SafeState::Verified);
   EXPECT_FALSE(site.log.contains(u"R2000"_s));
+}
+
+// A repeated question is answered rightly by such a line; the questions at the end take turns.
+TEST(SafeTransfer, RepliesToTheRequestBeforeAreFoundOut) {
+  for (const bool hasPlant : {true, false}) {
+    for (int first = 2; first <= 11; ++first) {
+      Site site;
+      if (!hasPlant) site.module.Par[0].VarAdresse.clear();
+      std::vector<sim::Chunk> before;
+      site.onReply = [&](sim::Response& response) {
+        std::vector<sim::Chunk> own = response.chunks;
+        if (site.exchange >= first) response.chunks = before;
+        before = std::move(own);
+      };
+      const SafeRun run = site.Read();
+      EXPECT_EQ(run.error.isEmpty(), site.exchange < first) << first;
+      if (run.error.isEmpty()) continue;
+      EXPECT_EQ(run.Count(SafeState::Equal) + run.Count(SafeState::Different), 0) << first;
+    }
+  }
 }
 
 TEST(SafeTransfer, ThePlantNumberIsAWordWhateverItsType) {

@@ -42,6 +42,7 @@ void Line::Heal() {
   // Whatever was on its way has arrived by then.
   clock_.Advance(10);
   coming_.clear();
+  heldBack_ = {};
 }
 
 bool Line::Open(int number, const QString& settings) {
@@ -99,6 +100,7 @@ void Line::Output(const QByteArray& characters) {
   exchange.heldBefore = TrueWord(characters);
   const int number = exchanges_++;
   if (number == profile_.exchangedAt) present_ = &second_;
+  onRequest();
   if (!open_ || dead_) return;
   sendDoneDue_ = true;
 
@@ -133,6 +135,7 @@ void Line::Output(const QByteArray& characters) {
       break;
   }
   Answer(arrival_s, characters, trouble);
+  onRequest();
 }
 
 Trouble Line::ChooseTrouble() {
@@ -158,6 +161,10 @@ void Line::Answer(double arrival_s, const QByteArray& frame, Trouble trouble) {
     origin.requestDamages = 2;
   }
   const bool writes = frame.mid(5, 1) == QByteArray(1, kWritten);
+  if (request.mid(5, 1) == QByteArray(1, kWritten)) {
+    const auto address = static_cast<quint16>(request.mid(6, 4).toUShort(nullptr, 16) & 0xFFFE);
+    touches.push_back({present_, address, present_->memory.Word(address), origin.requestDamages > 0});
+  }
   std::optional<QByteArray> reply;
   if (trouble == Trouble::Forgetful && writes) {
     const auto address = static_cast<quint16>(frame.mid(6, 4).toUShort(nullptr, 16));
@@ -171,13 +178,21 @@ void Line::Answer(double arrival_s, const QByteArray& frame, Trouble trouble) {
   }
   if (!reply) return;
   origin.bytes = *reply;
+  if (origin.bytes.mid(5, 1) == "v") lastIdentified = present_;
+  const int number = exchanges_ - 1;
+  if (profile_.shiftedAt >= 0) {
+    const bool shifted = number >= profile_.shiftedAt && !heldBack_.bytes.isEmpty();
+    const Origin current = origin;
+    if (shifted) origin = heldBack_;
+    heldBack_ = current;
+  }
 
   double start_s = std::max(arrival_s, controllerFree_s_) +
                    random_.Between(profile_.leastDelay_ms, profile_.mostDelay_ms) / 1000.0;
   const int length = static_cast<int>(origin.bytes.size());
   switch (trouble) {
     case Trouble::Late:
-      start_s += random_.Between(350, 1500) / 1000.0;
+      start_s += random_.Between(350, profile_.mostLate_ms) / 1000.0;
       break;
     case Trouble::Edit:
       origin.bytes = Edited(origin.bytes, 1);

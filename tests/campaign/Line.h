@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,7 +19,7 @@ namespace kalivor::campaign {
 enum class Trouble {
   None,
   Silent,         ///< the controller does not answer
-  Late,           ///< it answers after 350 to 1500 ms
+  Late,           ///< it answers after 350 ms or more
   Edit,           ///< one character of the reply is changed, lost, doubled or added, or two are exchanged
   Edits,          ///< two to four times the same
   SumPreserving,  ///< two characters of the reply are changed by opposite amounts
@@ -54,6 +55,8 @@ struct LineProfile {
   double masterPause_s = 0;         ///< mean pause between the requests of another master; 0: there is none
   bool hearsMaster = false;         ///< its requests reach the PC too
   int exchangedAt = -1;             ///< the exchange from which on another controller answers
+  int mostLate_ms = 1500;           ///< of a reply that is late
+  int shiftedAt = -1;               ///< the exchange from which on each reply is that of the request before
 };
 
 /// Characters that come to the PC together, and why.
@@ -105,8 +108,19 @@ struct Station {
   Station& operator=(const Station&) = delete;
 };
 
+/// A word that was written.
+struct Touch {
+  Station* station = nullptr;
+  quint16 address = 0;
+  quint16 before = 0;
+  bool damaged = false;  ///< the request had been damaged on its way
+};
+
 class Line final : public platform::SerialControl {
  public:
+  /// Called before a request is sent, and when it has arrived; may throw.
+  std::function<void()> onRequest = [] {};
+
   /// `first` is the controller that is connected, `second` the one that may take its place.
   Line(StepClock& clock, Random& random, const LineProfile& profile, Station& first, Station& second)
       : clock_(clock), random_(random), profile_(profile), present_(&first), truth_(&first), second_(second) {
@@ -118,6 +132,12 @@ class Line final : public platform::SerialControl {
 
   /// Writes that a controller carried out although nobody had asked for them so.
   int strayWrites = 0;
+
+  /// Every word that was written, also where it was not kept.
+  std::vector<Touch> touches;
+
+  /// The controller that has answered the last version query; it may be damaged on its way. None at first.
+  Station* lastIdentified = nullptr;
 
   /// A transfer begins: what the controller that is connected now holds is the truth for it.
   void BeginTransfer() {
@@ -131,6 +151,12 @@ class Line final : public platform::SerialControl {
 
   /// From now on nothing goes wrong any more, and the device is in its place.
   void Heal();
+
+  /// The first controller is in its place again.
+  void PutBack(Station& first) { present_ = &first; }
+
+  /// Whether the other controller is there.
+  [[nodiscard]] bool Exchanged() const { return present_ == &second_; }
 
   [[nodiscard]] bool Open(int number, const QString& settings) override;
   void Close() override;
@@ -183,6 +209,7 @@ class Line final : public platform::SerialControl {
   int exchanges_ = 0;  // requests so far
   double character_s_ = 0;
   double controllerFree_s_ = 0;
+  Origin heldBack_;  // by a shifted line: the reply to the request before
   double goneFrom_s_ = 1e18, backAt_s_ = 1e18;
   double nextMaster_s_ = 1e18;
   std::deque<Character> coming_;  // sorted by time

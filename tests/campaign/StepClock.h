@@ -24,6 +24,9 @@ class StepClock final : public platform::Clock {
 
   void Plan(const Step& step) { steps_.push_back(step); }
 
+  /// Nobody sets the clock any more.
+  void ForgetSteps() { steps_.clear(); }
+
   /// The clock was set or passed midnight between two moments of the time that passes.
   [[nodiscard]] bool Disturbed(double from_s, double until_s) const {
     for (const double at_s : disturbances_) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "campaign/RealEndurance.h"
+#include "campaign/SafeTransfers.h"
 #include "campaign/Transfers.h"
 
 using namespace Qt::StringLiterals;
@@ -14,7 +15,7 @@ constexpr int kUsage = 2;
 
 int Usage() {
   (void)std::fprintf(stderr,
-                     "usage: kalivor-campaign transfers [--seeds N] [--seed FIRST]\n"
+                     "usage: kalivor-campaign transfers|safe [--seeds N] [--seed FIRST]\n"
                      "       kalivor-campaign endurance [--hours N | --real MINUTES]\n"
                      "See script/campaign --help.\n");
   return kUsage;
@@ -36,11 +37,13 @@ int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments().sliced(1);
   const QString what = arguments.value(0);
-  if (what == u"transfers") {
+  if (what == u"transfers" || what == u"safe") {
     const double seeds = Option(arguments, u"--seeds"_s, 10'000);
     const double first = Option(arguments, u"--seed"_s, 1);
-    if (seeds >= 1 && first >= 0)
-      return RunTransfers(static_cast<quint64>(first), static_cast<qint64>(seeds));
+    if (seeds >= 1 && first >= 0) {
+      return (what == u"safe" ? RunSafeTransfers : RunTransfers)(static_cast<quint64>(first),
+                                                                 static_cast<qint64>(seeds));
+    }
   }
   if (what == u"endurance") {
     const double minutes = Option(arguments, u"--real"_s, -1);

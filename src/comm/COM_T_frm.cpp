@@ -7,13 +7,18 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
+constexpr QStringView kErrorMark = u"ERROR: ";
 constexpr int kPause_ms = 20;  // that the line rests after a telegram
 constexpr int kCloseTime_ms = 10;
 
 }  // namespace
 
 bool IsError(QStringView text) {
-  return text.startsWith(u"ERROR: ");
+  return text.startsWith(kErrorMark);
+}
+
+QString ReasonOf(QStringView failure) {
+  return failure.mid(IsError(failure) ? kErrorMark.size() : 0).trimmed().toString();
 }
 
 COM_T_frm::COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers)

@@ -33,6 +33,9 @@ struct PortRecord {
 /// True when `text` is a failure: every routine of this layer reports one as a text that begins "ERROR: ".
 [[nodiscard]] bool IsError(QStringView text);
 
+/// A failure without its beginning and the blanks around it: what the user reads beside something else.
+[[nodiscard]] QString ReasonOf(QStringView failure);
+
 class COM_T_frm {
  public:
   COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers);

@@ -1,6 +1,7 @@
 #include "core/ControllerImage.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/Windows1252.h"
 #include "base/su.h"
@@ -26,19 +27,28 @@ int ByteCount(const ParameterRecord& record) {
 }
 
 // Telegrams carry the last four digits of an address.
+int AddressOf(QStringView text) {
+  return static_cast<int>(su::HexToNumber(text.right(kAddressDigits)));
+}
+
 int FirstAddress(const ParameterRecord& record) {
-  return static_cast<int>(su::HexToNumber(record.VarAdresse.right(kAddressDigits)));
+  return AddressOf(record.VarAdresse);
+}
+
+// Of so many bytes at an address.
+QString AddressFault(QStringView address, int bytes, bool mayBeOdd) {
+  if (address.isEmpty()) return u"keine Adresse"_s;
+  if (!IsHex(address.right(kAddressDigits))) return u"ungültige Adresse"_s;
+  if (AddressOf(address) + bytes > kAddresses) return u"Adresse zu groß"_s;
+  return !mayBeOdd && AddressOf(address) % 2 != 0 ? u"ungerade Adresse"_s : QString();
 }
 
 QString PlaceFault(const ParameterRecord& record) {
   const ParameterType& type = TypeOf(record.Typ);
   if (type.kind == ValueKind::Unknown) return u"unbekannter Typ"_s;
-  if (record.VarAdresse.isEmpty()) return u"keine Adresse"_s;
-  if (!IsHex(QStringView(record.VarAdresse).right(kAddressDigits))) return u"ungültige Adresse"_s;
-  if (FirstAddress(record) + ByteCount(record) > kAddresses) return u"Adresse zu groß"_s;
-  if (!type.SharesWord() && FirstAddress(record) % 2 != 0) return u"ungerade Adresse"_s;
-  if (ByteCount(record) == 0) return u"Text ohne Länge"_s;
-  return {};
+  const QString fault = AddressFault(record.VarAdresse, ByteCount(record), type.SharesWord());
+  if (!fault.isEmpty()) return fault;
+  return ByteCount(record) == 0 ? u"Text ohne Länge"_s : QString();
 }
 
 /// The words of bytes that lie at the record's address.
@@ -89,6 +99,12 @@ CodedValue PlacesOf(const ParameterRecord& record) {
   const QString fault = PlaceFault(record);
   if (!fault.isEmpty()) return {{}, fault};
   return {WordsOf(record, QByteArray(ByteCount(record), '\0')), {}};
+}
+
+CodedValue PlaceOfWord(const QString& address) {
+  QString fault = AddressFault(address, 2, false);
+  if (!fault.isEmpty()) return {{}, std::move(fault)};
+  return {{{static_cast<quint16>(AddressOf(address)), 0xFFFF, 0}}, {}};
 }
 
 CodedValue Coded(const ParameterRecord& record, const ParameterValue& value) {

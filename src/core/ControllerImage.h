@@ -39,6 +39,9 @@ struct CodedValue {
 /// anything but a byte, an unknown type.
 [[nodiscard]] CodedValue PlacesOf(const ParameterRecord& record);
 
+/// The same of a single word at an address, whatever its parameter's type is.
+[[nodiscard]] CodedValue PlaceOfWord(const QString& address);
+
 /// The words of a value. A fault besides: a number that would come back as another one, a text that is too
 /// long or has characters that the controller does not know.
 [[nodiscard]] CodedValue Coded(const ParameterRecord& record, const ParameterValue& value);

@@ -24,11 +24,6 @@ bool IgnoresLimits(SafeKind kind) {
   return kind == SafeKind::Finish || kind == SafeKind::TakeBack;
 }
 
-// A failure of the line without the mark that it is one.
-QString Reason(const QString& failure) {
-  return failure.mid(QStringView(u"ERROR: ").size()).trimmed();
-}
-
 void Add(ControllerImage& bits, ControllerImage& masks, const CodedWord& word) {
   bits[word.address] = static_cast<quint16>(bits[word.address] | word.bits);
   masks[word.address] = static_cast<quint16>(masks[word.address] | word.mask);
@@ -112,7 +107,7 @@ class Controller {
  private:
   [[nodiscard]] QString CheckVersion() {
     const Identification answer = line_.AskVersion();
-    if (!answer.succeeded) return u"Der Regler antwortet nicht mehr.\r\n"_s + Reason(answer.text);
+    if (!answer.succeeded) return u"Der Regler antwortet nicht mehr.\r\n"_s + ReasonOf(answer.text);
     if (answer.text == run_.version) return {};
     return kExchanged + u"\r\nReglerVersion: "_s + answer.text;
   }
@@ -124,7 +119,7 @@ class Controller {
       if (run_.now.empty()) return {};
       const auto [address, word] = *run_.now.begin();
       const WordReading reading = line_.Read(address, word);
-      return reading.word ? QString() : u"Der Regler antwortet nicht mehr.\r\n"_s + Reason(reading.failure);
+      return reading.word ? QString() : u"Der Regler antwortet nicht mehr.\r\n"_s + ReasonOf(reading.failure);
     }
     qint16 plant = 0;
     fault = ReadPlant(run_.plant, plant);
@@ -135,14 +130,12 @@ class Controller {
   // The plant number is a word whatever type its record has.
   [[nodiscard]] bool HasPlant() const { return !core_.module.Par[0].VarAdresse.isEmpty(); }
   [[nodiscard]] QString ReadPlant(qint16 expected, qint16& plant) {
-    ParameterRecord record = core_.module.Par[0];
-    record.Typ = u"int"_s;
-    const CodedValue place = PlacesOf(record);
+    const CodedValue place = PlaceOfWord(core_.module.Par[0].VarAdresse);
     QString fault = place.fault;
     if (fault.isEmpty()) {
       const WordReading reading = line_.Read(place.words.front().address, static_cast<quint16>(expected));
       plant = static_cast<qint16>(reading.word.value_or(0));
-      fault = Reason(reading.failure);
+      fault = ReasonOf(reading.failure);
     }
     return fault.isEmpty() ? QString() : u"Die Anlageart im Regler ist nicht lesbar.\r\n"_s + fault;
   }
@@ -207,7 +200,7 @@ bool ReadValueWords(Controller& controller, SafeRun& run, const WantedWords& wan
     if (run.now.contains(word.address)) continue;
     const WordReading reading = ReadWord(controller, run, wanted, word.address);
     if (reading.word) continue;
-    value.reason = Reason(reading.failure);
+    value.reason = ReasonOf(reading.failure);
     return false;
   }
   return true;
@@ -367,7 +360,7 @@ class Writing {
   }
 
   Next Failed(WordFate& fate, const QString& failure) {
-    fate.failure = Reason(failure);
+    fate.failure = ReasonOf(failure);
     return controller_.GoesOn() ? Next::GoOn : Next::Lost;
   }
 

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <algorithm>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "base/Paths.h"
@@ -201,10 +202,12 @@ ValueSet BackupValues(const ParameterTable& definitions, const StoredBackup& sto
 
 std::vector<StoredBackup> ToSweep(const std::vector<StoredBackup>& backups, const QDateTime& now) {
   const QDateTime oldest = now.addDays(-kKeptDays);
-  // The last one of each month, by year and month.
-  std::map<std::pair<int, int>, QDateTime> last;
-  const auto monthOf = [](const QDateTime& time) {
-    return std::pair(time.date().year(), time.date().month());
+  // The last one of each month and controller.
+  using MonthOfController = std::tuple<int, int, QString, QString, int>;
+  std::map<MonthOfController, QDateTime> last;
+  const auto monthOf = [](const BackupHead& head) {
+    return MonthOfController(head.time.date().year(), head.time.date().month(), head.version, head.plantType,
+                             head.address);
   };
   const auto isOld = [&oldest](const StoredBackup& stored) {
     return stored.error.isEmpty() && stored.backup.head.time < oldest;
@@ -212,12 +215,12 @@ std::vector<StoredBackup> ToSweep(const std::vector<StoredBackup>& backups, cons
   for (const StoredBackup& stored : backups) {
     if (!isOld(stored)) continue;
     const QDateTime& time = stored.backup.head.time;
-    QDateTime& latest = last[monthOf(time)];
+    QDateTime& latest = last[monthOf(stored.backup.head)];
     if (!latest.isValid() || latest < time) latest = time;
   }
   std::vector<StoredBackup> swept;
   std::ranges::copy_if(backups, std::back_inserter(swept), [&](const StoredBackup& stored) {
-    return isOld(stored) && stored.backup.head.time != last[monthOf(stored.backup.head.time)];
+    return isOld(stored) && stored.backup.head.time != last[monthOf(stored.backup.head)];
   });
   return swept;
 }

@@ -52,8 +52,8 @@ struct BackupList {
 /// left out; `name` is the file's path.
 [[nodiscard]] ValueSet BackupValues(const ParameterTable& definitions, const StoredBackup& stored);
 
-/// Which of them a sweep removes: all of the last 30 days stay, and the last one of each month before that;
-/// those that cannot be used stay too.
+/// Which of them a sweep removes: all of the last 30 days stay, and before that the last one of each month
+/// and controller (version, plant type and address); those that cannot be used stay too.
 [[nodiscard]] std::vector<StoredBackup> ToSweep(const std::vector<StoredBackup>& backups,
                                                 const QDateTime& now);
 

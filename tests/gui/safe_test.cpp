@@ -585,7 +585,7 @@ TEST_F(BackupsTest, TidiesUpOnlyWhenItIsConfirmed) {
   ASSERT_EQ(box.asked.size(), 1U);
   EXPECT_EQ(box.asked[0].text,
             u"1 von 3 Sicherungen wird gelöscht.\r\n"
-            "Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte."_s);
+            "Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte jedes Reglers."_s);
   EXPECT_EQ(box.asked[0].action, u"Löschen"_s);
   EXPECT_EQ(Backups().size(), 3);
   Click(Window(), u"tidy"_s);

@@ -214,7 +214,7 @@ void BackupsWindow::ShowCommands() {
 void BackupsWindow::Tidy() {
   const Core& core = surroundings_.core;
   const std::vector<StoredBackup> swept = ToSweep(list_.backups, surroundings_.now());
-  const QString rule = u"Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte."_s;
+  const QString rule = u"Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte jedes Reglers."_s;
   if (swept.empty()) {
     core.box.Show(u"Es gibt nichts aufzuräumen.\r\n"_s + rule);
     return;

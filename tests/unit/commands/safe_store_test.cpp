@@ -732,6 +732,25 @@ TEST_F(Backups, ASweepKeepsThirtyDaysAndOneOfEachMonthBefore) {
   EXPECT_TRUE(ToSweep(ListBackups(files, kFolder).backups, At(u"2026-11-22T12:00:00Z"_s)).empty());
 }
 
+TEST_F(Backups, ASweepTellsControllersApart) {
+  const QDateTime now = At(u"2026-11-22T12:00:00Z"_s);
+  const auto backupOf = [](const QString& time, const QString& version, const QString& plantType,
+                           int address) {
+    StoredBackup stored;
+    stored.backup.head.time = At(time);
+    stored.backup.head.version = version;
+    stored.backup.head.plantType = plantType;
+    stored.backup.head.address = address;
+    return stored;
+  };
+  const QString early = u"2026-08-01T10:00:00Z"_s;
+  const StoredBackup last = backupOf(u"2026-08-02T10:00:00Z"_s, u"A"_s, u"p"_s, 1);
+  EXPECT_EQ(ToSweep({last, backupOf(early, u"A"_s, u"p"_s, 1)}, now).size(), 1U);
+  EXPECT_EQ(ToSweep({last, backupOf(early, u"B"_s, u"p"_s, 1)}, now).size(), 0U);
+  EXPECT_EQ(ToSweep({last, backupOf(early, u"A"_s, u"q"_s, 1)}, now).size(), 0U);
+  EXPECT_EQ(ToSweep({last, backupOf(early, u"A"_s, u"p"_s, 2)}, now).size(), 0U);
+}
+
 TEST_F(Backups, ASweepSaysWhatItCouldNotRemove) {
   const StoredBackup first = Add(u"a"_s, u"2020-01-01T10:00:00Z"_s);
   const StoredBackup second = Add(u"b"_s, u"2020-01-02T10:00:00Z"_s);

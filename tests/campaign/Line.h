@@ -152,8 +152,9 @@ class Line final : public platform::SerialControl {
   /// From now on nothing goes wrong any more, and the device is in its place.
   void Heal();
 
-  /// The first controller is in its place again.
-  void PutBack(Station& first) { present_ = &first; }
+  /// A controller is in its place again.
+  void PutBack(Station& station) { present_ = &station; }
+  [[nodiscard]] Station& Connected() const { return *present_; }
 
   /// Whether the other controller is there.
   [[nodiscard]] bool Exchanged() const { return present_ == &second_; }

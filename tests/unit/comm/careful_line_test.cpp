@@ -210,7 +210,7 @@ TEST(CarefulLine, AFailureIsNoHeader) {
 
 TEST(CarefulLine, RestsForTheStoredTime) {
   for (const auto& [stored_ms, rest_s] :
-       {std::pair{500, 0.5}, {3100, 3.1}, {30000, 30.0}, {499, 0.5}, {0, 0.5}, {-5, 0.5}}) {
+       {std::pair{500, 0.5}, {550, 0.55}, {3100, 3.1}, {30000, 30.0}, {499, 0.5}, {0, 0.5}, {-5, 0.5}}) {
     Rig rig;
     rig.module.Ruhezeit = static_cast<qint16>(stored_ms);
     rig.Silence(1);

@@ -233,6 +233,8 @@ TEST(ControllerImage, OnlyBlanksAtTheEndOfATextAreTheSameAsNone) {
   const ParameterRecord record = Record(u"string4"_s, u"1F08"_s);
   ExpectComesBack(record, Text(u" a"_s), Text(u" a  "_s));
   ExpectComesBack(record, Text(u"abcd      "_s), Text(u"abcd"_s));
+  ExpectComesBack(record, Text(u"abc   "_s), Text(u"abc "_s));
+  ExpectComesBack(record, Text(u"abcd "_s), Text(u"abcd"_s));
   ExpectComesBack(record, Text(u"        "_s), Text(u"    "_s));
   ExpectComesBack(record, Text(u"ab\t"_s), Text(u"ab\t "_s));
 }

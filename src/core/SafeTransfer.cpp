@@ -134,7 +134,7 @@ class Controller {
     QString fault = place.fault;
     if (fault.isEmpty()) {
       const WordReading reading = line_.Read(place.words.front().address, static_cast<quint16>(expected));
-      plant = static_cast<qint16>(reading.word.value_or(0));
+      if (reading.word) plant = static_cast<qint16>(*reading.word);
       fault = ReasonOf(reading.failure);
     }
     return fault.isEmpty() ? QString() : u"Die Anlageart im Regler ist nicht lesbar.\r\n"_s + fault;

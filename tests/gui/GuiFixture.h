@@ -145,31 +145,31 @@ class GuiTest : public testing::Test {
     line = std::make_unique<sim::SimulatedLine>(clock, *far->model);
   }
 
-  void Load(const RunSettings& run = {}) {
-    ui::SystemInformation system;
-    desktop = std::make_unique<ui::Desktop>(ui::World{settings,
-                                                      box,
-                                                      files,
-                                                      *line,
-                                                      clock,
-                                                      events,
-                                                      u"/programm"_s,
-                                                      system,
-                                                      [this](const QString& text) {
-                                                        if (onPrint) onPrint();
-                                                        printed.append(text);
-                                                      },
-                                                      dialogs,
-                                                      help,
-                                                      [this](int number) { return devices.value(number); },
-                                                      {},
-                                                      u"/einstellungen/Auswahlen.json"_s,
-                                                      recovery,
-                                                      {},
-                                                      {},
-                                                      safe},
-                                            run);
+  [[nodiscard]] ui::World World() {
+    return {settings,
+            box,
+            files,
+            *line,
+            clock,
+            events,
+            u"/programm"_s,
+            {},
+            [this](const QString& text) {
+              if (onPrint) onPrint();
+              printed.append(text);
+            },
+            dialogs,
+            help,
+            [this](int number) { return devices.value(number); },
+            {},
+            u"/einstellungen/Auswahlen.json"_s,
+            recovery,
+            {},
+            {},
+            safe};
   }
+
+  void Load(const RunSettings& run = {}) { desktop = std::make_unique<ui::Desktop>(World(), run); }
 
   void Start(const RunSettings& run = {}) {
     Load(run);

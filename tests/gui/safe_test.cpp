@@ -149,11 +149,10 @@ class SafeTest : public GuiTest {
   /// As the process starts the program.
   void StartAgain() {
     ui::frmSplash splash;
-    Load();
-    desktop->Start();
-    desktop->main.show();
+    desktop = ui::Launch(splash, World(), {});
+    EXPECT_EQ(desktop->unfinished, nullptr) << "not before the splash screen is gone";
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&desktop->main));
-    desktop->guard([this] { desktop->ShowUnfinished(); });
+    QCoreApplication::processEvents();
   }
 
   QDateTime now = QDateTime(QDate(2026, 11, 12), QTime(16, 40));
@@ -432,6 +431,50 @@ TEST_F(SafeTest, KeepsItsPlaceAndColumns) {
   ASSERT_TRUE(IsOpen());
   EXPECT_EQ(Safe().size(), QSize(700, 400));
   EXPECT_EQ(View().columnWidth(static_cast<int>(SafeColumn::Name)), 333);
+}
+
+TEST_F(SafeTest, ARuntimeErrorInTheMiddleLeavesAnAccount) {
+  Start();
+  Edit(1, 1600);
+  Edit(4, 300);
+  Send();
+  ASSERT_TRUE(IsOpen());
+  events.onPending = [this] {
+    if (far->memory.Word(kSpeed) == 1600) throw RuntimeError(RuntimeError::Kind::Overflow);
+  };
+  Press(Qt::Key_Return);
+  events.onPending = {};
+  EXPECT_EQ(Box(), RuntimeError(RuntimeError::Kind::Overflow).Description());
+  ExpectReady();
+  EXPECT_TRUE(IsOpen());
+  EXPECT_TRUE(Safe().isEnabled());
+}
+
+TEST_F(SafeTest, TheEndOfTheSessionEndsTheSendingAndAsksNothing) {
+  Start();
+  Edit(1, 1600);
+  Edit(4, 300);
+  Send();
+  ASSERT_TRUE(IsOpen());
+  events.onPending = [this] {
+    if (far->memory.Word(kSpeed) == 1600) desktop->main.EndSession();
+  };
+  Press(Qt::Key_Return);
+  events.onPending = {};
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(desktop->main.isVisible());
+  EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(SafeTest, TheEndOfTheSessionClosesAnOpenWindow) {
+  Start();
+  Edit(1, 1600);
+  Send();
+  ASSERT_TRUE(IsOpen());
+  desktop->main.EndSession();
+  EXPECT_FALSE(desktop->main.isVisible());
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(far->memory.Word(kSpeed), 1500);
 }
 
 // --- receiving ---
@@ -727,8 +770,8 @@ TEST_F(BackupsTest, TheWindowsCanBeReadAloudAndHaveTheirPages) {
   Click(*desktop->unfinished, u"finish"_s);
   ASSERT_TRUE(IsOpen());
   QTest::keyClick(&View(), Qt::Key_F1);
-  EXPECT_EQ(help.pages, (QStringList{u"sichersenden#unterbrochen"_s, u"sichersenden#sicherungen"_s,
-                                     u"sichersenden"_s}));
+  EXPECT_EQ(help.pages,
+            (QStringList{u"sichersenden#unterbrochen"_s, u"sichersenden#sicherungen"_s, u"sichersenden"_s}));
   EXPECT_EQ(ui::ManualPageOf(Safe().Progress()), u"sichersenden"_s);
   for (QWidget* window : std::initializer_list<QWidget*>{&Safe(), &Window(), desktop->unfinished.get()}) {
     EXPECT_FALSE(window->windowTitle().isEmpty());

@@ -176,7 +176,7 @@ void Desktop::Start() {
   Tell(recovery.Load());
   OfferRecovery();
   Tell(safeStore.Load());
-  OfferUnfinished();
+  Settled();
 }
 
 bool Desktop::Run(const std::function<void()>& handler) {
@@ -194,7 +194,8 @@ void Desktop::Settled() {
     main.ShowOutside(changes.Outside());
     if (recovery.Works()) rest_.start();
   }
-  if (safeStore.Unfinished()) OfferUnfinished();
+  const bool isUnfinished = safeStore.Unfinished().has_value();
+  if (std::exchange(offersUnfinished_, isUnfinished) || isUnfinished) OfferUnfinished();
   if (list) list->Update();
 }
 
@@ -249,12 +250,13 @@ void Desktop::Restore() {
 SafeWindow& Desktop::Safe() {
   if (!safe) {
     std::vector<ListExport> exports = Exports();
+    // The printed page has the list's name on it.
     std::erase_if(exports, [](const ListExport& item) { return item.name == u"exportPrint"; });
+    const auto onWritten = [this] {
+      if (backups) backups->Update();
+    };
     safe = std::make_unique<SafeWindow>(
-        SafeSurroundings{core, safeStore, world.settings, guard, std::move(exports), main, [this] {
-                           OfferUnfinished();
-                           if (backups) backups->Update();
-                         }});
+        SafeSurroundings{core, safeStore, world.settings, guard, std::move(exports), main, onWritten});
     Add(*safe, true);
     main.AddCompanion(safe->Progress(), false);
   }
@@ -316,7 +318,6 @@ void Desktop::Forget() {
       "Sicherung bleibt erhalten."_s;
   if (!world.box.Confirm(question, u"Verwerfen"_s)) return;
   Tell(safeStore.Forget());
-  OfferUnfinished();
 }
 
 QString Desktop::WrittenText() const {

@@ -142,10 +142,11 @@ struct Desktop {
   void ConnectOptions();
   [[nodiscard]] MenuActions Actions();
 
-  Settings stored_;   // before the command line's were taken over
-  Settings begun_;    // after that
-  int settled_ = -1;  // the revision of the table that the windows show
-  QTimer rest_;       // runs while a change waits to be kept
+  Settings stored_;                // before the command line's were taken over
+  Settings begun_;                 // after that
+  int settled_ = -1;               // the revision of the table that the windows show
+  bool offersUnfinished_ = false;  // the menu has an unfinished sending
+  QTimer rest_;                    // runs while a change waits to be kept
 };
 
 /// Starts the program, in the order that the user sees: shows the splash screen, loads the main window

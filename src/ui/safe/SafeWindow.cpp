@@ -142,15 +142,8 @@ void SafeWindow::Begin(SafeRun run, int unknown) {
     core.box.Show(run.error);
     return;
   }
-  const bool ofJournal = run.kind == SafeKind::Finish || run.kind == SafeKind::TakeBack;
   if (SafeRows(run, SafePhase::Choice).empty()) {
     core.box.Show(ChoiceText(run, unknown));
-    // The controller holds all of it.
-    if (ofJournal && unknown == 0 && surroundings_.store.Unfinished()) {
-      const QString failure = surroundings_.store.Forget();
-      if (!failure.isEmpty()) core.box.Show(failure);
-      surroundings_.onDone();
-    }
     return;
   }
   run_ = std::move(run);
@@ -216,7 +209,7 @@ void SafeWindow::Do() {
 void SafeWindow::Write() {
   // Also after a RuntimeError: something may have been written.
   const auto account = qScopeGuard([this] {
-    surroundings_.onDone();
+    surroundings_.onWritten();
     if (!surroundings_.core.module.SessionEnds) ShowWritten();
   });
   WriteChosen(Context(), run_);

@@ -25,8 +25,8 @@ struct SafeSurroundings {
   platform::SettingsStore& settings;
   platform::EventGuard guard;  ///< runs what the user sets off
   std::vector<ListExport> exports;
-  const QWidget& main;           ///< below the progress until the window is shown
-  std::function<void()> onDone;  ///< after something was written or forgotten
+  const QWidget& main;              ///< below the progress until the window is shown
+  std::function<void()> onWritten;  ///< there may be another backup
 };
 
 /// Reads first, with a progress, and is shown when there is something to decide; else a box says what there

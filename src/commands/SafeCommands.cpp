@@ -23,16 +23,17 @@ std::vector<CodedWord> WordsBefore(const Sending& sending) {
   return words;
 }
 
-// An unfinished sending is over where its controller holds what was wanted, whichever run has seen to it, or
-// what was there before, where that was brought back.
+// An unfinished sending is over where its controller holds what was wanted, whichever run has seen to it but
+// the one that is about to take it back; or what was there before, where that was brought back.
 void Settle(const SafeContext& context, const SafeRun& run) {
   const std::optional<Sending>& sending = context.store.Unfinished();
   if (!sending || !run.error.isEmpty() || run.aborted || run.version != sending->head.version) return;
   if (run.kind == SafeKind::Receive || run.kind == SafeKind::Verify) return;
-  const bool brought = run.kind == SafeKind::TakeBack || run.kind == SafeKind::Restore;
+  const bool takesBack = run.kind == SafeKind::TakeBack;
+  const bool finished = !takesBack && Holds(run.now, sending->wanted);
+  const bool undone = (takesBack || run.kind == SafeKind::Restore) && Holds(run.now, WordsBefore(*sending));
   // Where it cannot be forgotten, it is offered once more, which does no harm.
-  if (Holds(run.now, sending->wanted) || (brought && Holds(run.now, WordsBefore(*sending))))
-    (void)context.store.Forget();
+  if (finished || undone) (void)context.store.Forget();
 }
 
 SafeRun Read(const SafeContext& context, SafeRun run) {

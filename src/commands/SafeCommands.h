@@ -19,8 +19,7 @@ struct SafeContext {
 // error. RuntimeErrors pass.
 
 /// Reads what there is for a run: for sending, receiving and checking the checked parameters, with the PC's
-/// values wanted. What differs is read twice, except for sending, which reads again before it writes. Without
-/// a checked parameter the run has an error.
+/// values wanted. Without a checked parameter the run has an error.
 [[nodiscard]] SafeRun ReadToSend(const SafeContext& context);
 [[nodiscard]] SafeRun ReadToReceive(const SafeContext& context);
 [[nodiscard]] SafeRun ReadToVerify(const SafeContext& context);

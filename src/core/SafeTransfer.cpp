@@ -169,10 +169,8 @@ class Controller {
 /// What the values of a run want of each word; nothing of those that cannot be sent.
 using WantedWords = std::multimap<quint16, std::optional<ExpectedWord>>;
 
-// Only what is not going to be written has to be believed as it is read here.
-WantedWords WordsToBelieve(const SafeRun& run) {
+WantedWords WordsWanted(const SafeRun& run) {
   WantedWords wanted;
-  if (Writes(run.kind)) return wanted;
   for (const SafeValue& value : run.values) {
     for (const CodedWord& word : value.words) {
       wanted.emplace(word.address,
@@ -219,7 +217,7 @@ void Judge(const Module1& module, SafeRun& run, SafeValue& value) {
 }
 
 void ReadAll(Core& core, SafeRun& run, Controller& controller, Progress& progress) {
-  const WantedWords wanted = WordsToBelieve(run);
+  const WantedWords wanted = WordsWanted(run);
   progress.Begin(static_cast<int>(run.values.size()));
   for (SafeValue& value : run.values) {
     run.aborted = core.module.Abbruch != kFalse;

@@ -107,8 +107,7 @@ struct NamedWords {
 /// those that have changed beside them.
 [[nodiscard]] SafeRun WantedBack(const Module1& module, const SafeRun& run);
 
-/// Identifies the controller and reads every word of the run once; what differs is read twice, but where it
-/// is going to be written, which reads it again. The version has to be the selected one and, except for
+/// Identifies the controller and reads every word of the run once, and what differs twice. The version has to be the selected one and, except for
 /// Compare, the plant type too. Values become Equal, Different or stay NotRead with a reason. The different
 /// ones are chosen if they can be sent and the new value is inside its limits; what finishes a sending or
 /// takes it back, whatever the limits. Where the controller is another one, does not answer (any more) or the

@@ -321,11 +321,12 @@ TEST(SafeTransfer, WhatIsOutsideItsLimitsIsMarked) {
 
 // --- reading ---
 
-TEST(SafeTransfer, ReadsEveryWordOnceWhereItIsGoingToBeWritten) {
+TEST(SafeTransfer, ReadsEveryWordOnceAndWhatDiffersTwice) {
   Site site;
   SafeRun run = site.Read();
   EXPECT_EQ(Lines(site.log),
-            u"v00 | R2000 | R1F00 | R1F02 | R1F04 | R1F06 | R1F08 | R1F0A | R1F10 | v00 | R2000"_s);
+            u"v00 | R2000 | R1F00 | R1F00 | R1F02 | R1F02 | R1F04 | R1F04 | R1F06 | R1F06 | R1F08 | R1F08 | "
+            u"R1F0A | R1F0A | R1F10 | v00 | R2000"_s);
   EXPECT_EQ(run.error, QString());
   EXPECT_FALSE(run.aborted);
   EXPECT_EQ(run.version, u"AB1-123.4"_s);
@@ -348,8 +349,8 @@ TEST(SafeTransfer, ReadsEveryWordOnceWhereItIsGoingToBeWritten) {
   EXPECT_TRUE(SameWords(site.memory, site.atRequest)) << "nothing was written";
 }
 
-TEST(SafeTransfer, ReadsTwiceWhatDiffersWhereNothingIsWritten) {
-  for (const SafeKind kind : {SafeKind::Verify, SafeKind::Receive, SafeKind::Compare}) {
+TEST(SafeTransfer, WhatIsEqualIsReadOnceWhateverTheRunIsFor) {
+  for (const SafeKind kind : {SafeKind::Send, SafeKind::Verify, SafeKind::Receive, SafeKind::Compare}) {
     Site site;
     site.Store(0x1F00, {1500});
     const SafeRun run = site.Read(kind);
@@ -436,7 +437,7 @@ TEST(SafeTransfer, AWordThatCannotBeReadLeavesItsValuesAlone) {
   EXPECT_EQ(ValueAt(run, 5).reason, u"kein Empfang"_s);
   EXPECT_EQ(ValueAt(run, 5).controller, std::nullopt);
   EXPECT_FALSE(ValueAt(run, 5).chosen);
-  EXPECT_EQ(Lines(site.log.mid(6)), u"R1F08 | R1F0A | R1F0A | R1F0A | v00 | R1F10 | v00 | R2000"_s)
+  EXPECT_EQ(Lines(site.log.mid(10)), u"R1F08 | R1F08 | R1F0A | R1F0A | R1F0A | v00 | R1F10 | v00 | R2000"_s)
       << "is the controller there at all?";
   EXPECT_EQ(run.Count(SafeState::Different), 4);
 }
@@ -515,7 +516,7 @@ TEST(SafeTransfer, WithoutAPlaceForThePlantTypeNobodyAsks) {
   site.module.Par[0].VarAdresse.clear();
   site.Uncheck({2, 3, 4, 5, 6});
   SafeRun run = site.Read();
-  EXPECT_EQ(Lines(site.log), u"v00 | R1F00 | v00 | R1F00"_s);
+  EXPECT_EQ(Lines(site.log), u"v00 | R1F00 | R1F00 | v00 | R1F00"_s);
   EXPECT_EQ(run.plant, 0);
   site.Write(run);
   EXPECT_EQ(ValueAt(run, 1).state, SafeState::Verified);
@@ -583,7 +584,7 @@ TEST(SafeTransfer, AnAbortKeepsWhatWasRead) {
   SafeRun run = site.Read();
   EXPECT_TRUE(run.aborted);
   EXPECT_EQ(run.error, QString());
-  EXPECT_EQ(Lines(site.log), u"v00 | R2000 | R1F00 | R1F02 | R1F04 | v00 | R2000"_s);
+  EXPECT_EQ(Lines(site.log), u"v00 | R2000 | R1F00 | R1F00 | R1F02 | R1F02 | R1F04 | R1F04 | v00 | R2000"_s);
   EXPECT_EQ(run.Count(SafeState::Different), 2);
   EXPECT_EQ(run.Count(SafeState::NotRead), 4);
   EXPECT_EQ(site.module.Abbruch, kFalse);

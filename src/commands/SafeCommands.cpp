@@ -171,7 +171,7 @@ QString SafeTitle(SafeKind kind) {
     case SafeKind::Restore:
       return u"Wiederherstellen"_s;
     case SafeKind::Finish:
-      return u"Sendung beenden"_s;
+      return u"Zu Ende senden"_s;
     case SafeKind::TakeBack:
       return u"Zurücknehmen"_s;
   }

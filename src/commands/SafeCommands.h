@@ -45,7 +45,7 @@ int ChooseFailed(SafeRun& run);
 /// Returns how many.
 int TakeOverChosen(Core& core, SafeRun& run);
 
-/// "Sicher senden", "Sicher empfangen", "Prüfen", "Wiederherstellen", "Sendung beenden", "Zurücknehmen".
+/// "Sicher senden", "Sicher empfangen", "Prüfen", "Wiederherstellen", "Zu Ende senden", "Zurücknehmen".
 [[nodiscard]] QString SafeTitle(SafeKind kind);
 
 /// The unfinished sending as the menu offers it: "12 von 40 Werten geschrieben".

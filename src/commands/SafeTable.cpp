@@ -237,9 +237,8 @@ QString AdviceText(const SafeRun& run) {
     sentences.append(u"Was geschrieben wurde, ist zurückgelesen: Es steht so im Regler."_s);
   } else {
     sentences.append(
-        u"Nicht alle Werte stehen sicher im Regler. „Fehlgeschlagene wiederholen“ sendet die übrigen noch "
-        u"einmal, "
-        "„Zurücknehmen“ schreibt zurück, was vorher im Regler stand."_s);
+        u"Nicht alle Werte stehen sicher im Regler. „Fehlgeschlagene wiederholen“ sendet die übrigen "
+        "noch einmal, „Zurücknehmen“ schreibt zurück, was vorher im Regler stand."_s);
   }
   return sentences.join(u' ');
 }
@@ -297,9 +296,8 @@ QString UnfinishedSentence(const Module1& module, const Sending& sending, const 
     lines.append(
         u"Version und Anlageart der Sendung werden dafür gewählt; ihre Definitionen werden neu gelesen."_s);
   lines.append(
-      u"„Zu Ende senden“ schreibt die fehlenden Werte, „Zurücknehmen“ schreibt zurück, was vorher im Regler "
-      u"stand. "
-      "Beide zeigen zuerst, was geschrieben wird."_s);
+      u"„Zu Ende senden“ schreibt die fehlenden Werte, „Zurücknehmen“ schreibt zurück, was vorher im "
+      "Regler stand. Beide zeigen zuerst, was geschrieben wird."_s);
   return lines.join(u'\n');
 }
 

@@ -313,9 +313,8 @@ void Desktop::Resume(void (SafeWindow::*how)(const Sending& sending)) {
 
 void Desktop::Forget() {
   const QString question =
-      u"Die unterbrochene Sendung wird nicht mehr angeboten.\r\nDie Werte im Regler bleiben, wie sie sind; "
-      u"die "
-      "Sicherung bleibt erhalten."_s;
+      u"Die unterbrochene Sendung wird nicht mehr angeboten.\r\n"
+      "Die Werte im Regler bleiben, wie sie sind; die Sicherung bleibt erhalten."_s;
   if (!world.box.Confirm(question, u"Verwerfen"_s)) return;
   Tell(safeStore.Forget());
 }

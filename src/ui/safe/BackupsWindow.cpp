@@ -160,9 +160,8 @@ void BackupsWindow::ReadFolder() {
     summary_->setText(list_.error);
   } else if (list_.backups.empty()) {
     summary_->setText(
-        u"Noch gibt es keine Sicherungen. „Sicher senden“ legt vor dem Schreiben jedes Mal eine an; dann "
-        u"steht "
-        "sie hier."_s);
+        u"Noch gibt es keine Sicherungen. „Sicher senden“ legt vor dem Schreiben jedes Mal eine an; "
+        "dann steht sie hier."_s);
   } else {
     summary_->setText(u"%1 in %2"_s.arg(CountOf(static_cast<qsizetype>(list_.backups.size())),
                                         QDir::toNativeSeparators(folder)));
@@ -214,7 +213,8 @@ void BackupsWindow::ShowCommands() {
 void BackupsWindow::Tidy() {
   const Core& core = surroundings_.core;
   const std::vector<StoredBackup> swept = ToSweep(list_.backups, surroundings_.now());
-  const QString rule = u"Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte jedes Reglers."_s;
+  const QString rule =
+      u"Alle der letzten 30 Tage bleiben, und aus jedem Monat davor die letzte jedes Reglers."_s;
   if (swept.empty()) {
     core.box.Show(u"Es gibt nichts aufzuräumen.\r\n"_s + rule);
     return;

@@ -137,7 +137,7 @@ class SafeSend(Scenario):
         self.assertIn("HZL-012.0, Adresse 1", text)
         keys("Return")
         wait_for(lambda: not question.has("showing"), "the question answered")
-        window = self.opened(program, "Sendung beenden")
+        window = self.opened(program, "Zu Ende senden")
         keys("Return")
         wait_for(lambda: any(label.name.endswith("geprüft") for label in window.find_all("label")), "the account")
         keys("Escape")

@@ -331,7 +331,7 @@ TEST_F(SafeCommands, HaveTitles) {
   EXPECT_EQ(SafeTitle(SafeKind::Verify), u"Prüfen"_s);
   EXPECT_EQ(SafeTitle(SafeKind::Compare), u"Prüfen"_s);
   EXPECT_EQ(SafeTitle(SafeKind::Restore), u"Wiederherstellen"_s);
-  EXPECT_EQ(SafeTitle(SafeKind::Finish), u"Sendung beenden"_s);
+  EXPECT_EQ(SafeTitle(SafeKind::Finish), u"Zu Ende senden"_s);
   EXPECT_EQ(SafeTitle(SafeKind::TakeBack), u"Zurücknehmen"_s);
 }
 

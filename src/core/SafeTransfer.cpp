@@ -75,7 +75,7 @@ class Controller {
   // before, a repeated question is answered rightly. Different questions without a failed attempt between
   // them show it. Returns "" or what has happened.
   [[nodiscard]] QString MeetAgain() {
-    constexpr int tries = 3;
+    constexpr int tries = 5;
     for (int i = 0; i < tries; ++i) {
       const int failed = line_.FailedAttempts();
       const QString fault = AskAgain();

@@ -29,6 +29,7 @@ void Line::Forget() {
   if (!coming_.empty() || open_) return;
   log.clear();
   origins.clear();
+  touches.clear();
 }
 
 void Line::Heal() {

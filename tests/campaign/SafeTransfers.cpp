@@ -639,7 +639,8 @@ class Installation {
     }
     if (resumedTwice_) {
       // What was to be taken back may have been complete, so that taking back was a sending of its own.
-      Expect(IsSent() || IsAsBefore(), u"neither as before nor as sent"_s);
+      // A word that went into a controller that was put there meanwhile stays where that one is.
+      Expect(IsSent() || IsAsBefore(true), u"neither as before nor as sent"_s);
     } else if (finishes) {
       Expect(run.error.isEmpty(), u"finishing fails: "_s + run.error);
       Expect(
@@ -811,11 +812,12 @@ class Installation {
     });
   }
 
-  // What the sending has touched is as it was.
-  [[nodiscard]] bool IsAsBefore() const {
+  // What the sending has touched is as it was; in the controller that it began with, or in all of them.
+  [[nodiscard]] bool IsAsBefore(bool ownAlone = false) const {
     std::set<std::pair<const Station*, quint16>> seen;
     for (std::size_t i = sendTouch_; i < line_.touches.size(); ++i) {
       const Touch& touch = line_.touches[i];
+      if (ownAlone && touch.station != own_) continue;
       if (seen.insert({touch.station, touch.address}).second &&
           touch.station->memory.Word(touch.address) != touch.before)
         return false;
@@ -826,6 +828,8 @@ class Installation {
   // Where nothing goes wrong everything comes out.
   void RequireComplete(const SafeRun& run) {
     if (scene != Scene::Clean || healed_ || aborted_ || clock_.Disturbed(0, clock_.Passed())) return;
+    // The reply to a program that was killed may be under way to the next one.
+    if (totals.kills > 0) return;
     if (first_->version != plant_.Selected().payload) return;
     if (!plant_.Selected().plantAddress.isEmpty() && PlantOf(*first_) != plantType_) return;
     if (run.values.empty()) return;

@@ -36,7 +36,8 @@ TOOL_TIPS = {
 MENUS = {
     "Datei": ["Öffnen...", "Schließen", "Speichern", "Speichern unter...", "Drucken...", "Beenden"],
     "Optionen": ["Schnittstelle", "Regler", "Dateien"],
-    "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen"],
+    "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen",
+                  "Sicher senden…", "Sicher empfangen…", "Sicherungen…"],
     "?": ["Info "],
 }
 REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]

@@ -3,6 +3,7 @@ import os
 import re
 import shutil
 import subprocess
+import tempfile
 import time
 import unittest
 
@@ -308,7 +309,12 @@ class ListWindow(Scenario):
 
     def test_an_unread_parameter(self):
         """The controller refuses a word each time that it is asked for it."""
-        self.start("--fault", "error-05:0.2", "--seed", "4")
+        folder = tempfile.mkdtemp(prefix="kalivor-settings-")
+        self.addCleanup(shutil.rmtree, folder, ignore_errors=True)
+        os.mkdir(os.path.join(folder, "KALIVOR"))
+        with open(os.path.join(folder, "KALIVOR", "KALIVOR.ini"), "w", encoding="utf-8") as file:
+            file.write("[SicherSenden]\nRuhezeit=500\n")  # the line rests behind each refusal
+        self.start("--fault", "error-05:0.1", "--seed", "4", settings_folder=folder)
         self.compare_with_controller()
         self.count_line(f"{ALL} von {ALL} · 1 verschieden")
         states = self.table.texts(STATE)

@@ -40,13 +40,16 @@ void LoadSettings(Settings& settings, const platform::SettingsStore& store, plat
   ForEachSetting([&](const auto& setting) {
     auto& member = settings.*setting.member;
     const QString standard = QVariant(member).toString();
-    RunHandler(box, [&] { FromText(member, store.Get(setting.section.toString(), setting.key.toString(), standard)); });
+    RunHandler(box, [&] {
+      FromText(member, store.Get(setting.section.toString(), setting.key.toString(), standard));
+    });
   });
 }
 
 void SaveSettings(const Settings& settings, platform::SettingsStore& store) {
   ForEachSetting([&](const auto& setting) {
-    store.Save(setting.section.toString(), setting.key.toString(), QVariant(settings.*setting.member).toString());
+    store.Save(setting.section.toString(), setting.key.toString(),
+               QVariant(settings.*setting.member).toString());
   });
 }
 

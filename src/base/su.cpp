@@ -42,6 +42,12 @@ void AppendRight(QString& text, qint64 number, int width, QStringView fill) {
 
 }  // namespace
 
+bool IsHex(QStringView text) {
+  return std::ranges::all_of(text, [](QChar c) {
+    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
+  });
+}
+
 double HexToNumber(QStringView text) {
   double result = 0;
   for (const QChar c : text)

@@ -5,6 +5,9 @@
 
 namespace kalivor::su {
 
+/// True when every character is a hexadecimal digit, of either case.
+[[nodiscard]] bool IsHex(QStringView text);
+
 /// Value of hexadecimal text of any length, either case; a character that is no digit counts as 0.
 [[nodiscard]] double HexToNumber(QStringView text);
 

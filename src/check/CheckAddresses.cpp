@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "base/su.h"
 #include "core/DefinitionFiles.h"
 
 namespace kalivor {
@@ -18,14 +19,8 @@ bool HasAddressLength(QStringView text) {
   return text.size() == 4 || text.size() == 8;
 }
 
-bool IsHexadecimal(QStringView text) {
-  return std::all_of(text.begin(), text.end(), [](QChar c) {
-    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
-  });
-}
-
 bool IsAddress(QStringView text) {
-  return HasAddressLength(text) && IsHexadecimal(text);
+  return HasAddressLength(text) && su::IsHex(text);
 }
 
 // Where the parameters of a file lie in the controller's memory.
@@ -157,7 +152,7 @@ class ListCheck {
   }
 
   void Take(const QString& name, const QString& address, int line) {
-    if (!IsHexadecimal(address)) {
+    if (!su::IsHex(address)) {
       Report(name, line, u"Adresse %1 ist nicht hexadezimal.", address);
     }
     if (!needed_.contains(name)) return;
@@ -194,7 +189,7 @@ void CheckOwnAddresses(const CheckedDefinitions& definitions, const FileFindings
     const QString& address = parameter.address;
     if (address == u"-") {
       findings.Error(parameter.line, u"Adresse fehlt.");
-    } else if (!IsHexadecimal(address)) {
+    } else if (!su::IsHex(address)) {
       findings.Error(parameter.line, u"Adresse %1 ist nicht hexadezimal.", address);
     } else if (!HasAddressLength(address)) {
       findings.Error(parameter.line, u"Adresse %1 hat %2 Zeichen statt 4 oder 8.", address, address.size());
@@ -219,7 +214,7 @@ void CheckListedAddresses(const CheckedDefinitions& definitions, const FileFindi
     if (listed == nullptr) {
       findings.Error(parameter.line, u"Variable %1 steht nicht mit einer Adresse in %2.", parameter.variable,
                      list.findings.File());
-    } else if (IsHexadecimal(*listed)) {
+    } else if (su::IsHex(*listed)) {
       memory.Place(parameter, parameter.offset == 0 ? *listed : AddOffset(*listed, parameter.offset));
     }
   }

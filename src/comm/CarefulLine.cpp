@@ -23,12 +23,6 @@ constexpr int kShortestRest_ms = 500;
 constexpr int kSlice_ms = 100;
 constexpr int kMostRests = 10;
 
-bool IsHex(QStringView text) {
-  return std::ranges::all_of(text, [](QChar c) {
-    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
-  });
-}
-
 }  // namespace
 
 QChar CommandLetter(const VersionTable& versions, int letter) {
@@ -63,7 +57,7 @@ Identification CarefulLine::AskVersion() {
 Identification CarefulLine::AskVersionOnce() {
   const QString payload = Attempt(u"v00"_s);
   if (IsError(payload)) return {false, payload};
-  if (payload.size() >= kVersionLength && IsHex(QStringView(payload).sliced(kWordLength, kWordLength)))
+  if (payload.size() >= kVersionLength && su::IsHex(QStringView(payload).sliced(kWordLength, kWordLength)))
     return {true, VersionText(payload)};
   unsettled_ = true;
   ++failedAttempts_;
@@ -78,7 +72,7 @@ WordReading CarefulLine::Read(quint16 address, std::optional<ExpectedWord> expec
     reading = ReadOnce(address);
     if (reading.word && believed && (!expected || expected->Meets(*reading.word))) return reading;
     if (reading.word) {
-      const WordReading again = ReadOnce(address);
+      WordReading again = ReadOnce(address);
       if (again.word == reading.word) return again;
       reading = {{}, again.word ? u"ERROR: zwei verschiedene Antworten"_s : again.failure};
       unsettled_ = true;
@@ -91,7 +85,7 @@ WordReading CarefulLine::Read(quint16 address, std::optional<ExpectedWord> expec
 WordReading CarefulLine::ReadOnce(quint16 address) {
   const QString payload = Attempt(CommandLetter(versions_, kReadLetter) + su::HexPad(address, kWordLength));
   if (IsError(payload)) return {{}, payload};
-  if (payload.size() == kWordLength && IsHex(payload)) return {payload.toUShort(nullptr, 16), {}};
+  if (payload.size() == kWordLength && su::IsHex(payload)) return {payload.toUShort(nullptr, 16), {}};
   unsettled_ = true;
   ++failedAttempts_;
   return {{}, u"ERROR: unerwartete Antwort: "_s + payload};

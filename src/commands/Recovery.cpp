@@ -190,7 +190,7 @@ QString RecoveryText(const KeptTable& kept, const QDateTime& now) {
 }
 
 QString SelectController(Core& core, const QString& version, const QString& plantType) {
-  const QString fault = SelectionFault(core.module, version, plantType);
+  QString fault = SelectionFault(core.module, version, plantType);
   if (!fault.isEmpty()) return fault;
   core.editors.HideEditors();
   Select(core, version, plantType);

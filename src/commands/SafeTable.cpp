@@ -144,7 +144,8 @@ std::vector<std::size_t> SafeRows(const SafeRun& run, SafePhase phase) {
     if (shown) rows.push_back(i);
   }
   if (phase == SafePhase::Account)
-    std::ranges::stable_partition(rows, [&](std::size_t i) { return IsTrouble(run.values[i].state); });
+    std::stable_partition(rows.begin(), rows.end(),
+                          [&](std::size_t i) { return IsTrouble(run.values[i].state); });
   return rows;
 }
 

@@ -15,12 +15,6 @@ namespace {
 constexpr int kAddressDigits = 4;
 constexpr int kAddresses = 65536;
 
-bool IsHex(QStringView text) {
-  return std::ranges::all_of(text, [](QChar c) {
-    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
-  });
-}
-
 int ByteCount(const ParameterRecord& record) {
   const ParameterType& type = TypeOf(record.Typ);
   return type.kind == ValueKind::Text ? StringLength(record) : type.bytes;
@@ -38,7 +32,7 @@ int FirstAddress(const ParameterRecord& record) {
 // Of so many bytes at an address.
 QString AddressFault(QStringView address, int bytes, bool mayBeOdd) {
   if (address.isEmpty()) return u"keine Adresse"_s;
-  if (!IsHex(address.right(kAddressDigits))) return u"ungültige Adresse"_s;
+  if (!su::IsHex(address.right(kAddressDigits))) return u"ungültige Adresse"_s;
   if (AddressOf(address) + bytes > kAddresses) return u"Adresse zu groß"_s;
   return !mayBeOdd && AddressOf(address) % 2 != 0 ? u"ungerade Adresse"_s : QString();
 }
@@ -46,7 +40,7 @@ QString AddressFault(QStringView address, int bytes, bool mayBeOdd) {
 QString PlaceFault(const ParameterRecord& record) {
   const ParameterType& type = TypeOf(record.Typ);
   if (type.kind == ValueKind::Unknown) return u"unbekannter Typ"_s;
-  const QString fault = AddressFault(record.VarAdresse, ByteCount(record), type.SharesWord());
+  QString fault = AddressFault(record.VarAdresse, ByteCount(record), type.SharesWord());
   if (!fault.isEmpty()) return fault;
   return ByteCount(record) == 0 ? u"Text ohne Länge"_s : QString();
 }

@@ -78,7 +78,7 @@ class Controller {
     constexpr int tries = 5;
     for (int i = 0; i < tries; ++i) {
       const int failed = line_.FailedAttempts();
-      const QString fault = AskAgain();
+      QString fault = AskAgain();
       if (!fault.isEmpty() || line_.FailedAttempts() == failed) return fault;
     }
     return u"Der Regler antwortet nicht zuverlässig.\r\nSeine Antworten können zu anderen Anfragen gehören."_s;
@@ -182,7 +182,7 @@ WantedWords WordsWanted(const SafeRun& run) {
 
 // Reads a word, twice where one of its values wants something else.
 WordReading ReadWord(Controller& controller, SafeRun& run, const WantedWords& wanted, quint16 address) {
-  const WordReading reading = controller.Read(address, {});
+  WordReading reading = controller.Read(address, {});
   const auto [first, last] = wanted.equal_range(address);
   const bool differs = reading.word && std::any_of(first, last, [&reading](const auto& one) {
                          return !one.second || !one.second->Meets(*reading.word);

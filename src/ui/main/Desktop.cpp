@@ -350,8 +350,9 @@ std::unique_ptr<Desktop> Launch(frmSplash& splash, const World& world, const Run
   desktop->main.show();
   splash.close();
   // A controller that is half written must not be overlooked.
-  QTimer::singleShot(0, &desktop->main,
-                     [desktop = desktop.get()] { desktop->guard([desktop] { desktop->ShowUnfinished(); }); });
+  QMetaObject::invokeMethod(
+      &desktop->main, [desktop = desktop.get()] { desktop->guard([desktop] { desktop->ShowUnfinished(); }); },
+      Qt::QueuedConnection);
   return desktop;
 }
 

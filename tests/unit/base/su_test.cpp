@@ -16,6 +16,16 @@ namespace {
 
 using Kind = RuntimeError::Kind;
 
+TEST(IsHex, KnowsTheDigitsOfEitherCase) {
+  for (int code = 0; code < 0x250; ++code) {
+    const QChar c(code);
+    EXPECT_EQ(su::IsHex(QString(c)), QStringView(u"0123456789ABCDEFabcdef").contains(c)) << code;
+  }
+  EXPECT_TRUE(su::IsHex(u"1f0A"));
+  EXPECT_FALSE(su::IsHex(u"1f0G"));
+  EXPECT_TRUE(su::IsHex(u""));
+}
+
 TEST(HexToNumber, ReadsDigitsOfEitherCaseAndAnyLength) {
   EXPECT_EQ(su::HexToNumber(u"1F"), 31);
   EXPECT_EQ(su::HexToNumber(u"ffff"), 65535);

@@ -22,19 +22,19 @@ class FakeFileSystem final : public platform::FileSystem {
   int writes = 0;      ///< how many there were
 
   [[nodiscard]] QString Overwrite(const QString& path, const QByteArray& beginning) override {
-    const QString error = NextWrite();
+    QString error = NextWrite();
     if (error.isEmpty()) files[path].bytes.replace(0, beginning.size(), beginning);
     return error;
   }
 
   [[nodiscard]] QString Replace(const QString& path, const QByteArray& content) override {
-    const QString error = NextWrite();
+    QString error = NextWrite();
     if (error.isEmpty()) files[path] = {content, {}};
     return error;
   }
 
   [[nodiscard]] QString Remove(const QString& path) override {
-    const QString error = NextWrite();
+    QString error = NextWrite();
     if (error.isEmpty()) files.remove(path);
     return error;
   }
@@ -50,7 +50,7 @@ class FakeFileSystem final : public platform::FileSystem {
     const platform::FileContent content = Read(path, 0);
     if (!content.Ok()) return {nullptr, content.error};
     return {std::make_unique<CalledLog>([this, path](const QByteArray& bytes) {
-              const QString error = NextWrite();
+              QString error = NextWrite();
               if (error.isEmpty()) files[path].bytes += bytes;
               return error;
             }),

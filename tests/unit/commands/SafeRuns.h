@@ -74,7 +74,7 @@ class SafePlant {
         quint16& now = controller[word.address];
         if (word.FitsIn(now)) continue;
         if (most-- == 0) return {};
-        const QString error = keeper.Before(word.address);
+        QString error = keeper.Before(word.address);
         if (!error.isEmpty()) return error;
         run.begun.insert(word.address);
         now = static_cast<quint16>((now & ~word.mask) | word.bits);

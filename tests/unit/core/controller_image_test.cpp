@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <limits>
 
 #include "base/Windows1252.h"

@@ -418,7 +418,7 @@ TEST_P(SafeStoreFaults, AFailureAnywhereIsSaidAndLeavesWhatTheNextStartNeeds) {
   Site site(GetParam());
   const FaultyFileCalls probe;
   ASSERT_EQ(site.Send(probe, *site.afterlife), QString());
-  const std::vector<FileCall> all = probe.Calls();
+  const std::vector<FileCall>& all = probe.Calls();
   int failures = 0;
   for (std::size_t at = 0; at < all.size() && !HasFailure(); ++at) {
     for (const int failure : {EIO, ENOSPC, EACCES, EINTR, FileFault::kShort}) {

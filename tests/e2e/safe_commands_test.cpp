@@ -18,7 +18,8 @@ class SafeCli : public Cli {
     EXPECT_TRUE(QDir().mkpath(SettingsFolder() + u"/KALIVOR"_s));
     QFile settings(SettingsFolder() + u"/KALIVOR/KALIVOR.ini"_s);
     EXPECT_TRUE(settings.open(QIODevice::WriteOnly));
-    settings.write("[Settings]\nUserpath=" + SettingsFolder().toUtf8() + '\n');
+    // The line rests no longer than it has to, as the tests wait for it.
+    settings.write("[Settings]\nUserpath=" + SettingsFolder().toUtf8() + "\n[SicherSenden]\nRuhezeit=500\n");
   }
 
   [[nodiscard]] QStringList Backups() const {

@@ -79,8 +79,8 @@ class SafeKeeper {
   virtual void End(const SafeRun& run) = 0;
 };
 
-/// The checked parameters with the PC's values. Values that cannot be coded, and those that want different
-/// bits of the same word, are not sendable, with the reason; those outside their limits are not chosen.
+/// The checked parameters with the PC's values. Values that cannot be coded are not sendable, with the
+/// reason, and for sending neither are those that want different bits of the same word.
 [[nodiscard]] SafeRun WantedOfTable(const Module1& module, SafeKind kind);
 
 /// A value that is wanted, named as in a file.
@@ -107,12 +107,12 @@ struct NamedWords {
 /// those that have changed beside them.
 [[nodiscard]] SafeRun WantedBack(const Module1& module, const SafeRun& run);
 
-/// Identifies the controller and reads every word of the run once, and what differs twice. The version has to be the selected one and, except for
-/// Compare, the plant type too. Values become Equal, Different or stay NotRead with a reason. The different
-/// ones are chosen if they can be sent and the new value is inside its limits; what finishes a sending or
-/// takes it back, whatever the limits. Where the controller is another one, does not answer (any more) or the
-/// user ends it, `error` or `aborted` says so. The controller is identified again at the end: where it is
-/// another one then, nothing was read.
+/// Identifies the controller and reads every word of the run once, and what differs twice. The version has to
+/// be the selected one and, except for Compare, the plant type too. Values become Equal, Different or stay
+/// NotRead with a reason. The different ones are chosen if they can be sent and the new value is inside its
+/// limits; what finishes a sending or takes it back, whatever the limits. Where the controller is another
+/// one, does not answer (any more) or the user ends it, `error` or `aborted` says so. The controller is
+/// identified again at the end: where it is another one then, nothing was read.
 void ReadWords(Core& core, SafeRun& run, ProgressForm& form);
 
 /// Writes the chosen values, but none that was not read or cannot be sent: only words that differ, each read

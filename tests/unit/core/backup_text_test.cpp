@@ -80,6 +80,18 @@ TEST(BackupText, ReadsBackTheSame) {
   EXPECT_EQ(ParseBackup(ComposeBackup(backup)), backup);
 }
 
+TEST(BackupText, IsOfAnyStationThereIs) {
+  Backup backup = SmallBackup();
+  for (const int address : {0, 255}) {
+    backup.head.address = address;
+    EXPECT_EQ(ParseBackup(ComposeBackup(backup)), backup) << address;
+  }
+  for (const int address : {-1, 256}) {
+    backup.head.address = address;
+    EXPECT_EQ(ParseBackup(ComposeBackup(backup)), std::nullopt) << address;
+  }
+}
+
 TEST(BackupText, KeepsTheZoneOfItsTime) {
   Backup backup = SmallBackup();
   backup.head.time = QDateTime(QDate(2026, 7, 1), QTime(12, 0), QTimeZone("Europe/Berlin"));

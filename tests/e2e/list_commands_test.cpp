@@ -46,8 +46,7 @@ TEST(ListCommands, DiffAsksTheControllerForNothingButTheCheckedParameters) {
                       u"_Hk1RaumSollTag"_s})
                 .status,
             0);
-  EXPECT_EQ(simulator.Stop().err.count(u"#0102"_s), 5)
-      << "one word, between version and plant type";
+  EXPECT_EQ(simulator.Stop().err.count(u"#0102"_s), 5) << "one word, between version and plant type";
 }
 
 TEST(ListCommands, ListComparesWithTheController) {

@@ -64,13 +64,13 @@ Identification CarefulLine::AskVersionOnce() {
   return {false, u"ERROR: unerwartete Antwort: "_s + payload};
 }
 
-WordReading CarefulLine::Read(quint16 address, std::optional<ExpectedWord> expected) {
+WordReading CarefulLine::Read(quint16 address, std::optional<quint16> expected) {
   WordReading reading{{}, u"ERROR: Abbruch"_s};
   bool believed = true;
   for (int tries = 0; tries < kTries; ++tries) {
     if (!Rest()) break;
     reading = ReadOnce(address);
-    if (reading.word && believed && (!expected || expected->Meets(*reading.word))) return reading;
+    if (reading.word && believed && (!expected || reading.word == expected)) return reading;
     if (reading.word) {
       WordReading again = ReadOnce(address);
       if (again.word == reading.word) return again;

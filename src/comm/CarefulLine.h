@@ -27,18 +27,6 @@ struct WordReading {
   QString failure;
 };
 
-/// What a word is expected to be: its bits inside the mask.
-struct ExpectedWord {
-  // NOLINTNEXTLINE(google-explicit-constructor): a plain word is expected as it is
-  ExpectedWord(quint16 expectedBits, quint16 expectedMask = 0xFFFF)
-      : bits(expectedBits), mask(expectedMask) {}
-
-  [[nodiscard]] bool Meets(quint16 word) const { return ((word ^ bits) & mask) == 0; }
-
-  quint16 bits;
-  quint16 mask;
-};
-
 /// The telegrams are those of COM_A; what is done when one fails is not:
 /// - After a failed attempt the line has to be silent for the stored time (Settings::Ruhezeit) before the
 ///   next one; what comes meanwhile is thrown away. So a late reply meets nobody who waits.
@@ -62,7 +50,7 @@ class CarefulLine {
   /// The same at the present rate alone.
   [[nodiscard]] Identification AskVersion();
 
-  [[nodiscard]] WordReading Read(quint16 address, std::optional<ExpectedWord> expected = {});
+  [[nodiscard]] WordReading Read(quint16 address, std::optional<quint16> expected = {});
 
   /// Writes a word. Returns "" when the controller has acknowledged it, which does not mean that it holds it;
   /// or what the user reads about the failure. It may hold it then all the same.

@@ -85,7 +85,7 @@ class Controller {
   }
 
   // A word, which becomes what the run knows of it.
-  WordReading Read(quint16 address, std::optional<ExpectedWord> expected) {
+  WordReading Read(quint16 address, std::optional<quint16> expected) {
     WordReading reading = line_.Read(address, expected);
     if (reading.word) run_.now[address] = *reading.word;
     return reading;
@@ -167,15 +167,13 @@ class Controller {
 };
 
 /// What the values of a run want of each word; nothing of those that cannot be sent.
-using WantedWords = std::multimap<quint16, std::optional<ExpectedWord>>;
+using WantedWords = std::multimap<quint16, std::optional<CodedWord>>;
 
 WantedWords WordsWanted(const SafeRun& run) {
   WantedWords wanted;
   for (const SafeValue& value : run.values) {
-    for (const CodedWord& word : value.words) {
-      wanted.emplace(word.address,
-                     value.sendable ? std::optional(ExpectedWord(word.bits, word.mask)) : std::nullopt);
-    }
+    for (const CodedWord& word : value.words)
+      wanted.emplace(word.address, value.sendable ? std::optional(word) : std::nullopt);
   }
   return wanted;
 }
@@ -185,7 +183,7 @@ WordReading ReadWord(Controller& controller, SafeRun& run, const WantedWords& wa
   WordReading reading = controller.Read(address, {});
   const auto [first, last] = wanted.equal_range(address);
   const bool differs = reading.word && std::any_of(first, last, [&reading](const auto& one) {
-                         return !one.second || !one.second->Meets(*reading.word);
+                         return !one.second || !one.second->FitsIn(*reading.word);
                        });
   if (!differs) return reading;
   run.now.erase(address);
@@ -336,14 +334,14 @@ class Writing {
 
   Next WriteWord(quint16 address) {
     WordFate& fate = fates_[address];
-    const ExpectedWord wanted(bits_.at(address), masks_.at(address));
+    const CodedWord wanted{address, masks_.at(address), bits_.at(address)};
     const quint16 known = run_.now.at(address);
     fate.expected = known;
-    if (wanted.Meets(known)) return Next::GoOn;
+    if (wanted.FitsIn(known)) return Next::GoOn;
     const WordReading reading = controller_.Read(address, known);
     if (!reading.word) return Failed(fate, reading.failure);
     fate.expected = *reading.word;
-    if (wanted.Meets(*reading.word)) return Next::GoOn;
+    if (wanted.FitsIn(*reading.word)) return Next::GoOn;
     if (((*reading.word ^ known) & wanted.mask) != 0) {
       fate.failure = u"inzwischen geändert"_s;
       return Next::GoOn;

@@ -321,14 +321,6 @@ TEST(CarefulLine, AFailedSecondReadingIsAFailedAttempt) {
   ExpectGap(rig.Gap_s(2), kReplyTime_s + kRest_s);
 }
 
-TEST(CarefulLine, AnExpectationMayBeAPartOfTheWord) {
-  Rig rig;
-  EXPECT_EQ(rig.careful.Read(0x1F00, ExpectedWord(0x0400, 0xFF00)).word, 0x04D2);
-  EXPECT_EQ(rig.Exchanges(), 1);
-  EXPECT_EQ(rig.careful.Read(0x1F00, ExpectedWord(0x0400, 0xFF02)).word, 0x04D2);
-  EXPECT_EQ(rig.Exchanges(), 3);
-}
-
 // Writing and identifying.
 
 TEST(CarefulLine, WritesUpToThreeTimesAndRestsBetweenThem) {

@@ -71,7 +71,10 @@ bool COM_A::ReadWord(qint16 slot, QString& digits, const QString& address) {
     onFailure_(digits);
     return false;
   }
-  return digits.size() == kWordLength;
+  if (digits.size() == kWordLength) return true;
+  // Nobody is told, as ever; but whoever looks at the line shall see it.
+  host_.Exchanges.Judge(u"ERROR: unerwartete Antwort: "_s + digits);
+  return false;
 }
 
 bool COM_A::ReadInt(qint16 slot, qint16& result, const QString& address) {

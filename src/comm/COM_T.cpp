@@ -88,8 +88,10 @@ QString LineErrorText(int event) {
 
 QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
   QString result = Transact(slot, body, wantReply);
-  for (int tries = 1; IsError(result) && tries < maxTries; ++tries)
+  for (int tries = 1; IsError(result) && tries < maxTries; ++tries) {
+    host_.Exchanges.NextIsAttempt(tries + 1);
     result = Transact(slot, body, wantReply);
+  }
   return result;
 }
 
@@ -105,7 +107,10 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
   const QString reply = SendReceive(slot, frame, wantReply);
-  return wantReply ? PayloadOf(reply) : reply;
+  if (!wantReply) return reply;
+  QString payload = PayloadOf(reply);
+  host_.Exchanges.Judge(payload);
+  return payload;
 }
 
 QString COM_T::PayloadOf(const QString& reply) {
@@ -121,11 +126,18 @@ QString COM_T::PayloadOf(const QString& reply) {
 QString COM_T::SendReceive(qint16 slot, const QString& frame, bool wantReply) {
   // However the exchange ends.
   const auto close = qScopeGuard([this] { host_.ClosePort(); });
-  if (IsError(host_.OpenPort(slot))) {
-    return WithLineError(u"ERROR: COM"_s + BlankNumber(host_.Ports[slot].PortNr) + u" nicht verfügber"_s, {});
+  const bool open = !IsError(host_.OpenPort(slot));
+  host_.Exchanges.Begin(host_.Ports[slot], frame);
+  QString reply;
+  if (open) {
+    Send(frame);
+    reply = Receive(slot, frame.size(), wantReply);
+  } else {
+    reply =
+        WithLineError(u"ERROR: COM"_s + BlankNumber(host_.Ports[slot].PortNr) + u" nicht verfügber"_s, {});
   }
-  Send(frame);
-  return Receive(slot, frame.size(), wantReply);
+  host_.Exchanges.End(reply, open, host_.Control().Fault());
+  return reply;
 }
 
 void COM_T::Send(const QString& frame) {
@@ -180,12 +192,12 @@ COM_T::LineEnd COM_T::ReceiveLine(const SoftTimer& bound) {
   platform::SerialControl& line = host_.Control();
   TH& timers = host_.Timers();
   reply_.clear();
-  if (received_.isEmpty()) received_ = TextFromBytes(line.Input());
+  if (received_.isEmpty()) received_ = Taken();
   while (!TakeLine()) {
     if (bound.Remaining() <= 0) return LineEnd::ExchangeOver;
     const double left = std::min(timers.Remaining(kReplyTimer), bound.Remaining());
     const bool gone = line.WaitForInput(left) == platform::InputWait::LineGone;
-    received_ += TextFromBytes(line.Input());
+    received_ += Taken();
     if (gone || timers.TimerExpired(kReplyTimer)) {
       (void)TakeLine();
       return LineEnd::NotInTime;
@@ -206,13 +218,20 @@ bool COM_T::TakeLine() {
   return complete;
 }
 
+// What the line has received by now.
+QString COM_T::Taken() {
+  const QByteArray characters = host_.Control().Input();
+  host_.Exchanges.Received(characters);
+  return TextFromBytes(characters);
+}
+
 QString COM_T::ReceiveRaw() {
   platform::SerialControl& line = host_.Control();
   TH& timers = host_.Timers();
   QString reply;
   do {
     if (line.InBufferCount() != 0) {
-      reply += TextFromBytes(line.Input());
+      reply += Taken();
       timers.StartTimer(kRawQuietTimer, kRawQuiet_ms);
     }
     if (line.WaitForInput(timers.Remaining(kRawQuietTimer)) == platform::InputWait::LineGone) break;

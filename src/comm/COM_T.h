@@ -43,6 +43,7 @@ class COM_T {
   bool WaitForFirstCharacter(const SoftTimer& bound);
   LineEnd ReceiveLine(const SoftTimer& bound);
   bool TakeLine();
+  QString Taken();
   /// kept: for protocols other than 15..17, which no controller of today speaks.
   QString ReceiveRaw();
   QString WithLineError(const QString& result, const QString& reply);

@@ -22,7 +22,7 @@ QString ReasonOf(QStringView failure) {
 }
 
 COM_T_frm::COM_T_frm(const Conversation& conversation, platform::SerialControl& control, TH& timers)
-    : conversation_(conversation), control_(control), timers_(timers) {
+    : Exchanges(timers.GetClock()), conversation_(conversation), control_(control), timers_(timers) {
   control_.OnComm = [this] {
     if (control_.CommEvent() == platform::kCommEventSendDone) SendDone = kTrue;
   };

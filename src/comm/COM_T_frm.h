@@ -5,6 +5,7 @@
 
 #include "base/BoundedArray.h"
 #include "base/Module1.h"
+#include "comm/ExchangeLog.h"
 #include "comm/TH.h"
 #include "platform/SerialControl.h"
 
@@ -45,6 +46,9 @@ class COM_T_frm {
 
   /// Slots 0..3; any other throws RuntimeError (Bounds).
   BoundedArray<PortRecord, 3> Ports;
+
+  /// What went over the line.
+  ExchangeLog Exchanges;
 
   /// When set, the port and its RTS line stay up between telegrams.
   /// kept: nothing sets it; it is the switch for looking at the line between telegrams.

@@ -49,6 +49,7 @@ Identification CarefulLine::AskVersion() {
   Identification answer{false, u"ERROR: Abbruch"_s};
   for (int tries = 0; tries < kTries && !answer.succeeded; ++tries) {
     if (!Rest()) break;
+    NextIsAttempt(tries + 1);
     answer = AskVersionOnce();
   }
   return answer;
@@ -59,9 +60,7 @@ Identification CarefulLine::AskVersionOnce() {
   if (IsError(payload)) return {false, payload};
   if (payload.size() >= kVersionLength && su::IsHex(QStringView(payload).sliced(kWordLength, kWordLength)))
     return {true, VersionText(payload)};
-  unsettled_ = true;
-  ++failedAttempts_;
-  return {false, u"ERROR: unerwartete Antwort: "_s + payload};
+  return {false, Unexpected(payload)};
 }
 
 WordReading CarefulLine::Read(quint16 address, std::optional<quint16> expected) {
@@ -69,6 +68,7 @@ WordReading CarefulLine::Read(quint16 address, std::optional<quint16> expected) 
   bool believed = true;
   for (int tries = 0; tries < kTries; ++tries) {
     if (!Rest()) break;
+    NextIsAttempt(tries + 1);
     reading = ReadOnce(address);
     if (reading.word && believed && (!expected || reading.word == expected)) return reading;
     if (reading.word) {
@@ -86,9 +86,7 @@ WordReading CarefulLine::ReadOnce(quint16 address) {
   const QString payload = Attempt(CommandLetter(versions_, kReadLetter) + su::HexPad(address, kWordLength));
   if (IsError(payload)) return {{}, payload};
   if (payload.size() == kWordLength && su::IsHex(payload)) return {payload.toUShort(nullptr, 16), {}};
-  unsettled_ = true;
-  ++failedAttempts_;
-  return {{}, u"ERROR: unerwartete Antwort: "_s + payload};
+  return {{}, Unexpected(payload)};
 }
 
 QString CarefulLine::Write(quint16 address, quint16 word) {
@@ -97,6 +95,7 @@ QString CarefulLine::Write(quint16 address, quint16 word) {
   QString result = u"ERROR: Abbruch"_s;
   for (int tries = 0; tries < kTries; ++tries) {
     if (!Rest()) break;
+    NextIsAttempt(tries + 1);
     result = Attempt(body);
     if (!IsError(result)) return {};
   }
@@ -114,11 +113,25 @@ QString CarefulLine::Attempt(const QString& body) {
     if (header_.isEmpty()) header_ = header;
     if (header != header_) payload = u"ERROR: Antwort mit anderem Kopf: "_s + reply.trimmed();
   }
-  if (IsError(payload)) {
-    unsettled_ = true;
-    ++failedAttempts_;
-  }
+  if (IsError(payload)) NoteFailed(payload);
   return payload;
+}
+
+// A reply with the right sum that answers something else.
+QString CarefulLine::Unexpected(const QString& payload) {
+  const QString failure = u"ERROR: unerwartete Antwort: "_s + payload;
+  NoteFailed(failure);
+  return failure;
+}
+
+void CarefulLine::NoteFailed(const QString& failure) {
+  unsettled_ = true;
+  ++failedAttempts_;
+  host_.Exchanges.Judge(failure);
+}
+
+void CarefulLine::NextIsAttempt(int attempt) {
+  host_.Exchanges.NextIsAttempt(attempt);
 }
 
 // Lets the line come to rest where an attempt has failed. False where the operation is to end.

@@ -63,6 +63,9 @@ class CarefulLine {
   [[nodiscard]] QString Attempt(const QString& body);
   [[nodiscard]] WordReading ReadOnce(quint16 address);
   [[nodiscard]] Identification AskVersionOnce();
+  [[nodiscard]] QString Unexpected(const QString& payload);
+  void NoteFailed(const QString& failure);
+  void NextIsAttempt(int attempt);
   bool Rest();
   bool WaitForSilence();
 

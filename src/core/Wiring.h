@@ -12,7 +12,9 @@ struct Wiring {
   Wiring(Module1& module, TH& timers, platform::SerialControl& line, const Surroundings& world)
       : host(module, line, timers),
         controller(module, module, host, [&report = world.report](const QString& text) { report.Add(text); }),
-        core{world, module, controller, timers.GetClock()} {}
+        core{world, module, controller, timers.GetClock()} {
+    host.Exchanges.NameVersionsOf(module);
+  }
   Wiring(const Wiring&) = delete;
   Wiring& operator=(const Wiring&) = delete;
 

@@ -76,6 +76,11 @@ class SerialControl {
   /// The last event since Open(): a line error if there was one, else kCommEventSendDone or none.
   [[nodiscard]] virtual int CommEvent() = 0;
 
+  /// Why the last Open() failed, or the open line is gone: in German, for the user ("Der Anschluß ist
+  /// belegt.").
+  /// "" where there is nothing wrong, or nothing known.
+  [[nodiscard]] virtual QString Fault() const { return {}; }
+
   /// Runs on communication events, from inside the operations above.
   std::function<void()> OnComm;
 };

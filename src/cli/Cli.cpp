@@ -188,7 +188,7 @@ class Session {
       if (!fault.isEmpty()) throw BadInput{fault};
     }
     TakeRunSettings(module_, run);
-    if (!device.isEmpty()) world_.useDevice(module_.Schnittstelle, device);
+    if (!device.isEmpty()) world_.ports.Override(module_.Schnittstelle, device);
   }
 
   // Whatever cannot be read is said in a box.

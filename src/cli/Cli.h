@@ -8,6 +8,7 @@
 #include "commands/SafeStore.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
+#include "platform/PortDirectory.h"
 #include "platform/SerialControl.h"
 #include "platform/SettingsStore.h"
 
@@ -30,8 +31,7 @@ struct World {
   platform::SerialControl& line;
   platform::Clock& clock;
   QString programFolder;  ///< default of the definitions' folder
-  std::function<void(int number, const QString& device)>
-      useDevice;                      ///< lets a device stand for a port number
+  platform::PortDirectory& ports;
   std::function<bool()> interrupted;  ///< true once the user has pressed Ctrl+C
   SafeWorld safe = {};                ///< of backups and journals
 };

@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
                    line,
                    clock,
                    QCoreApplication::applicationDirPath(),
-                   [&devices](int number, const QString& device) { devices.Override(number, device); },
+                   devices,
                    [] { return interrupts != 0; },
                    safe};
   return cli::Run(QCoreApplication::arguments().sliced(1), world);

@@ -37,6 +37,14 @@ ValueFileContent OwnValues() {
 
 }  // namespace
 
+QList<platform::PortEntry> DemoPorts::List() {
+  return {{1, Shown(1)}};
+}
+
+QString DemoPorts::Shown(int /*number*/) {
+  return u"simulierter Regler"_s;
+}
+
 struct Demo::Controller {
   platform::native::Clock clock;
   sim::Station station;

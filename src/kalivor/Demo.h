@@ -6,8 +6,18 @@
 #include <memory>
 
 #include "platform/SerialControl.h"
+#include "platform/plain/PortBindings.h"
 
 namespace kalivor {
+
+/// Whatever the number, the simulated controller is there.
+class DemoPorts final : public platform::PortBindings {
+ public:
+  DemoPorts() : PortBindings({}) {}
+  [[nodiscard]] QList<platform::PortEntry> List() override;
+  [[nodiscard]] QString Device(int number) override { return Shown(number); }
+  [[nodiscard]] QString Shown(int number) override;
+};
 
 class Demo {
  public:
@@ -22,6 +32,8 @@ class Demo {
   /// The line to the controller, whatever the port's number. After Start().
   [[nodiscard]] platform::SerialControl& Line();
 
+  [[nodiscard]] platform::PortDirectory& Ports() { return ports_; }
+
   /// The folder of the example's definitions. After Start().
   [[nodiscard]] const QString& Folder() const { return folder_; }
 
@@ -35,6 +47,7 @@ class Demo {
   struct Controller;
 
   QTemporaryDir settings_;
+  DemoPorts ports_;
   std::unique_ptr<Controller> controller_;
   QString folder_;
 };

@@ -54,8 +54,8 @@ struct Process {
 
   [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : port; }
 
-  [[nodiscard]] QString ShownDevice(int number) {
-    return demo != nullptr ? u"simulierter Regler"_s : devices.Shown(number);
+  [[nodiscard]] platform::PortDirectory& Ports() {
+    return demo != nullptr ? demo->Ports() : static_cast<platform::PortDirectory&>(devices);
   }
 
   static ui::SystemInformation SystemInformation() {
@@ -154,7 +154,7 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
       [](const QString& text) { platform::AskAndPrintText(u"Report"_s, text); },
       process.dialogs,
       process.help,
-      [&process](int number) { return process.ShownDevice(number); },
+      process.Ports(),
       [&printing] { printing->Print(); },
       QFileInfo(process.settings.Path()).absoluteDir().filePath(u"Auswahlen.json"_s),
       {process.StateFolder(), [&process](const QString& path) { return process.locks.Take(path); }},
@@ -163,7 +163,7 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
         print::AskAndPrintTable(u"Parameterliste"_s, table, printing->Labels());
       },
       {process.StateFolder(), QStringLiteral(KALIVOR_VERSION),
-       [&process](int number) { return process.ShownDevice(number); },
+       [&process](int number) { return process.Ports().Shown(number); },
        [&process](const QString& path) { return process.locks.Take(path); }}};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);

@@ -17,6 +17,7 @@
 #include "fakes/FakeFileSystem.h"
 #include "fakes/FakeForms.h"
 #include "fakes/FakeHelp.h"
+#include "fakes/FakePortDirectory.h"
 #include "fakes/QtPrinters.h"
 #include "platform/qt/QtEvents.h"
 #include "sim/Controller.h"
@@ -160,7 +161,7 @@ class GuiTest : public testing::Test {
             },
             dialogs,
             help,
-            [this](int number) { return devices.value(number); },
+            ports,
             {},
             u"/einstellungen/Auswahlen.json"_s,
             recovery,
@@ -254,9 +255,9 @@ class GuiTest : public testing::Test {
   std::function<void()> onPrint;  ///< when a report is to be printed
   FakeFileDialogs dialogs;
   FakeHelp help;
-  QMap<int, QString> devices;  ///< behind the port numbers
-  RecoveryWorld recovery;      ///< nothing is kept
-  SafeWorld safe;              ///< no journal can be kept, so nothing is written safely
+  FakePortDirectory ports;
+  RecoveryWorld recovery;  ///< nothing is kept
+  SafeWorld safe;          ///< no journal can be kept, so nothing is written safely
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

@@ -89,7 +89,7 @@ TEST_F(LaunchTest, SplashMainWindowDefinitionsPortShowUnload) {
                                  {},
                                  dialogs,
                                  help,
-                                 {},
+                                 ports,
                                  {},
                                  {},
                                  {}},

@@ -263,13 +263,13 @@ TEST_F(OptionsTest, AMissingTableIsSaidAndEmptiesTheListOfVersions) {
 
 TEST_F(OptionsTest, EachPortNamesItsDeviceWhenTheListOpens) {
   OpenPage(u"mnuOptioenSchnittstelle"_s);
-  devices[2] = u"/dev/ttyUSB0"_s;
+  ports.entries = {{2, u"/dev/ttyUSB0"_s}};
   QTest::keyClick(&Port(), Qt::Key_Down, Qt::AltModifier);
   EXPECT_EQ(Port().itemData(0, Qt::ToolTipRole).toString(), u"nicht vorhanden"_s);
   EXPECT_EQ(Port().itemData(1, Qt::ToolTipRole).toString(), u"/dev/ttyUSB0"_s);
   Port().hidePopup();
   // The adapter has been pulled out.
-  devices.clear();
+  ports.entries.clear();
   QTest::mousePress(&Port(), Qt::LeftButton);
   EXPECT_EQ(Port().itemData(1, Qt::ToolTipRole).toString(), u"nicht vorhanden"_s);
   Port().hidePopup();

@@ -27,14 +27,14 @@ bool HasHardware(const QString& systemFolder, const QString& name) {
 
 }  // namespace
 
-SerialDevices::SerialDevices(QMap<int, QString> overrides, QString deviceFolder, QString systemFolder)
-    : overrides_(std::move(overrides)),
+SerialDevices::SerialDevices(QMap<int, QString> bindings, QString deviceFolder, QString systemFolder)
+    : PortBindings(std::move(bindings)),
       deviceFolder_(std::move(deviceFolder)),
       systemFolder_(std::move(systemFolder)) {}
 
 QString SerialDevices::Device(int number) {
   if (number < 1 || number > kLargestPortNumber) return {};
-  QString device = overrides_.value(number);
+  QString device = Wanted(number);
   if (!device.isEmpty()) return device;
 
   // The port is opened for every telegram, and to look through all devices costs more than the telegram.
@@ -47,6 +47,15 @@ QString SerialDevices::Device(int number) {
     presentAt_ = changedAt;
   }
   return present_.value(number - 1);
+}
+
+QList<PortEntry> SerialDevices::List() {
+  QList<PortEntry> entries;
+  for (int number = 1; number <= kLargestPortNumber; ++number) {
+    const QString device = Device(number);
+    if (!device.isEmpty()) entries.append({number, device});
+  }
+  return entries;
 }
 
 QString SerialDevices::Shown(int number) {

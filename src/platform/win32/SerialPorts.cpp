@@ -72,15 +72,24 @@ QList<SerialPortEntry> PresentSerialPorts() {
   return ports;
 }
 
-QString SerialPorts::Device(int number) const {
+QList<PortEntry> SerialPorts::List() {
+  QList<PortEntry> entries;
+  for (int number = 1; number <= kLargestPortNumber; ++number) {
+    const QString device = Device(number);
+    if (!device.isEmpty()) entries.append({number, device, Shown(number)});
+  }
+  return entries;
+}
+
+QString SerialPorts::Device(int number) {
   if (number < 1 || number > kLargestPortNumber) return {};
-  const QString device = overrides_.value(number);
+  const QString device = Wanted(number);
   if (!device.isEmpty()) return device;
   const QString name = u"COM%1"_s.arg(number);
   return IsPresent(name) ? name : QString();
 }
 
-QString SerialPorts::Shown(int number) const {
+QString SerialPorts::Shown(int number) {
   const QString name = Device(number);
   for (const SerialPortEntry& port : PresentSerialPorts()) {
     if (port.name.compare(name, Qt::CaseInsensitive) != 0) continue;

@@ -4,6 +4,9 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <utility>
+
+#include "platform/plain/PortBindings.h"
 
 namespace kalivor::platform {
 
@@ -16,23 +19,15 @@ struct SerialPortEntry {
 [[nodiscard]] QList<SerialPortEntry> PresentSerialPorts();
 
 /// Port n is COMn, unless the user has set another one for it.
-class SerialPorts {
+class SerialPorts final : public PortBindings {
  public:
-  /// `overrides`: name by port number, "" for none.
-  explicit SerialPorts(QMap<int, QString> overrides) : overrides_(std::move(overrides)) {}
+  explicit SerialPorts(QMap<int, QString> bindings) : PortBindings(std::move(bindings)) {}
 
-  /// Lets `name` stand for `number`, whatever else was set for it.
-  void Override(int number, const QString& name) { overrides_[number] = name; }
+  [[nodiscard]] QList<PortEntry> List() override;
+  [[nodiscard]] QString Device(int number) override;
 
-  /// The name of port `number`, "" when the number is not 1..8 or there is no such port. A port that the user
-  /// has set is not looked for.
-  [[nodiscard]] QString Device(int number) const;
-
-  /// The same for the user to see, with what the system calls the device; "" when it is not there now.
-  [[nodiscard]] QString Shown(int number) const;
-
- private:
-  QMap<int, QString> overrides_;
+  /// With what the system calls the device.
+  [[nodiscard]] QString Shown(int number) override;
 };
 
 }  // namespace kalivor::platform

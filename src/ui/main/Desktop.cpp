@@ -96,7 +96,7 @@ void Desktop::ConnectOptions() {
   options.OnBrowse = [this] {
     return world.dialogs.OpenFile(u"Parameterfile"_s, module.Inipath, u"Alle Dateien (*.*)|*.*"_s);
   };
-  options.DeviceOfPort = world.deviceOfPort;
+  options.DeviceOfPort = [this](int number) { return world.ports.Shown(number); };
 }
 
 void Desktop::ShowOptions(int page) {

@@ -17,6 +17,7 @@
 #include "core/Wiring.h"
 #include "platform/Clock.h"
 #include "platform/Help.h"
+#include "platform/PortDirectory.h"
 #include "platform/SettingsStore.h"
 #include "ui/about/SystemInformation.h"
 #include "ui/about/frmSplash.h"
@@ -50,10 +51,10 @@ struct World {
   std::function<void(const QString& text)> printText;  ///< prints the report
   platform::FileDialogs& dialogs;
   platform::Help& help;
-  std::function<QString(int number)> deviceOfPort;  ///< "" when there is none
-  std::function<void()> print;                      ///< the Print command; empty: its item is disabled
-  QString selectionsFile;                           ///< path of the named selections
-  RecoveryWorld recovery;                           ///< of what is unsaved
+  platform::PortDirectory& ports;
+  std::function<void()> print;  ///< the Print command; empty: its item is disabled
+  QString selectionsFile;       ///< path of the named selections
+  RecoveryWorld recovery;       ///< of what is unsaved
   std::function<QByteArray(const ListTable& table)> tablePdf{};  ///< a document of the printed table
   std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
   SafeWorld safe{};                                              ///< of backups and unfinished sendings

@@ -9,6 +9,7 @@
 #include "cli/Cli.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFileSystem.h"
+#include "fakes/FakePortDirectory.h"
 #include "fakes/QtPrinters.h"
 #include "sim/Controller.h"
 #include "sim/SimulatedLine.h"
@@ -69,15 +70,7 @@ class CliTest : public testing::Test {
   int Run(const QStringList& arguments) {
     out.str({});
     err.str({});
-    World world{out,
-                err,
-                settings,
-                files,
-                line,
-                clock,
-                u"/programm"_s,
-                [this](int number, const QString& device) { devices[number] = device; },
-                [this] { return interrupted; },
+    World world{out, err, settings, files, line, clock, u"/programm"_s, ports, [this] { return interrupted; },
                 safe};
     return cli::Run(arguments, world);
   }
@@ -93,7 +86,7 @@ class CliTest : public testing::Test {
   sim::Faults faults;
   sim::LineModel model{*controller, faults};
   sim::SimulatedLine line{clock, model};
-  QMap<int, QString> devices;
+  test::FakePortDirectory ports;
   bool interrupted = false;
   SafeWorld safe{test::Native(u"/zustand"_s),
                  u"1.2.3"_s,

@@ -200,7 +200,7 @@ TEST_F(CliTest, ASettingThatIsNoNumberIsReportedAndTheDefaultUsed) {
 TEST_F(CliTest, PortIsANumberOrADeviceForTheSelectedNumber) {
   settings.values[u"Settings/Schnittstelle"_s] = u"5"_s;
   EXPECT_EQ(Run({u"identify"_s, u"--port"_s, u"/dev/pts/7"_s}), kDone);
-  EXPECT_EQ(devices, (QMap<int, QString>{{5, u"/dev/pts/7"_s}}));
+  EXPECT_EQ(ports.Overriding(5), u"/dev/pts/7");
   line.openable = false;
   EXPECT_EQ(Run({u"identify"_s, u"--port"_s, u"3"_s}), kNoTransfer);
   EXPECT_EQ(Err(), u"ERROR: COM 3 nicht verfügber\n"_s);

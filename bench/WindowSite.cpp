@@ -21,7 +21,7 @@ WindowSite::WindowSite(int parameters) {
                                                     [](const QString&) {},
                                                     dialogs,
                                                     help,
-                                                    [](int) { return QString(); },
+                                                    ports,
                                                     [] {},
                                                     {},
                                                     {}},

@@ -6,6 +6,7 @@
 
 #include "Site.h"
 #include "fakes/FakeHelp.h"
+#include "fakes/FakePortDirectory.h"
 #include "platform/FileDialogs.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/posix/SystemClock.h"
@@ -38,6 +39,7 @@ struct WindowSite {
   platform::QtEvents events;
   NoDialogs dialogs;
   test::FakeHelp help;
+  test::FakePortDirectory ports;
   print::NoPrinter printer{print::kLandscape};
   std::unique_ptr<ui::Desktop> desktop;
 };

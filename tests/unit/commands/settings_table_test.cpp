@@ -2,26 +2,14 @@
 #include "commands/SettingsTable.h"
 
 #include <gtest/gtest.h>
-#include <QMap>
 
 #include "fakes/FakeForms.h"
+#include "fakes/FakeSettingsStore.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::test {
 namespace {
-
-class FakeSettingsStore final : public platform::SettingsStore {
- public:
-  QMap<QString, QString> values;
-
-  QString Get(const QString& section, const QString& key, const QString& fallback) const override {
-    return values.value(section + u'/' + key, fallback);
-  }
-  void Save(const QString& section, const QString& key, const QString& value) override {
-    values[section + u'/' + key] = value;
-  }
-};
 
 struct Settings : testing::Test {
   FakeSettingsStore store;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fakes/FakeSettingsStore.h"
 #include "fakes/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
@@ -10,21 +11,8 @@ using namespace Qt::StringLiterals;
 namespace kalivor::platform {
 namespace {
 
-class FakeSettings final : public SettingsStore {
- public:
-  QMap<QString, QString> values;
-
-  [[nodiscard]] QString Get(const QString& section, const QString& key,
-                            const QString& fallback) const override {
-    return values.value(section + u'/' + key, fallback);
-  }
-  void Save(const QString& section, const QString& key, const QString& value) override {
-    values[section + u'/' + key] = value;
-  }
-};
-
 TEST(StoredDevices, ReadsTheSectionPorts) {
-  FakeSettings settings;
+  test::FakeSettingsStore settings;
   settings.values = {{u"Ports/COM1"_s, u"/dev/ttyUSB3"_s}, {u"Ports/COM4"_s, QString()},
                      {u"Ports/COM8"_s, u"/dev/x"_s},       {u"Ports/COM9"_s, u"/dev/y"_s},
                      {u"Ports/COM0"_s, u"/dev/z"_s},       {u"Settings/COM2"_s, u"/dev/w"_s}};

@@ -1,27 +1,14 @@
 #include "commands/PortCommands.h"
 
-#include <QRegularExpression>
 #include <algorithm>
 
+#include "platform/NetworkAddress.h"
 #include "platform/PortBinding.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor {
 namespace {
-
-// HOST:PORT, an IPv6 address in brackets.
-QString FaultOfNetworkLine(const QString& binding) {
-  static const QRegularExpression pattern(
-      u"^[a-z0-9]+://(\\[[0-9a-f:.]+(%[^]\\s]+)?\\]|[^][:/@?#\\s]+):([0-9]{1,5})\\z"_s,
-      QRegularExpression::CaseInsensitiveOption);
-  constexpr int kLargestPort = 65535;
-  const QRegularExpressionMatch match = pattern.match(binding);
-  const int port = match.captured(3).toInt();
-  if (match.hasMatch() && port >= 1 && port <= kLargestPort) return {};
-  return u"Eine Netzwerkadresse lautet socket://RECHNER:PORT oder rfc2217://RECHNER:PORT mit einem Port von "
-         u"1 bis 65535."_s;
-}
 
 QString FaultOfDevice(const QString& binding) {
   if (binding != binding.trimmed()) return u"Vor oder hinter dem Gerät steht ein Leerzeichen."_s;
@@ -37,7 +24,7 @@ QString FaultOf(const QString& binding) {
     return u"Die Angabe enthält Steuerzeichen."_s;
   switch (platform::KindOf(binding)) {
     case platform::BindingKind::Network:
-      return FaultOfNetworkLine(binding);
+      return platform::ParseNetworkAddress(binding).fault;
     case platform::BindingKind::Usb:
       if (platform::UsbPortOf(binding)) return {};
       return u"Ein Adapter lautet usb:HERSTELLER:PRODUKT:SERIENNUMMER:ANSCHLUSS, zum Beispiel "

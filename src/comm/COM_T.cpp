@@ -27,9 +27,6 @@ constexpr int kPatientTime_ms = 1200;
 // An exchange takes so many of these times at most, however often an echo comes.
 constexpr int kMostTimeOuts = 3;
 
-// Header, mark, checksum and line end.
-constexpr qsizetype kShortestReply = 9;
-
 // The start character of a request, by which its echo is known.
 QChar EchoStart(qint16 protocol) {
   return protocol == 18 ? QChar(2) : QChar(u'#');
@@ -43,15 +40,16 @@ bool IsTerminator(QChar c) {
   return c >= kLineFeed && c <= kCarriageReturn;
 }
 
-// Two hexadecimal digits of the sum of all character codes.
-QString Checksum(QStringView characters) {
+}  // namespace
+
+QString TelegramSum(QStringView characters) {
   qint16 sum = 0;
   for (const QChar c : characters)
     sum = ToInt16(sum + ByteFromCharacter(c));
   return su::HexPad(sum, 2);
 }
 
-QString ReplyCodeText(const QString& code) {
+QString RefusalText(const QString& code) {
   if (code == u"02") return u" Code 02 Falscher Serialmode"_s;
   if (code == u"04") return u" Code 04 Falsches Kennzeichen"_s;
   if (code == u"05") return u" Code 05 Falsche Anzahl Parameter"_s;
@@ -60,7 +58,6 @@ QString ReplyCodeText(const QString& code) {
   return u" Code "_s + code;
 }
 
-// The German text of a line error, empty for any other event.
 QString LineErrorText(int event) {
   switch (event) {
     case platform::kCommEventBreak:
@@ -84,8 +81,6 @@ QString LineErrorText(int event) {
   }
 }
 
-}  // namespace
-
 QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int maxTries) {
   QString result = Transact(slot, body, wantReply);
   for (int tries = 1; IsError(result) && tries < maxTries; ++tries) {
@@ -98,7 +93,7 @@ QString COM_T::SendWithRetry(qint16 slot, QStringView body, bool wantReply, int 
 QString COM_T::Frame(qint16 slot, QStringView body) {
   QString frame = u'#' + su::HexPad(host_.Ports[slot].Adr, 2) + u"02"_s;
   frame += body;
-  frame += Checksum(frame) + kCarriageReturn;
+  frame += TelegramSum(frame) + kCarriageReturn;
   return frame;
 }
 
@@ -117,9 +112,10 @@ QString COM_T::PayloadOf(const QString& reply) {
   if (IsError(reply)) return reply;
   if (reply.size() < kShortestReply) return u"ERROR: unvollständige Antwort: "_s + reply;
   // An error reply counts as such even when its checksum is wrong.
-  if (reply.at(5) == u'?') return u"ERROR: "_s + ReplyCodeText(reply.mid(6, 2));
+  if (reply.at(5) == u'?') return u"ERROR: "_s + RefusalText(reply.mid(6, 2));
   const QStringView summed = QStringView(reply).chopped(3);
-  if (Checksum(summed) != QStringView(reply).sliced(summed.size(), 2)) return u"ERROR:  Checksumme Falsch"_s;
+  if (TelegramSum(summed) != QStringView(reply).sliced(summed.size(), 2))
+    return u"ERROR:  Checksumme Falsch"_s;
   return summed.mid(6).toString();
 }
 
@@ -240,7 +236,9 @@ QString COM_T::ReceiveRaw() {
 }
 
 QString COM_T::WithLineError(const QString& result, const QString& reply) {
-  const QString text = LineErrorText(host_.Control().CommEvent());
+  const int event = host_.Control().CommEvent();
+  const QString text = LineErrorText(event);
+  if (!text.isEmpty()) host_.Exchanges.LineError(event);
   return text.isEmpty() ? result : result + u" ("_s + reply + u") "_s + text;
 }
 

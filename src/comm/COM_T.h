@@ -7,6 +7,18 @@
 
 namespace kalivor {
 
+/// A reply's characters at least: header, mark, checksum and line end.
+inline constexpr qsizetype kShortestReply = 9;
+
+/// Two hexadecimal digits of the sum of all character codes.
+[[nodiscard]] QString TelegramSum(QStringView characters);
+
+/// What the user reads about a refusal with this code of two characters, with a blank in front.
+[[nodiscard]] QString RefusalText(const QString& code);
+
+/// The same about a line error (a kCommEvent… number), with a blank in front; "" for any other event.
+[[nodiscard]] QString LineErrorText(int event);
+
 /// A request is "#", the station address, "02", a body, a checksum and a carriage return. Every failure is a
 /// returned text that begins "ERROR: ".
 class COM_T {

@@ -53,6 +53,7 @@ void ExchangeLog::Begin(const PortRecord& port, QStringView frame) {
   }
   exchange.received.Clear();
   exchange.answer_s = 0;
+  exchange.lineError = 0;
   exchange.end = ExchangeEnd::Good;
   exchange.failure.clear();
   exchange.fault.clear();
@@ -75,7 +76,8 @@ void ExchangeLog::End(const QString& reply, bool portOpen, const QString& fault)
 }
 
 void ExchangeLog::Judge(const QString& result) {
-  if (!IsError(result)) return;
+  // Without an exchange there is nothing to judge: a protocol that sends nothing has no reply either.
+  if (!IsError(result) || settled_ == begun_) return;
   Exchange& exchange = Newest();
   exchange.failure = result;
   if (exchange.end == ExchangeEnd::Good) exchange.end = EndOf(exchange);

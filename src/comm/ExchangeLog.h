@@ -52,6 +52,7 @@ struct Exchange {
   qint16 address = 0;  ///< of the station
   int attempt = 1;     ///< from 1 on, for the same question
   ExchangeEnd end = ExchangeEnd::Good;
+  int lineError = 0;  ///< that the port has reported (a kCommEvent… number); 0: none, or none was asked for
   KeptCharacters<32> request;
   KeptCharacters<160> received;  ///< all of it, the echo of the request too
   QString settings;              ///< of the line: "9600,o,7,1"
@@ -79,6 +80,7 @@ class ExchangeLog {
 
   void Begin(const PortRecord& port, QStringView frame);
   void Received(QByteArrayView characters);
+  void LineError(int event) { Newest().lineError = event; }
 
   /// The exchange is over: `reply` is what the telegram layer returns; `fault` what the port says about
   /// itself.

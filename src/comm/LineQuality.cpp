@@ -19,8 +19,10 @@ void LineQuality::Count(const Exchange& exchange) {
       ++noPort;
       break;
     case ExchangeEnd::Silent:
-    case ExchangeEnd::EchoOnly:
       ++silent;
+      break;
+    case ExchangeEnd::EchoOnly:
+      ++echoOnly;
       break;
     case ExchangeEnd::Damaged:
       ++damaged;

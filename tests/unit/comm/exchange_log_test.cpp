@@ -136,6 +136,32 @@ TEST_F(Exchanges, AReplyOfAnotherLengthIsNoGoodOne) {
   EXPECT_EQ(Newest().failure, u"ERROR: unerwartete Antwort: 04D2F");
 }
 
+TEST_F(Exchanges, WithoutAnExchangeNothingIsJudged) {
+  log.Judge(u"ERROR: kein Empfang"_s);
+  EXPECT_EQ(log.Count(), 0);
+  line.Expect(kRead).Reply(Answer("04D2"));
+  Read();
+  log.Judge(u"ERROR: kein Empfang"_s);
+  EXPECT_EQ(Newest().end, ExchangeEnd::Good) << "what has been counted does not change any more";
+}
+
+TEST_F(Exchanges, LineErrorsAreKept) {
+  line.Expect(kRead).Event(platform::kCommEventParity, 10);
+  Read();
+  EXPECT_EQ(Newest().lineError, platform::kCommEventParity);
+  line.Expect(kRead).Reply(Answer("04D2"));
+  Read();
+  EXPECT_EQ(Newest().lineError, 0);
+}
+
+TEST_F(Exchanges, AnEchoAloneIsCountedApart) {
+  line.Expect(kRead).Reply(kRead);
+  Read();
+  EXPECT_EQ(log.SinceStart().echoOnly, 1);
+  EXPECT_EQ(log.SinceStart().silent, 0);
+  EXPECT_EQ(log.SinceStart().Failed(), 1);
+}
+
 TEST_F(Exchanges, EachIsToldOnceWhenItIsSettled) {
   std::vector<qint64> told;
   log.OnSettled = [&told](const Exchange& exchange) { told.push_back(exchange.number); };

@@ -47,6 +47,7 @@ void LineModel::Answer(double time, double character_s) {
   if (response.fault) OnTrace({time, TraceEvent::Kind::Fault, {}, FaultName(*response.fault)});
 
   double arrival = time;
+  QByteArray sent;
   for (const Chunk& chunk : response.chunks) {
     arrival = std::max(arrival + chunk.pause_ms / 1000.0, replyFree_);
     for (const char byte : chunk.bytes) {
@@ -54,7 +55,12 @@ void LineModel::Answer(double time, double character_s) {
       Schedule(arrival, byte);
     }
     replyFree_ = arrival;
-    OnTrace({arrival, TraceEvent::Kind::Reply, chunk.bytes, {}});
+    sent += chunk.bytes;
+  }
+  if (!sent.isEmpty()) {
+    OnTrace({arrival, TraceEvent::Kind::Reply, sent, {}});
+  } else if (!response.unplug) {
+    OnTrace({time, TraceEvent::Kind::NoReply, {}, {}});
   }
   if (response.unplug) {
     unplugTime_ = arrival;

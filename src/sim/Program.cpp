@@ -3,7 +3,9 @@
 
 #include <QFileInfo>
 #include <QSaveFile>
+#include <optional>
 
+#include "core/TelegramText.h"
 #include "core/ValueFileFormat.h"
 #include "platform/plain/FileError.h"
 #include "sim/Station.h"
@@ -54,27 +56,41 @@ void WriteDump(const QString& path, const Memory& memory) {
                  (QFileInfo(path).isDir() ? DescribeWriting(platform::FileError::IsFolder, 0) : reason)};
 }
 
-QString TraceLine(double seconds, const TraceEvent& event) {
-  const QString time = QString::number(seconds, 'f', 6).rightJustified(13);
-  // Control characters as their symbols; a carriage return becomes "␍".
-  QString bytes = QString::fromLatin1(event.bytes);
-  for (QChar& c : bytes) {
-    if (c < u' ') c = QChar(0x2400 + c.unicode());
+// Writes what a trace shows, in the words that the PC's trace has for it.
+class Trace {
+ public:
+  /// `console` must outlive it.
+  Trace(const Console& console, const Module1& module)
+      : console_(console), reader_(module), version_(reader_.Version()), start_(Line::Seconds()) {}
+
+  void Show(const TraceEvent& event) {
+    if (event.kind == TraceEvent::Kind::Request) request_ = event.bytes;
+    console_.error(QString::number(event.time - start_, 'f', 6).rightJustified(13) + u"  "_s + Text(event));
   }
-  switch (event.kind) {
-    case TraceEvent::Kind::Request:
-      return time + u"  PC     > "_s + bytes;
-    case TraceEvent::Kind::Reply:
-      return time + u"  Regler < "_s + bytes;
-    case TraceEvent::Kind::Fault:
-      return time + u"  Störung: "_s + event.fault;
-    case TraceEvent::Kind::NoReply:
-      return time + u"  keine Antwort"_s;
-    case TraceEvent::Kind::Unplug:
-      return time + u"  Leitung getrennt"_s;
+
+ private:
+  [[nodiscard]] QString Text(const TraceEvent& event) const {
+    switch (event.kind) {
+      case TraceEvent::Kind::Request:
+        return RequestLine(ShownCharacters(event.bytes), reader_.RequestText(event.bytes, version_));
+      case TraceEvent::Kind::Reply:
+      case TraceEvent::Kind::NoReply:
+        return ReplyLine(ShownCharacters(event.bytes),
+                         reader_.ReplyText(request_, event.bytes, version_).text);
+      case TraceEvent::Kind::Fault:
+        return u"Störung: "_s + event.fault;
+      case TraceEvent::Kind::Unplug:
+        return u"Leitung getrennt"_s;
+    }
+    return {};
   }
-  return {};
-}
+
+  const Console& console_;
+  TelegramReader reader_;
+  QString version_;
+  double start_;
+  QByteArray request_;  // the last one: a reply says nothing without it
+};
 
 // Opens the line and answers on it until the user ends the program or the line vanishes.
 void Serve(const Arguments& arguments, const Console& console, Line& line) {
@@ -98,10 +114,10 @@ void Simulate(const Arguments& arguments, platform::FileSystem& files, const Con
     faults.Add(rule);
   LineModel model(*station.controller, faults, arguments.line);
   model.SetOther(*station.other);
+  std::optional<Trace> trace;
   if (arguments.trace) {
-    model.OnTrace = [&console, start = Line::Seconds()](const TraceEvent& event) {
-      console.error(TraceLine(event.time - start, event));
-    };
+    trace.emplace(console, station.module);
+    model.OnTrace = [&trace](const TraceEvent& event) { trace->Show(event); };
   }
   const std::unique_ptr<Line> line = makeLine(model, arguments);
   Serve(arguments, console, *line);

@@ -283,5 +283,20 @@ TEST_F(LineModelTest, TracesRequestsRepliesFaultsAndSilence) {
   EXPECT_EQ(events[5].fault, u"unplug"_s);
 }
 
+TEST_F(LineModelTest, TracesAReplyInOnePieceAndASilentOneAsNone) {
+  std::vector<TraceEvent> events;
+  Line().OnTrace = [&events](const TraceEvent& event) { events.push_back(event); };
+  faults.Plan(1, {FaultKind::Split, 0, {}});
+  faults.Plan(2, {FaultKind::Silent, 0, {}});
+  Line().Receive(1, kRequest, 9600);
+  Line().Receive(2, kRequest, 9600);
+  using Kind = TraceEvent::Kind;
+  ASSERT_EQ(events.size(), 6U);
+  EXPECT_EQ(events[2].kind, Kind::Reply);
+  EXPECT_EQ(events[2].bytes, kReply);
+  EXPECT_NEAR(events[2].time, 1 + kSplitPause_ms / 1000.0, 1e-9);
+  EXPECT_EQ(events[5].kind, Kind::NoReply);
+}
+
 }  // namespace
 }  // namespace kalivor::sim

@@ -183,9 +183,10 @@ TEST_F(ProgramTest, TracesEveryTelegramWithItsTime) {
     EXPECT_GT(line.left(13).trimmed().toDouble(), 0) << line.toStdString();
     EXPECT_EQ(line.mid(13, 2), u"  "_s);
   }
-  EXPECT_EQ(lines[0].mid(15), u"PC     > #0102v00BC␍"_s);
+  EXPECT_EQ(lines[0].mid(15), u"PC     > #0102v00BC␍         Gerät 1: Versionsabfrage"_s);
   EXPECT_EQ(lines[1].mid(15), u"Störung: error-04"_s);
-  EXPECT_EQ(lines[2].mid(15), u"Regler < "_s + QString::fromLatin1(Sealed("10102?04")).chopped(1) + u'␍');
+  EXPECT_EQ(lines[2].mid(15), u"Regler < "_s + QString::fromLatin1(Sealed("10102?04")).chopped(1) +
+                                  u"␍         Abgelehnt: Code 04 Falsches Kennzeichen"_s);
 }
 
 TEST_F(ProgramTest, EndsWhenAFaultUnplugsTheLine) {

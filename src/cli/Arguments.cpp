@@ -111,6 +111,7 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--address", TakeAddress},
     {u"--load", TakeText<&Arguments::load>},
     {u"--save", TakeText<&Arguments::save>},
+    {u"--trace", TakeText<&Arguments::trace>},
     {u"--set", TakeSet},
     {u"--check", TakeMark<true>},
     {u"--uncheck", TakeMark<false>},
@@ -272,6 +273,7 @@ Optionen (vor oder nach dem Befehl):
   --check WAS                ankreuzen: all, Nummer, Variable oder group=RUBRIK (mehrfach)
   --uncheck WAS              Kreuz entfernen, ebenso
   --answer first | second    Antwort auf die nächste Frage (mehrfach)
+  --trace DATEI              jedes Telegramm mit seiner Bedeutung in diese Datei schreiben
   --landscape                Querformat (pages, print)
   --status-path TEXT         Dateipfad in der Fußzeile (pages)
   --date JJJJ-MM-TT          Datum in der Fußzeile oder im Kopf (pages, list)

@@ -54,6 +54,7 @@ struct Arguments {
   std::optional<qint16> address;  ///< 0..255
   std::optional<QString> load;
   std::optional<QString> save;
+  std::optional<QString> trace;
   bool landscape = false;  ///< of `pages` and `print`, like those that follow here
   std::optional<QString> statusPath;
   std::optional<QDate> date;

@@ -10,6 +10,7 @@
 #include "cli/Output.h"
 #include "cli/SafeRuns.h"
 #include "cli/TextForms.h"
+#include "cli/TraceFile.h"
 #include "commands/EventBoundary.h"
 #include "commands/SettingsTable.h"
 #include "commands/StartUp.h"
@@ -59,6 +60,7 @@ class Session {
   int Run(const Command& command) {
     LoadSettings(module_, world_.settings, box_, world_.programFolder);
     TakeSettings();
+    if (arguments_.trace) BeginTrace();
     if (command.needs == Needs::Nothing) return (this->*command.run)();
     LoadDefinitions();
     if (arguments_.load) LoadValues();
@@ -189,6 +191,16 @@ class Session {
     }
     TakeRunSettings(module_, run);
     if (!device.isEmpty()) world_.ports.Override(module_.Schnittstelle, device);
+  }
+
+  // A run whose trace cannot be kept does not begin: it may not come back.
+  void BeginTrace() {
+    trace_.emplace(TraceFile::World{module_, wiring_.host.Exchanges, world_.files, world_.clock, box_},
+                   *arguments_.trace);
+    const QString failure = trace_->Open();
+    if (failure.isEmpty()) return;
+    core_.box.Show(failure);
+    throw BadInput{};
   }
 
   // Whatever cannot be read is said in a box.
@@ -347,6 +359,7 @@ class Session {
   Report report_;
   Wiring wiring_;
   Core& core_ = wiring_.core;
+  std::optional<TraceFile> trace_;
   int boxesBefore_ = 0;  // that were shown before the selected version was read
 };
 

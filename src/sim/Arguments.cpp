@@ -122,7 +122,7 @@ Gerät, das wie eine serielle Schnittstelle geöffnet wird. Strg+C beendet das P
                          noise, error-NN, wrong-length, echo-only, unplug,
                          foreign-reply, ignore-write; oder swap:N
   --seed N               Startwert für die Störungen: gleicher Wert, gleicher Ablauf
-  --trace                jedes Telegramm mit Zeit auf der Fehlerausgabe
+  --trace                jedes Telegramm mit Zeit und Bedeutung auf der Fehlerausgabe
   --help                 diese Hilfe
   --program-version      Name und Version des Programms)"_s;
 }

@@ -23,16 +23,19 @@ BindingKind KindOf(const QString& binding) {
 }
 
 QString BindingTo(const UsbPort& port) {
-  return u"usb:%1:%2:%3:%4"_s.arg(port.vendor, port.product, port.serialNumber,
-                                  QString::number(port.interfaceNumber));
+  const QString text = u"usb:%1:%2:%3:%4"_s.arg(port.vendor, port.product, port.serialNumber,
+                                                QString::number(port.interfaceNumber));
+  return port.portNumber == 0 ? text : text + u'.' + QString::number(port.portNumber);
 }
 
 std::optional<UsbPort> UsbPortOf(const QString& binding) {
-  static const QRegularExpression pattern(u"^usb:([0-9a-f]{4}):([0-9a-f]{4}):(.*\\S.*):([0-9]{1,3})\\z"_s,
-                                          QRegularExpression::CaseInsensitiveOption);
+  static const QRegularExpression pattern(
+      u"^usb:([0-9a-f]{4}):([0-9a-f]{4}):(.*\\S.*):([0-9]{1,3})(?:\\.([0-9]{1,3}))?\\z"_s,
+      QRegularExpression::CaseInsensitiveOption);
   const QRegularExpressionMatch match = pattern.match(binding);
   if (!match.hasMatch()) return {};
-  return UsbPort{match.captured(1), match.captured(2), match.captured(3), match.captured(4).toInt()};
+  return UsbPort{match.captured(1), match.captured(2), match.captured(3), match.captured(4).toInt(),
+                 match.captured(5).toInt()};
 }
 
 QString BindingToPlace(const QString& place) {

@@ -12,6 +12,7 @@ struct UsbPort {
   QString product;       ///< four hexadecimal digits
   QString serialNumber;  ///< not empty
   int interfaceNumber = 0;
+  int portNumber = 0;  ///< of several behind the same interface
 
   bool operator==(const UsbPort&) const = default;
 };
@@ -27,14 +28,14 @@ enum class BindingKind {
 
 [[nodiscard]] BindingKind KindOf(const QString& binding);
 
-/// "usb:0403:6001:A12345:0"
+/// "usb:0403:6001:A12345:0"; another than the first port behind the interface: "usb:0403:6001:A12345:0.1"
 [[nodiscard]] QString BindingTo(const UsbPort& port);
 
 /// The adapter that a binding of the kind Usb names; none where the text is no such binding. The serial
 /// number may hold colons.
 [[nodiscard]] std::optional<UsbPort> UsbPortOf(const QString& binding);
 
-/// "ort:1-1.2:1.0"
+/// "ort:0000:00:14.0-1.2:1.0"
 [[nodiscard]] QString BindingToPlace(const QString& place);
 
 /// The place that a binding of the kind Place names; "" where the text is no such binding.

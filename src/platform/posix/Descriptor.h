@@ -24,6 +24,9 @@ class Descriptor {
   [[nodiscard]] bool Valid() const { return fd_ >= 0; }
   [[nodiscard]] int Get() const { return fd_; }
 
+  /// Gives it away.
+  [[nodiscard]] int Release() { return std::exchange(fd_, -1); }
+
   void Close() {
     // An interrupted close has released the descriptor all the same: trying again could hit somebody else's.
     if (fd_ >= 0) ::close(fd_);

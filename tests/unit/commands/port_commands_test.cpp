@@ -42,7 +42,7 @@ TEST_F(PortCommands, WhatCannotBeStoredHoldsForThisRun) {
 TEST_F(PortCommands, WhatCanBeABindingHasNoFault) {
   for (const QString& binding :
        {QString(), u"/dev/ttyUSB0"_s, u"/dev/my line"_s, u"COM12"_s, u"usb:0403:6001:A12345:0"_s,
-        u"ort:1-1.2:1.0"_s, u"socket://192.0.2.7:4001"_s, u"rfc2217://schrank-3.example:1"_s,
+        u"ort:0000:00:14.0-1.2:1.0"_s, u"socket://192.0.2.7:4001"_s, u"rfc2217://schrank-3.example:1"_s,
         u"RFC2217://[fe80::1%eth0]:65535"_s}) {
     EXPECT_EQ(FaultOf(binding), QString()) << binding.toStdString();
   }

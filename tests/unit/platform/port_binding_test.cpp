@@ -24,7 +24,7 @@ TEST(PortBinding, ItsBeginningSaysOfWhichKindItIs) {
                {u"SOCKET://host:1"_s, BindingKind::Network},
                {u"rfc2217://[::1]:1"_s, BindingKind::Network},
                {u"usb:0403:6001:A12345:0"_s, BindingKind::Usb},
-               {u"ort:1-1.2:1.0"_s, BindingKind::Place}};
+               {u"ort:0000:00:14.0-1.2:1.0"_s, BindingKind::Place}};
   for (const auto& [binding, kind] : cases)
     EXPECT_EQ(KindOf(binding), kind) << binding.toStdString();
 }
@@ -32,6 +32,12 @@ TEST(PortBinding, ItsBeginningSaysOfWhichKindItIs) {
 TEST(PortBinding, AnAdapterIsWrittenAndRead) {
   const UsbPort port{u"0403"_s, u"6011"_s, u"A12345"_s, 3};
   EXPECT_EQ(BindingTo(port), u"usb:0403:6011:A12345:3"_s);
+  EXPECT_EQ(UsbPortOf(BindingTo(port)), port);
+}
+
+TEST(PortBinding, AnInterfaceMayHaveSeveralPorts) {
+  const UsbPort port{u"110a"_s, u"1410"_s, u"A1"_s, 0, 3};
+  EXPECT_EQ(BindingTo(port), u"usb:110a:1410:A1:0.3"_s);
   EXPECT_EQ(UsbPortOf(BindingTo(port)), port);
 }
 
@@ -52,8 +58,8 @@ TEST(PortBinding, WhatIsIncompleteNamesNoAdapter) {
 }
 
 TEST(PortBinding, APlaceIsWrittenAndRead) {
-  EXPECT_EQ(BindingToPlace(u"1-1.2:1.0"_s), u"ort:1-1.2:1.0"_s);
-  EXPECT_EQ(PlaceOf(u"ort:1-1.2:1.0"_s), u"1-1.2:1.0"_s);
+  EXPECT_EQ(BindingToPlace(u"0000:00:14.0-1.2:1.0"_s), u"ort:0000:00:14.0-1.2:1.0"_s);
+  EXPECT_EQ(PlaceOf(u"ort:0000:00:14.0-1.2:1.0"_s), u"0000:00:14.0-1.2:1.0"_s);
   EXPECT_EQ(PlaceOf(u"/dev/ort:1"_s), QString());
 }
 

@@ -7,6 +7,7 @@
 #include "cli/Arguments.h"
 #include "cli/Cli.h"
 #include "cli/System.h"
+#include "platform/net/LineSwitch.h"
 #include "platform/plain/FileLocks.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/plain/LastResort.h"
@@ -50,7 +51,9 @@ int main(int argc, char** argv) {
   platform::native::FileSystem files;
   platform::native::Clock clock;
   platform::native::SerialPorts devices(platform::StoredDevices(settings));
-  platform::native::SerialControl line([&devices](int number) { return devices.Device(number); });
+  const auto deviceOf = [&devices](int number) { return devices.Device(number); };
+  platform::native::SerialControl port(deviceOf);
+  platform::LineSwitch line(port, deviceOf);
   platform::FileLocks locks;
   SafeWorld safe;
   safe.stateFolder = platform::native::StateFolder();

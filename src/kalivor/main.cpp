@@ -13,6 +13,7 @@
 #include "kalivor/Arguments.h"
 #include "kalivor/Demo.h"
 #include "kalivor/System.h"
+#include "platform/net/LineSwitch.h"
 #include "platform/plain/FileLocks.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/plain/LastResort.h"
@@ -47,12 +48,13 @@ struct Process {
         settings(demo != nullptr ? platform::IniSettingsStore(demo->SettingsFile())
                                  : platform::IniSettingsStore()),
         devices(platform::StoredDevices(settings)),
-        port([this](int number) { return devices.Device(number); }) {
+        port([this](int number) { return devices.Device(number); }),
+        line(port, [this](int number) { return devices.Device(number); }) {
     // What a demonstration leaves goes with it, the backups below this folder too.
     if (demo != nullptr) settings.Save(u"Settings"_s, u"Userpath"_s, demo->StateFolder());
   }
 
-  [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : port; }
+  [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : line; }
 
   [[nodiscard]] platform::PortDirectory& Ports() {
     return demo != nullptr ? demo->Ports() : static_cast<platform::PortDirectory&>(devices);
@@ -79,6 +81,7 @@ struct Process {
   platform::native::FileSystem files;
   platform::native::SerialPorts devices;
   platform::native::SerialControl port;
+  platform::LineSwitch line;
   platform::native::Clock clock;
   platform::QtEvents events;
   platform::QtFileDialogs dialogs;

@@ -42,6 +42,7 @@ const std::vector<Layer>& Layers() {
         {u"platform/plain"_s, {u"platform"_s}},
         {u"platform/posix"_s, {u"platform"_s, u"platform/plain"_s}, true},
         {u"platform/win32"_s, {u"platform"_s, u"platform/plain"_s}, true},
+        {u"platform/net"_s, {u"platform"_s, u"platform/plain"_s}, true},
         {u"platform/gui"_s, {}, false, true},
         {u"platform/qt"_s, {u"platform"_s, u"platform/gui"_s, u"base"_s}, false, true},
         {u"base"_s, {u"platform"_s}},
@@ -54,8 +55,10 @@ const std::vector<Layer>& Layers() {
         {u"print"_s, print, false, true},
         {u"ui"_s, ui, false, true},
         {u"sim"_s, commands + real, true, false, true},
-        {u"cli"_s, painter + real + QStringList{u"commands"_s, u"check"_s, u"print/painter"_s}},
-        {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s}, false, true},
+        {u"cli"_s,
+         painter + real + QStringList{u"commands"_s, u"check"_s, u"platform/net"_s, u"print/painter"_s}},
+        {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s, u"platform/net"_s}, false,
+         true},
     };
   }();
   return layers;

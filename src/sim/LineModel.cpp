@@ -35,15 +35,19 @@ void LineModel::ReceiveCharacter(double time, char byte, bool understood, double
 // The controller has one transmitter: a reply waits until the one before is out.
 void LineModel::Answer(double time, double character_s) {
   OnTrace({time, TraceEvent::Kind::Request, request_, {}});
-  Controller& controller = faults_.Swapped() && other_ != nullptr ? *other_ : controller_;
-  const std::optional<QByteArray> reply = controller.Reply(request_);
+  Controller* controller = faults_.Swapped() && other_ != nullptr ? other_ : &controller_;
+  std::optional<QByteArray> reply = controller->Reply(request_);
+  for (auto next = beside_.cbegin(); !reply && next != beside_.cend(); ++next) {
+    controller = *next;
+    reply = controller->Reply(request_);
+  }
   if (!reply) {
     OnTrace({time, TraceEvent::Kind::NoReply, {}, {}});
     return;
   }
   Response response = faults_.Apply(request_, *reply, options_.echo);
   OnResponse(request_, response);
-  if (response.ignoresWrite) controller.ForgetWrite();
+  if (response.ignoresWrite) controller->ForgetWrite();
   if (response.fault) OnTrace({time, TraceEvent::Kind::Fault, {}, FaultName(*response.fault)});
 
   double arrival = time;

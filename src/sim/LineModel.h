@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "sim/Controller.h"
 #include "sim/Faults.h"
@@ -43,6 +44,9 @@ class LineModel {
   /// It must outlive the model.
   void SetOther(Controller& other) { other_ = &other; }
 
+  /// Another controller on the same line: it answers what those before it do not. It must outlive the model.
+  void AddBeside(Controller& controller) { beside_.push_back(&controller); }
+
   /// The PC sends bytes at `baud`. Their wire time starts now, or when the bytes before them are through.
   /// A "#" begins a new request; a carriage return completes it.
   void Receive(double now, QByteArrayView bytes, int baud);
@@ -80,6 +84,7 @@ class LineModel {
 
   Controller& controller_;
   Controller* other_ = nullptr;
+  std::vector<Controller*> beside_;
   Faults& faults_;
   LineOptions options_;
   QByteArray request_;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace kalivor::sim {
 namespace {
 
@@ -24,7 +26,11 @@ bool SimulatedLine::Open(int /*number*/, const QString& settings) {
   const int baud = settings.section(u',', 0, 0).toInt();
   Close();
   event_ = platform::kCommEventNone;
-  if (!openable || baud <= 0 || Gone()) return false;
+  fault_.clear();
+  if (!openable || baud <= 0 || Gone()) {
+    fault_ = u"Die simulierte Leitung ist nicht zu öffnen."_s;
+    return false;
+  }
   (void)model_.TakeDue(Now());
   baud_ = baud;
   open_ = true;
@@ -82,7 +88,10 @@ platform::InputWait SimulatedLine::WaitForInput(double seconds) {
   for (;;) {
     Settle();
     if (!input_.isEmpty()) return platform::InputWait::Input;
-    if (!open_ || Gone()) return platform::InputWait::LineGone;
+    if (!open_ || Gone()) {
+      if (open_) fault_ = u"Die simulierte Leitung ist weg."_s;
+      return platform::InputWait::LineGone;
+    }
     const double now = Now();
     if (now + kRounding_s >= end) {
       // However short it is, the time passes: the caller may wait for the rest of its own again.

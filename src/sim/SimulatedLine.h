@@ -41,6 +41,7 @@ class SimulatedLine final : public platform::SerialControl {
   [[nodiscard]] QByteArray Input() override;
   [[nodiscard]] platform::InputWait WaitForInput(double seconds) override;
   [[nodiscard]] int CommEvent() override;
+  [[nodiscard]] QString Fault() const override { return fault_; }
 
  private:
   double Now();
@@ -55,6 +56,7 @@ class SimulatedLine final : public platform::SerialControl {
   int sendThreshold_ = 0;
   bool sendEventDue_ = false;
   int event_ = platform::kCommEventNone;
+  QString fault_;
   QByteArray input_;
   double passed_ = 0;     // seconds since the first look at the clock, without its backward jumps
   double lastLook_ = -1;  // seconds since midnight

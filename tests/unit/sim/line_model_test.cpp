@@ -260,6 +260,30 @@ TEST_F(LineModelTest, LetsTheCallerChangeAResponse) {
   EXPECT_EQ(AllBytes(), "changed");
 }
 
+TEST_F(LineModelTest, ControllersBesideAnswerWhatIsForThem) {
+  Memory otherMemory;
+  otherMemory.SetWord(0x1F00, 0x0DEF);
+  Controller other(otherMemory, 2, FixedText<2>(u"WR"_s), "HZL-0079");
+  Line().AddBeside(other);
+  Line().Receive(1, kRequest, 9600);
+  EXPECT_EQ(AllBytes(), kReply);
+  Line().Receive(2, Sealed("#0202R1F00"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10202R0DEF"));
+  Line().Receive(3, Sealed("#0302R1F00"), 9600);
+  EXPECT_EQ(AllBytes(), "");
+}
+
+TEST_F(LineModelTest, AForgottenWriteIsThatOfTheControllerBeside) {
+  Memory otherMemory;
+  otherMemory.SetWord(0x1F00, 1);
+  Controller other(otherMemory, 2, FixedText<2>(u"WR"_s), "HZL-0079");
+  Line().AddBeside(other);
+  faults.Plan(1, {FaultKind::IgnoreWrite, 0, {}});
+  Line().Receive(1, Sealed("#0202W1F000002"), 9600);
+  EXPECT_EQ(AllBytes(), Sealed("10202W"));
+  EXPECT_EQ(otherMemory.Word(0x1F00), 1);
+}
+
 TEST_F(LineModelTest, TracesRequestsRepliesFaultsAndSilence) {
   options.paced = true;
   std::vector<TraceEvent> events;

@@ -200,6 +200,22 @@ TEST_F(SimulatedLineTest, KeepsItsTimePastMidnightAndWhenTheClockIsSetBack) {
   }
 }
 
+TEST_F(SimulatedLineTest, SaysWhyItCannotBeOpenedOrIsGone) {
+  LineModel model(controller, faults);
+  SimulatedLine line(clock, model);
+  line.openable = false;
+  EXPECT_FALSE(line.Open(1, k9600));
+  const QString closed = line.Fault();
+  EXPECT_FALSE(closed.isEmpty());
+  line.openable = true;
+  ASSERT_TRUE(line.Open(1, k9600));
+  EXPECT_EQ(line.Fault(), QString());
+  line.Unplug();
+  EXPECT_EQ(line.WaitForInput(1), InputWait::LineGone);
+  EXPECT_FALSE(line.Fault().isEmpty());
+  EXPECT_NE(line.Fault(), closed);
+}
+
 TEST_F(SimulatedLineTest, ServesTheTelegramLayer) {
   LineModel model(controller, faults, {0, true, true});
   SimulatedLine line(clock, model);

@@ -51,6 +51,9 @@ class Progress {
   /// One more is done.
   void Done();
 
+  /// So many will not be done: there are fewer to do.
+  void Drop(int count) { total_ -= count; }
+
   /// Lets the window live where nothing is counted for a while. False once an abort was requested.
   [[nodiscard]] bool GoOn();
 

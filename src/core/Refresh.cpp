@@ -10,16 +10,6 @@
 namespace kalivor {
 namespace {
 
-// Fills the plant-type list. Every blank of `names` closes an entry, so the blank in front gives an empty
-// first one, and what stands behind the last blank is not taken over.
-void FillPlantTypes(SelectionList& list, const QString& names) {
-  list.Clear();
-  for (qsizetype start = 0, blank = names.indexOf(u' '); blank >= 0; blank = names.indexOf(u' ', start)) {
-    list.Add(names.sliced(start, blank - start));
-    start = blank + 1;
-  }
-}
-
 void SelectFirstPlantType(Core& core) {
   Module1& module = core.module;
   FillPlantTypes(module.PlantTypeList, module.VersionRow(module.VersionIndex).Anlagen);
@@ -88,6 +78,14 @@ void ReadSelectedAddresses(Core& core) {
     ReadAddressList(core.module, core.files, path);
   } catch (const RuntimeError& error) {
     core.box.Show(ReadFailure(path, error));
+  }
+}
+
+void FillPlantTypes(SelectionList& list, const QString& names) {
+  list.Clear();
+  for (qsizetype start = 0, blank = names.indexOf(u' '); blank >= 0; blank = names.indexOf(u' ', start)) {
+    list.Add(names.sliced(start, blank - start));
+    start = blank + 1;
   }
 }
 

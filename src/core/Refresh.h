@@ -18,6 +18,10 @@ void ReadVersions(Core& core);
 void ReadSelectedDefinitions(Core& core);
 void ReadSelectedAddresses(Core& core);
 
+/// Fills a list of plant types with the `names` of a version. Every blank closes an entry, so the blank in
+/// front gives an empty first one, and what stands behind the last blank is not taken over.
+void FillPlantTypes(SelectionList& list, const QString& names);
+
 /// Sets parameters 1..ParCount to their standard values, checked or not.
 void SetStandard(ParameterTable& table, ValueSource source = ValueSource::Standard);
 

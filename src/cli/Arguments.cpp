@@ -102,6 +102,32 @@ QString TakeFormat(Arguments& arguments, const QString& value) {
   return arguments.format ? QString() : u"erwartet tsv, csv, html oder pdf statt "_s + value;
 }
 
+QString TakePorts(Arguments& arguments, const QString& value) {
+  if (!arguments.ports.isEmpty()) return Repeated();
+  for (const QString& port : value.split(u',')) {
+    bool isNumber = false;
+    const int number = port.toInt(&isNumber);
+    if (port.isEmpty() || (isNumber && !kSchnittstelle.Offers(number)))
+      return u"erwartet Nummern von 1 bis 8 oder Geräte, durch Komma getrennt, statt "_s + value;
+    arguments.ports.append(port);
+  }
+  return {};
+}
+
+// "A-B", or one address.
+QString TakeAddresses(Arguments& arguments, const QString& value) {
+  if (arguments.addresses) return Repeated();
+  bool firstIsNumber = false;
+  bool lastIsNumber = false;
+  const int first = value.section(u'-', 0, 0).toInt(&firstIsNumber);
+  const int last = value.section(u'-', -1).toInt(&lastIsNumber);
+  const bool valid = firstIsNumber && lastIsNumber && value.count(u'-') <= 1 && kAdresse.Offers(first) &&
+                     kAdresse.Offers(last) && first <= last;
+  if (!valid) return u"erwartet zwei Adressen von 0 bis 255 wie 1-31 statt "_s + value;
+  arguments.addresses = {first, last};
+  return {};
+}
+
 constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--ini-path", TakeText<&Arguments::iniPath>},
     {u"--ini-file", TakeText<&Arguments::iniFile>},
@@ -127,6 +153,8 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--format", TakeFormat},
     {u"--out", TakeText<&Arguments::out>},
     {u"--repeat", TakeCount<&Arguments::repeat, 0>},
+    {u"--ports", TakePorts},
+    {u"--addresses", TakeAddresses},
 };
 
 constexpr Switch<Arguments> kSwitches[] = {
@@ -144,6 +172,7 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool print = arguments.command == u"print";
   const bool list = arguments.command == u"list";
   const bool safeSend = arguments.command == u"safe-send";
+  const bool find = arguments.command == u"find";
   const bool writes = safeSend || arguments.command == u"restore";
   const struct {
     QStringView option;
@@ -163,7 +192,9 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
                  {u"--out", arguments.out.has_value(), list},
                  {u"--dry-run", arguments.dryRun, writes},
                  {u"--yes", arguments.yes, writes},
-                 {u"--repeat", arguments.repeat.has_value(), safeSend}};
+                 {u"--repeat", arguments.repeat.has_value(), safeSend},
+                 {u"--ports", !arguments.ports.isEmpty(), find},
+                 {u"--addresses", arguments.addresses.has_value(), find}};
   for (const auto& [option, given, understood] : options) {
     if (given && !understood)
       return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
@@ -256,6 +287,7 @@ Befehle:
   safe-send           angekreuzte Parameter sicher senden: sichern, schreiben, prüfen
   backups             die Sicherungen, die vor dem Schreiben angelegt wurden
   restore SICHERUNG   die Werte einer Sicherung sicher in den Regler schreiben
+  find                Regler suchen: an welcher Schnittstelle, mit welcher Adresse
 
 LINKS und RECHTS sind table (die Werte auf dem PC), standard, controller (der Regler)
 oder eine Wertedatei.
@@ -288,6 +320,8 @@ Optionen (vor oder nach dem Befehl):
   --dry-run                  nur zeigen, was geschrieben würde (safe-send, restore)
   --yes                      schreiben, ohne zu fragen (safe-send, restore)
   --repeat N                 bis zu N-mal wiederholen, was nicht geprüft ist (safe-send)
+  --ports A,B,…              nur diese Schnittstellen: Nummern oder Geräte (find)
+  --addresses A-B            auch alle Adressen von A bis B fragen (find)
   --json                     Ausgabe als JSON (versions, plants, params, show, compare
                              und alle Befehle ab list)
   --help                     diese Hilfe

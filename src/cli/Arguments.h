@@ -4,6 +4,7 @@
 #include <QDate>
 #include <QStringList>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/ParameterList.h"
@@ -68,8 +69,10 @@ struct Arguments {
   std::optional<QString> out;
   bool dryRun = false;  ///< of `safe-send` and `restore`, like `yes`
   bool yes = false;
-  std::optional<qint16> repeat;  ///< of `safe-send`: 0..32767
-  QStringList set;               ///< "VARIABLE=VALUE"
+  std::optional<qint16> repeat;                  ///< of `safe-send`: 0..32767
+  QStringList ports;                             ///< of `find`, like the next: numbers 1..8 or devices
+  std::optional<std::pair<int, int>> addresses;  ///< from, to: 0..255
+  QStringList set;                               ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault

@@ -7,6 +7,7 @@
 #include "check/FindingsText.h"
 #include "cli/Arguments.h"
 #include "cli/Edits.h"
+#include "cli/FindRun.h"
 #include "cli/Output.h"
 #include "cli/SafeRuns.h"
 #include "cli/TextForms.h"
@@ -178,6 +179,12 @@ class Session {
   int Verify() { return RunSafe(&SafeRuns::Verify); }
   int SafeSend() { return RunSafe(&SafeRuns::Send); }
   int Restore() { return RunSafe(&SafeRuns::Restore); }
+
+  int Find() {
+    int status = kNoTransfer;
+    RunHandler(box_, [&] { status = RunFind(core_, wiring_.host, world_, arguments_); });
+    return status;
+  }
   int Backups() { return SafeRuns(core_, world_, arguments_).Backups(); }
 
  private:
@@ -386,6 +393,7 @@ constexpr Command kCommands[] = {
     {u"safe-send", &Session::SafeSend, Needs::Definitions, true},
     {u"backups", &Session::Backups, Needs::Nothing, true},
     {u"restore", &Session::Restore, Needs::Definitions, true, 1, u"die Sicherung"},
+    {u"find", &Session::Find, Needs::Versions, true},
 };
 
 }  // namespace

@@ -97,6 +97,31 @@ TEST(CommandLine, OnlyNamesSeveralConditions) {
   EXPECT_EQ(arguments.against, u"standard"_s);
 }
 
+TEST(CommandLine, FindTakesPortsAndAddresses) {
+  const Arguments arguments =
+      ParseArguments({u"find"_s, u"--ports"_s, u"2,/dev/ttyUSB0"_s, u"--addresses"_s, u"1-31"_s});
+  EXPECT_EQ(arguments.error, QString());
+  EXPECT_EQ(arguments.ports, QStringList({u"2"_s, u"/dev/ttyUSB0"_s}));
+  EXPECT_EQ(arguments.addresses, std::make_pair(1, 31));
+  EXPECT_EQ(ParseArguments({u"find"_s, u"--addresses=7"_s}).addresses, std::make_pair(7, 7));
+  EXPECT_EQ(ParseArguments({u"find"_s, u"--addresses=0-255"_s}).addresses, std::make_pair(0, 255));
+}
+
+TEST(CommandLine, FindRefusesWhatIsNeitherPortNorAddress) {
+  for (const QString& ports : {u"0"_s, u"9"_s, u"1,,2"_s, u"1,9"_s})
+    EXPECT_TRUE(ParseArguments({u"find"_s, u"--ports"_s, ports}).error.contains(ports))
+        << ports.toStdString();
+  for (const QString& addresses :
+       {u"x"_s, u"1-"_s, u"-5"_s, u"5-1"_s, u"0-256"_s, u"1-2-3"_s, u"1,2"_s, u" "_s}) {
+    EXPECT_TRUE(ParseArguments({u"find"_s, u"--addresses="_s + addresses}).error.contains(u"--addresses"_s))
+        << addresses.toStdString();
+  }
+  EXPECT_EQ(ParseArguments({u"identify"_s, u"--ports"_s, u"1"_s}).error,
+            u"Option --ports gilt nicht für den Befehl identify."_s);
+  EXPECT_EQ(ParseArguments({u"identify"_s, u"--addresses"_s, u"1"_s}).error,
+            u"Option --addresses gilt nicht für den Befehl identify."_s);
+}
+
 TEST(CommandLine, PagesAndPdfsAreDrawn) {
   EXPECT_TRUE(Draws(ParseArguments({u"print"_s, u"--pdf"_s, u"x"_s})));
   EXPECT_TRUE(Draws(ParseArguments({u"list"_s, u"--format=pdf"_s, u"--out=x"_s})));

@@ -76,9 +76,8 @@ class SerialControl {
   /// The last event since Open(): a line error if there was one, else kCommEventSendDone or none.
   [[nodiscard]] virtual int CommEvent() = 0;
 
-  /// Why the last Open() failed, or the open line is gone: in German, for the user ("Der Anschluß ist
-  /// belegt.").
-  /// "" where there is nothing wrong, or nothing known.
+  /// Why the last Open() failed, or the line that it opened is gone, as far as that has been noticed: in
+  /// German, for the user ("COM3 ist belegt: …"). "" where there is nothing wrong. Outlasts Close().
   [[nodiscard]] virtual QString Fault() const { return {}; }
 
   /// Runs on communication events, from inside the operations above.

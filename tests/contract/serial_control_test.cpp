@@ -67,6 +67,7 @@ TYPED_TEST(SerialControlContract, AClosedPortDoesNothing) {
 TYPED_TEST(SerialControlContract, OpensAndCloses) {
   this->Open();
   EXPECT_TRUE(this->line_.IsOpen());
+  EXPECT_EQ(this->line_.Fault(), QString());
   EXPECT_TRUE(this->line_.SetRts(true));
   EXPECT_TRUE(this->line_.ClearInBuffer());
   EXPECT_TRUE(this->line_.ClearOutBuffer());
@@ -90,6 +91,7 @@ TYPED_TEST(SerialControlContract, AFailedOpeningLeavesThePortClosed) {
   this->rig_.Refuse();
   EXPECT_FALSE(this->line_.Open(1, kSettings));
   EXPECT_FALSE(this->line_.IsOpen());
+  EXPECT_NE(this->line_.Fault(), QString()) << "why is told";
 }
 
 TYPED_TEST(SerialControlContract, InputComesAsItArrives) {
@@ -143,6 +145,8 @@ TYPED_TEST(SerialControlContract, AVanishedDeviceEndsTheWaitAtOnce) {
   EXPECT_EQ(this->line_.WaitForInput(kLong_s), InputWait::LineGone);
   EXPECT_TRUE(this->line_.IsOpen());
   EXPECT_EQ(this->line_.CommEvent(), platform::kCommEventDeviceControlBlock);
+  const QString fault = this->line_.Fault();
+  EXPECT_NE(fault, QString()) << "that it is gone is told";
   EXPECT_FALSE(this->line_.SetRts(true));
   EXPECT_FALSE(this->line_.ClearInBuffer());
   EXPECT_FALSE(this->line_.ClearOutBuffer());
@@ -150,6 +154,7 @@ TYPED_TEST(SerialControlContract, AVanishedDeviceEndsTheWaitAtOnce) {
   EXPECT_EQ(this->line_.InBufferCount(), 0);
   this->line_.Close();
   EXPECT_FALSE(this->line_.IsOpen());
+  EXPECT_EQ(this->line_.Fault(), fault) << "and not forgotten with the connection";
   EXPECT_FALSE(this->line_.Open(1, kSettings));
 }
 

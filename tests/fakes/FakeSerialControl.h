@@ -135,6 +135,7 @@ class FakeSerialControl final : public platform::SerialControl {
     opens.push_back({number, settings, open_});
     log.append(QStringLiteral("open %1 %2").arg(number).arg(settings));
     if (open_) settings_ = settings;
+    fault_ = open_ ? QString() : QStringLiteral("nicht da");
     return open_;
   }
 
@@ -235,6 +236,8 @@ class FakeSerialControl final : public platform::SerialControl {
     return event_;
   }
 
+  [[nodiscard]] QString Fault() const override { return fault_; }
+
  private:
   struct Pending {
     double at_s;
@@ -272,6 +275,7 @@ class FakeSerialControl final : public platform::SerialControl {
           break;
         case Exchange::Step::DeviceGone:
           gone_ = true;
+          if (open_) fault_ = QStringLiteral("verschwunden");
           break;
       }
     }
@@ -282,6 +286,7 @@ class FakeSerialControl final : public platform::SerialControl {
   std::vector<Pending> pending_;
   QByteArray received_;
   QString settings_;
+  QString fault_;
   bool open_ = false;
   bool rts_ = false;
   bool gone_ = false;

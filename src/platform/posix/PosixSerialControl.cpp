@@ -52,6 +52,27 @@ termios WithSettings(termios attributes, const LineSettings& settings) {
   return attributes;
 }
 
+PortFault FaultOfOpening(int error, const QString& device) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENXIO:
+    case ENODEV:
+    case EIO:
+      return {PortFault::Kind::Absent, device};
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return {PortFault::Kind::NoPermission, device};
+    case EBUSY:
+      return {PortFault::Kind::InUse, device};
+    case EISDIR:
+      return {PortFault::Kind::NoSerialPort, device};
+    default:
+      return {PortFault::Kind::Other, device, {}, error};
+  }
+}
+
 bool SameSettings(const termios& a, const termios& b, tcflag_t overlooked) {
   return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_lflag == b.c_lflag &&
          ((a.c_cflag ^ b.c_cflag) & ~overlooked) == 0 && a.c_cc[VMIN] == b.c_cc[VMIN] &&
@@ -71,33 +92,40 @@ PosixSerialControl::~PosixSerialControl() {
 bool PosixSerialControl::Open(int number, const QString& settings) {
   Close();
   events_.Clear();
+  fault_ = OpenPort(number, settings);
+  return fault_.kind == PortFault::Kind::None;
+}
+
+PortFault PosixSerialControl::OpenPort(int number, const QString& settings) {
   const std::optional<LineSettings> wanted = ParseLineSettings(settings);
-  if (!wanted) return false;
+  if (!wanted) return {PortFault::Kind::SettingsRefused, kAnyPort.toString(), settings};
   const QString path = resolver_(number);
-  if (path.isEmpty()) return false;
+  if (path.isEmpty()) return {PortFault::Kind::NoPort};
 
   Descriptor device = OpenDevice(QFile::encodeName(path));
+  if (!device.Valid()) return FaultOfOpening(errno, path);
   termios present{};
-  if (!device.Valid() || tcgetattr(device.Get(), &present) != 0) return false;
+  if (tcgetattr(device.Get(), &present) != 0) return {PortFault::Kind::NoSerialPort, path};
   // Before anything is touched: another program may be in the middle of a transfer.
-  if (flock(device.Get(), LOCK_EX | LOCK_NB) != 0) return false;
+  if (flock(device.Get(), LOCK_EX | LOCK_NB) != 0) return {PortFault::Kind::InUse, path};
 
   port_ = std::move(device);
   isPseudoTerminal_ = IsPseudoTerminal(port_.Get());
   if (ioctl(port_.Get(), TIOCEXCL) != 0 || !Configure(*wanted, present)) {
     Close();
-    return false;
+    return {PortFault::Kind::SettingsRefused, path, settings};
   }
   if (!isPseudoTerminal_) LowerLatency();
   hasParity_ = wanted->HasParity();
   lineGone_ = false;
+  device_ = path;
   unsent_ = false;
   driverCountsErrors_ = false;
   counted_ = driver_->ErrorCounts(port_.Get());
   // Opening has raised it. A port that has no such line is as good as any other.
   rts_.reset();
   (void)SetRts(false);
-  return true;
+  return {};
 }
 
 bool PosixSerialControl::Configure(const LineSettings& settings, const termios& present) {
@@ -202,11 +230,16 @@ bool PosixSerialControl::ReadPiece() {
   char piece[4096];
   const ssize_t count = Uninterrupted([&] { return read(port_.Get(), piece, sizeof piece); });
   if (count <= 0) {
-    lineGone_ = count == 0 || errno != EAGAIN;
+    if (count == 0 || errno != EAGAIN) NoteLineGone();
     return false;
   }
   NoteMark(marks_.Decode(QByteArrayView(piece, count), input_));
   return true;
+}
+
+void PosixSerialControl::NoteLineGone() {
+  lineGone_ = true;
+  fault_ = {PortFault::Kind::Vanished, device_};
 }
 
 void PosixSerialControl::ReadAll() {
@@ -246,7 +279,7 @@ InputWait PosixSerialControl::WaitForInput(double seconds) {
     if ((wait.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) {
       // What came before the end is delivered first.
       ReadAll();
-      lineGone_ = true;
+      NoteLineGone();
     }
   }
   return InputWait::Input;

@@ -11,6 +11,7 @@
 #include "platform/SerialControl.h"
 #include "platform/plain/CommEvents.h"
 #include "platform/plain/LineSettings.h"
+#include "platform/plain/PortFault.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/MarkedInput.h"
 #include "platform/posix/SerialDriver.h"
@@ -54,9 +55,12 @@ class PosixSerialControl final : public SerialControl {
   /// Sends what is queued meanwhile.
   [[nodiscard]] InputWait WaitForInput(double seconds) override;
   [[nodiscard]] int CommEvent() override;
+  [[nodiscard]] QString Fault() const override { return fault_.Text(); }
 
  private:
+  [[nodiscard]] PortFault OpenPort(int number, const QString& settings);
   bool Configure(const LineSettings& settings, const termios& present);
+  void NoteLineGone();
   void LowerLatency() const;
   void FlushOutput();
   bool ReadPiece();
@@ -70,6 +74,8 @@ class PosixSerialControl final : public SerialControl {
   bool isPseudoTerminal_ = false;
   bool hasParity_ = false;
   bool lineGone_ = false;
+  PortFault fault_;
+  QString device_;           // the open one
   bool unsent_ = false;      // the driver may hold characters that have not gone out
   std::optional<bool> rts_;  // as it was set since Open()
   CommEvents events_{*this};

@@ -17,6 +17,10 @@ HANDLE SerialCalls::Open(const wchar_t* name) {
                      nullptr);
 }
 
+DWORD SerialCalls::LastError() {
+  return GetLastError();
+}
+
 void SerialCalls::Close(HANDLE port) {
   CloseHandle(port);
 }

@@ -24,6 +24,9 @@ class SerialCalls {
   [[nodiscard]] virtual HANDLE Open(const wchar_t* name);
   virtual void Close(HANDLE port);
 
+  /// Why Open() has just failed: ERROR_…
+  [[nodiscard]] virtual DWORD LastError();
+
   [[nodiscard]] virtual bool GetState(HANDLE port, DCB& state);
   [[nodiscard]] virtual bool SetState(HANDLE port, const DCB& state);
   [[nodiscard]] virtual bool SetTimeouts(HANDLE port, const COMMTIMEOUTS& timeouts);

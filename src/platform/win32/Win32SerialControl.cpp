@@ -47,6 +47,24 @@ DCB StateOf(const LineSettings& settings) {
   return state;
 }
 
+PortFault FaultOfOpening(DWORD error, const QString& device) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DEV_NOT_EXIST:
+    case ERROR_NO_SUCH_DEVICE:
+    case ERROR_DEVICE_NOT_CONNECTED:
+      return {PortFault::Kind::Absent, device};
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_BUSY:
+      // Windows refuses a port that another program has open in these words; it knows no other reason.
+      return {PortFault::Kind::InUse, device};
+    default:
+      return {PortFault::Kind::Other, device, {}, static_cast<int>(error)};
+  }
+}
+
 // The error that explains the others: a break also looks like damaged characters.
 int EventOf(DWORD errors) {
   if ((errors & CE_BREAK) != 0) return kCommEventBreak;
@@ -71,18 +89,30 @@ bool Win32SerialControl::Open(int number, const QString& settings) {
   events_.Clear();
   lineGone_ = false;
   waiting_ = 0;
+  fault_ = OpenPort(number, settings);
+  return fault_.kind == PortFault::Kind::None;
+}
+
+PortFault Win32SerialControl::OpenPort(int number, const QString& settings) {
   const std::optional<LineSettings> wanted = ParseLineSettings(settings);
-  const QString name = wanted ? resolver_(number) : QString();
-  if (name.isEmpty()) return false;
+  if (!wanted) return {PortFault::Kind::SettingsRefused, kAnyPort.toString(), settings};
+  const QString name = resolver_(number);
+  if (name.isEmpty()) return {PortFault::Kind::NoPort};
   port_ = calls_.Open(SystemName(name).c_str());
-  if (!IsOpen()) return false;
+  if (!IsOpen()) return FaultOfOpening(calls_.LastError(), name);
   if (!Configure(*wanted)) {
     Close();
-    return false;
+    return {PortFault::Kind::SettingsRefused, name, settings};
   }
+  device_ = name;
   // A port that has no such line is as good as any other.
   (void)SetRts(false);
-  return true;
+  return {};
+}
+
+void Win32SerialControl::NoteLineGone() {
+  lineGone_ = true;
+  fault_ = {PortFault::Kind::Vanished, device_};
 }
 
 bool Win32SerialControl::Configure(const LineSettings& settings) {
@@ -184,7 +214,7 @@ void Win32SerialControl::StartRead() {
   const DWORD count = std::clamp<DWORD>(waiting_, 1, kArrivingSize);
   ResetEvent(read_.overlapped.hEvent);
   read_.underWay = calls_.StartRead(port_, arriving_.data(), count, read_.overlapped);
-  if (!read_.underWay) lineGone_ = true;
+  if (!read_.underWay) NoteLineGone();
 }
 
 // Sends what is queued, one write at a time.
@@ -198,7 +228,7 @@ void Win32SerialControl::StartWrite() {
     // Nothing can be sent any more; the next wait reports it.
     leaving_.clear();
     events_.DropOutput();
-    lineGone_ = true;
+    NoteLineGone();
   }
 }
 
@@ -222,7 +252,7 @@ void Win32SerialControl::TakeRead() {
   DWORD count = 0;
   read_.underWay = false;
   if (!calls_.Result(port_, read_.overlapped, count)) {
-    lineGone_ = true;
+    NoteLineGone();
     return;
   }
   input_.append(arriving_.data(), static_cast<qsizetype>(count));
@@ -232,7 +262,7 @@ void Win32SerialControl::TakeRead() {
 void Win32SerialControl::TakeWritten() {
   DWORD count = 0;
   write_.underWay = false;
-  if (!calls_.Result(port_, write_.overlapped, count)) lineGone_ = true;
+  if (!calls_.Result(port_, write_.overlapped, count)) NoteLineGone();
   leaving_.clear();
   StartWrite();
   if (!write_.underWay && !lineGone_) events_.NoteAllSent();
@@ -249,7 +279,7 @@ void Win32SerialControl::LookAtPort() {
   DWORD errors = 0;
   COMSTAT status{};
   if (!calls_.ClearError(port_, errors, status)) {
-    lineGone_ = true;
+    NoteLineGone();
     return;
   }
   waiting_ = status.cbInQue;

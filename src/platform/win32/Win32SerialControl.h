@@ -10,6 +10,7 @@
 #include "platform/SerialControl.h"
 #include "platform/plain/CommEvents.h"
 #include "platform/plain/LineSettings.h"
+#include "platform/plain/PortFault.h"
 #include "platform/win32/Handle.h"
 #include "platform/win32/SerialCalls.h"
 
@@ -46,6 +47,7 @@ class Win32SerialControl final : public SerialControl {
   /// Sends what is queued meanwhile.
   [[nodiscard]] InputWait WaitForInput(double seconds) override;
   [[nodiscard]] int CommEvent() override;
+  [[nodiscard]] QString Fault() const override { return fault_.Text(); }
 
  private:
   // A read or a write that the system carries out; its event is set when it has ended.
@@ -58,7 +60,9 @@ class Win32SerialControl final : public SerialControl {
 
   static constexpr DWORD kArrivingSize = 4096;
 
+  [[nodiscard]] PortFault OpenPort(int number, const QString& settings);
   bool Configure(const LineSettings& settings);
+  void NoteLineGone();
   void StartRead();
   void StartWrite();
   void TakeEnded(DWORD time_ms);
@@ -71,6 +75,8 @@ class Win32SerialControl final : public SerialControl {
   SerialCalls& calls_;
   HANDLE port_ = INVALID_HANDLE_VALUE;
   bool lineGone_ = false;
+  PortFault fault_;
+  QString device_;  // the open one
   CommEvents events_{*this};
   DWORD waiting_ = 0;  // characters behind the last read, as far as is known
   Operation read_;

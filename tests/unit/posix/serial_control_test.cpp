@@ -256,6 +256,48 @@ TEST_F(SerialControlTest, RefusesADeviceWithoutPermission) {
   EXPECT_TRUE(test::HoldsAsOrdinaryUser([&] { return control_.Open(3, kSettings); }));
 }
 
+TEST_F(SerialControlTest, TellsWhyADeviceCannotBeOpened) {
+  const struct {
+    QString device;
+    QString settings;
+    QString fault;
+  } cases[] = {
+      {QString(), kSettings,
+       u"Zu dieser Nummer gibt es keine Schnittstelle. Den Adapter einstecken oder eine andere Nummer "
+       u"wählen."_s},
+      {u"/dev/missing"_s, kSettings,
+       u"/dev/missing ist nicht da. Das Gerät anschließen oder eine andere Schnittstelle wählen."_s},
+      {u"/dev/null"_s, kSettings, u"/dev/null ist keine serielle Schnittstelle. Eine andere wählen."_s},
+      {u"/dev"_s, kSettings, u"/dev ist keine serielle Schnittstelle. Eine andere wählen."_s},
+      {pty_.Path(), u"9601,o,7,1"_s,
+       u"Die Schnittstelle nimmt die Einstellungen 9601,o,7,1 nicht an. Einen anderen Adapter versuchen."_s},
+  };
+  for (const auto& [device, settings, fault] : cases) {
+    EXPECT_FALSE(OpenDevice(device, settings));
+    EXPECT_EQ(control_.Fault(), fault);
+  }
+  EXPECT_TRUE(OpenDevice(pty_.Path()));
+  EXPECT_EQ(control_.Fault(), QString());
+
+  const QString inUse =
+      pty_.Path() + u" ist belegt: Ein anderes Programm benutzt die Schnittstelle. Es zuerst beenden."_s;
+  PosixSerialControl other([this](int) { return pty_.Path(); });
+  EXPECT_FALSE(other.Open(1, kSettings));
+  EXPECT_EQ(other.Fault(), inUse);
+  ASSERT_EQ(chmod(QFile::encodeName(pty_.Path()).constData(), 0666), 0);
+  EXPECT_TRUE(test::HoldsAsOrdinaryUser([&] { return !other.Open(1, kSettings) && other.Fault() == inUse; }))
+      << "of whom the system itself keeps out";
+  control_.Close();
+  ASSERT_EQ(chmod(QFile::encodeName(pty_.Path()).constData(), 0600), 0);
+  EXPECT_TRUE(test::HoldsAsOrdinaryUser([&] {
+    return geteuid() == 0 ||
+           (!other.Open(1, kSettings) &&
+            other.Fault() == u"Für "_s + pty_.Path() +
+                                 u" fehlt die Berechtigung. Was zu tun ist, zeigt die Liste "
+                                 u"der Schnittstellen."_s);
+  }));
+}
+
 TEST_F(SerialControlTest, RefusesADeviceThatHasVanished) {
   Open();
   control_.Close();
@@ -636,6 +678,8 @@ TEST_F(SerialControlTest, WaitEndsWhenTheDeviceVanishes) {
   EXPECT_EQ(control_.WaitForInput(kForEver_s), InputWait::LineGone);
   unplug.join();
   EXPECT_EQ(control_.WaitForInput(kForEver_s), InputWait::LineGone);
+  EXPECT_EQ(control_.Fault(),
+            pty_.Path() + u" ist während der Übertragung verschwunden. Stecker und Adapter prüfen."_s);
 }
 
 TEST_F(SerialControlTest, DeliversPendingInputBeforeTheEnd) {

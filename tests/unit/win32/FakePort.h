@@ -22,6 +22,7 @@ class FakePort final : public platform::SerialCalls {
  public:
   // What the test arranges before.
   bool present = true;
+  DWORD openingError = ERROR_FILE_NOT_FOUND;  ///< where it is not present
   bool real = true;
   bool takesSettings = true;
   bool keepsRate = true;
@@ -83,6 +84,7 @@ class FakePort final : public platform::SerialCalls {
     ++openPorts;
     return this;
   }
+  [[nodiscard]] DWORD LastError() override { return gone_ ? ERROR_FILE_NOT_FOUND : openingError; }
   void Close(HANDLE /*port*/) override { --openPorts; }
 
   [[nodiscard]] bool GetState(HANDLE /*port*/, DCB& actual) override {

@@ -79,6 +79,38 @@ TEST_F(Win32SerialControlTest, APortThatIsAbsentOrInUseStaysClosed) {
   EXPECT_FALSE(control.IsOpen());
 }
 
+TEST_F(Win32SerialControlTest, TellsWhyAPortCannotBeOpened) {
+  const struct {
+    DWORD error;
+    QString fault;
+  } cases[] = {
+      {ERROR_FILE_NOT_FOUND,
+       u"COM3 ist nicht da. Das Gerät anschließen oder eine andere Schnittstelle wählen."_s},
+      {ERROR_ACCESS_DENIED,
+       u"COM3 ist belegt: Ein anderes Programm benutzt die Schnittstelle. Es zuerst beenden."_s},
+      {ERROR_GEN_FAILURE,
+       u"COM3 lässt sich nicht öffnen (Fehler 31 des Systems). Den Adapter abziehen und wieder einstecken."_s},
+  };
+  device = u"COM3"_s;
+  port.present = false;
+  for (const auto& [error, fault] : cases) {
+    port.openingError = error;
+    EXPECT_FALSE(control.Open(3, kSettings));
+    EXPECT_EQ(control.Fault(), fault);
+  }
+  port.present = true;
+  port.takesSettings = false;
+  EXPECT_FALSE(control.Open(3, kSettings));
+  EXPECT_EQ(control.Fault(),
+            u"COM3 nimmt die Einstellungen 9600,o,7,1 nicht an. Einen anderen Adapter versuchen."_s);
+  port.takesSettings = true;
+  ASSERT_TRUE(control.Open(3, kSettings));
+  EXPECT_EQ(control.Fault(), QString());
+  port.Vanish();
+  EXPECT_EQ(control.WaitForInput(kForEver_s), InputWait::LineGone);
+  EXPECT_EQ(control.Fault(), u"COM3 ist während der Übertragung verschwunden. Stecker und Adapter prüfen."_s);
+}
+
 TEST_F(Win32SerialControlTest, APortThatRefusesTheSettingsIsGivenBack) {
   port.takesSettings = false;
   EXPECT_FALSE(control.Open(3, kSettings));

@@ -33,6 +33,9 @@ constexpr char kRtsOn = 11;
 constexpr char kRtsOff = 12;
 constexpr char kBothDirections = 3;
 
+constexpr QByteArrayView kRefusal("\xFF\xFE\x2C", 3);
+constexpr qsizetype kLongestBeginning = 4096;
+
 // Of kNotifyLineState.
 constexpr unsigned kOverrunError = 2;
 constexpr unsigned kParityError = 4;
@@ -99,6 +102,11 @@ QByteArray ComPort::TakeOutgoing() {
 }
 
 void ComPort::Receive(QByteArrayView bytes, QByteArray& characters) {
+  // The library does not tell that an offer is refused.
+  if (control_ == Control::Offered && beginning_.size() < kLongestBeginning) {
+    beginning_.append(bytes);
+    if (beginning_.contains(kRefusal)) control_ = Control::Refused;
+  }
   characters_ = &characters;
   telnet_recv(telnet_.get(), bytes.data(), static_cast<std::size_t>(bytes.size()));
   characters_ = nullptr;
@@ -120,7 +128,7 @@ void ComPort::TakeEvent(const telnet_event_t& event) {
     case TELNET_EV_DO:
       if (event.neg.telopt == kComPortOption && control_ == Control::Offered) BeginControl();
       break;
-    case TELNET_EV_DONT:
+    case TELNET_EV_DONT:  // after all
       if (event.neg.telopt == kComPortOption) control_ = Control::Refused;
       break;
     case TELNET_EV_SUBNEGOTIATION:

@@ -12,6 +12,7 @@ namespace kalivor::platform {
 namespace {
 
 constexpr double kNanosecondsPerSecond = 1e9;
+constexpr double kMillisecondsPerSecond = 1e3;
 
 // A server that refuses says so as soon as it can: after this time, and as often the way there and back.
 constexpr double kGreeting_s = 0.005;
@@ -34,7 +35,7 @@ bool EndsLine(char character) {
 
 // What a server has said, as a text in one line; "" when it is none.
 QString Words(const QByteArray& characters) {
-  const QString text = QString::fromUtf8(characters.first(std::min(characters.size(), kLongestLastWords)));
+  const QString text = QString::fromUtf8(characters);
   const bool printable = std::all_of(text.begin(), text.end(), [](QChar c) {
     return (c.isPrint() && c != QChar::ReplacementCharacter) || c == u'\r' || c == u'\n' || c == u'\t';
   });
@@ -46,13 +47,10 @@ bool MeansInUse(const QString& words) {
   return words.contains(u"in use"_s, Qt::CaseInsensitive) || words.contains(u"busy"_s, Qt::CaseInsensitive);
 }
 
-QString InUse(const QString& words) {
-  return u"Die Schnittstelle des Servers ist belegt; der Server meldet: "_s + words;
-}
-
 }  // namespace
 
-NetworkControl::NetworkControl(DeviceResolver resolver) : resolver_(std::move(resolver)) {
+NetworkControl::NetworkControl(DeviceResolver resolver, NetworkTimes times)
+    : resolver_(std::move(resolver)), times_(times) {
   keep_.setSingleShot(true);
   QObject::connect(&keep_, &QTimer::timeout, &keep_, [this] { Release(); });
 }
@@ -71,12 +69,13 @@ bool NetworkControl::Open(int number, const QString& settings) {
   const ParsedNetworkAddress parsed = ParseNetworkAddress(resolver_(number));
   if (!parsed.address) return Fail(parsed.fault);
 
-  const QDeadlineTimer bound = In(kOpening_s);
+  const QDeadlineTimer bound = In(times_.opening_s);
   if (!Reuse(*parsed.address) && !Connect(*parsed.address, bound)) return false;
   if (!Settle(*wanted, bound)) return false;
   input_.clear();
   gone_ = false;
   open_ = true;
+  line_->proven = true;
   line_->used = false;
   line_->answered = true;
   return true;
@@ -118,39 +117,31 @@ bool NetworkControl::Connect(const NetworkAddress& address, QDeadlineTimer bound
 }
 
 bool NetworkControl::AgreeOnControl(QDeadlineTimer bound) {
-  QByteArray words;
+  const ComPort& comPort = *line_->comPort;
   SendControl();
-  while (line_->comPort->State() == ComPort::Control::Offered) {
+  while (comPort.State() == ComPort::Control::Offered && !comPort.Broken()) {
     const bool inTime = line_->connection->Wait(SecondsLeft(bound));
-    (void)ReadPiece(words);
-    if (line_->connection->Ended()) return FailEnded(words);
-    if (line_->comPort->Broken() || !inTime || words.size() > kInputLimit_bytes) break;
+    if (!inTime || !Hear()) break;
   }
-  if (line_->comPort->State() == ComPort::Control::Agreed) {
+  if (comPort.State() == ComPort::Control::Agreed) {
     // Whoever opens a port raises it, the server too.
     line_->comPort->SetRts(false);
     return true;
   }
-  const bool silent = line_->comPort->State() == ComPort::Control::Offered;
+  if (line_->connection->Ended()) return FailEnded();
   const QString fault =
       u"Der Server steuert keine Schnittstelle nach RFC 2217: Geben Sie die Adresse mit socket:// an, und "
       "stellen Sie Baudrate und Parität am Server ein."_s;
-  return silent ? FailUnanswered(fault) : Fail(fault);
+  return comPort.State() == ComPort::Control::Offered ? FailUnanswered(fault) : Fail(fault);
 }
 
 // A server that refuses a raw connection sends a text, if anything, and ends it. Other greetings are dropped
 // like everything that comes in front of a request.
 bool NetworkControl::WaitForGreeting(double seconds) {
-  QByteArray words;
   double left_s = seconds;
-  while (line_->connection->Wait(left_s)) {
-    while (ReadPiece(words) && words.size() < kInputLimit_bytes) {
-    }
-    if (line_->connection->Ended()) return FailEnded(words);
-    if (words.size() >= kInputLimit_bytes) break;
+  while (line_->connection->Wait(left_s) && Hear())
     left_s = kEnd_s;
-  }
-  return true;
+  return line_->connection->Ended() ? FailEnded() : true;
 }
 
 // The line as it is wanted, and nothing on it that came before.
@@ -159,20 +150,34 @@ bool NetworkControl::Settle(const LineSettings& settings, QDeadlineTimer bound) 
   ComPort& comPort = *line_->comPort;
   comPort.SetLine(settings);
   SendControl();
-  QByteArray late;
   while (!comPort.Settled()) {
     const bool inTime = line_->connection->Wait(SecondsLeft(bound));
-    (void)ReadPiece(late);
-    if (line_->connection->Ended()) return FailEnded(late);
+    const bool heard = Hear();
+    if (line_->connection->Ended()) return FailEnded();
     if (comPort.Broken() || comPort.State() != ComPort::Control::Agreed)
       return Fail(u"Der Server hat die Steuerung der Schnittstelle abgebrochen."_s);
-    if (!inTime || late.size() > kInputLimit_bytes)
+    if (!inTime || !heard)
       return FailUnanswered(u"Der Server bestätigt die Einstellungen der Schnittstelle nicht."_s);
   }
   if (const QString refused = comPort.Refusal(); !refused.isEmpty())
     return Fail(u"Der Server stellt die Schnittstelle nicht wie verlangt ein: "_s + refused + u'.');
   (void)comPort.TakeLineError();
   return true;
+}
+
+// Drops what has come in front of a request, but notes the beginning. False when the connection has ended, or
+// it does not stop.
+bool NetworkControl::Hear() {
+  QByteArray dropped;
+  while (dropped.size() < kInputLimit_bytes && ReadPiece(dropped)) {
+  }
+  Note(dropped);
+  return !line_->connection->Ended() && dropped.size() < kInputLimit_bytes;
+}
+
+void NetworkControl::Note(QByteArrayView characters) {
+  const qsizetype room = kLongestLastWords - line_->heard.size();
+  line_->heard += characters.first(std::min(characters.size(), room));
 }
 
 bool NetworkControl::Fail(const QString& fault) {
@@ -182,16 +187,21 @@ bool NetworkControl::Fail(const QString& fault) {
 }
 
 bool NetworkControl::FailUnanswered(const QString& fault) {
-  unansweredUntil_ = In(kUnanswered_s);
+  unansweredUntil_ = In(times_.unanswered_s);
   return Fail(fault);
 }
 
-bool NetworkControl::FailEnded(const QByteArray& lastWords) {
-  const QString words = Words(lastWords);
-  if (MeansInUse(words)) return Fail(InUse(words));
-  if (!words.isEmpty()) return Fail(u"Der Server hat die Verbindung beendet und meldet: "_s + words);
-  return Fail(line_->connection->EndedInOrder() ? u"Der Server hat die Verbindung gleich wieder beendet."_s
-                                                : u"Die Verbindung zum Server ist abgebrochen."_s);
+bool NetworkControl::FailEnded() {
+  const QString words = Words(line_->heard);
+  if (line_->proven || words.isEmpty() || MeansInUse(words)) return Fail(FaultOfEnd());
+  return Fail(u"Der Server hat die Verbindung beendet und meldet: "_s + words);
+}
+
+QString NetworkControl::FaultOfEnd() const {
+  if (const QString words = Words(line_->heard); MeansInUse(words))
+    return u"Die Schnittstelle des Servers ist belegt; der Server meldet: "_s + words;
+  return line_->connection->EndedInOrder() ? u"Der Server hat die Verbindung beendet."_s
+                                           : u"Die Verbindung zum Server ist abgebrochen."_s;
 }
 
 void NetworkControl::Close() {
@@ -204,7 +214,8 @@ void NetworkControl::Close() {
   }
   if (line_->comPort && std::exchange(line_->rts, false)) line_->comPort->SetRts(false);
   Purge();
-  if (QCoreApplication::instance() != nullptr) keep_.start(kKeep_ms);
+  if (QCoreApplication::instance() != nullptr)
+    keep_.start(static_cast<int>(times_.keep_s * kMillisecondsPerSecond));
 }
 
 void NetworkControl::Release() {
@@ -297,8 +308,7 @@ void NetworkControl::ReadAll() {
   if (const qsizetype count = input_.size() - before; count > 0) {
     line.used = true;
     line.answered = EndsLine(input_.back());
-    if (line.heard.size() <= kLongestLastWords)
-      line.heard += input_.last(std::min(count, kLongestLastWords + 1));
+    Note(QByteArrayView(input_).last(count));
   }
   if (line.comPort) {
     if (const int error = line.comPort->TakeLineError(); error != kCommEventNone) events_.Report(error);
@@ -306,12 +316,6 @@ void NetworkControl::ReadAll() {
   }
   gone_ = gone_ || line.connection->Ended();
   if (gone_ && fault_.isEmpty()) fault_ = FaultOfEnd();
-}
-
-QString NetworkControl::FaultOfEnd() const {
-  if (const QString words = Words(line_->heard); MeansInUse(words)) return InUse(words);
-  return line_->connection->EndedInOrder() ? u"Der Server hat die Verbindung beendet."_s
-                                           : u"Die Verbindung zum Server ist abgebrochen."_s;
 }
 
 int NetworkControl::InBufferCount() {

@@ -15,6 +15,19 @@
 
 namespace kalivor::platform {
 
+/// How long the network is waited for.
+struct NetworkTimes {
+  double opening_s = 5;  ///< by one opening at most: looking for the name, connecting, setting the line
+
+  /// After nobody has answered, openings of that address fail at once for so long: a transfer tries again and
+  /// again, and each time would take as long.
+  double unanswered_s = 5;
+
+  /// A connection that nobody uses is kept for so long. Needs an event loop; without one it is kept until
+  /// Release().
+  double keep_s = 10;
+};
+
 /// The port is opened and closed around every telegram; the connection is kept between them, for so long
 /// that a transfer needs one, and released soon after it, so that others get at the server. Whatever is under
 /// way when the port is closed never arrives at the next opening, however slow the network is:
@@ -26,28 +39,17 @@ namespace kalivor::platform {
 ///    has come as a whole, and nothing behind it; otherwise the next opening makes a new one. The settings
 ///    are those of the server, whatever they are; RTS and line errors do not exist.
 ///
-/// Opening waits for the network at most for kOpening_s, and fails at once for some seconds after nobody has
-/// answered. What the system has taken counts as sent. Single-threaded. OnComm must neither open nor close
-/// the port.
+/// Opening waits for the network no longer than NetworkTimes say. What the system has taken counts as sent.
+/// Single-threaded. OnComm must neither open nor close the port.
 class NetworkControl final : public SerialControl {
  public:
   /// The device of a port number, "" when there is none.
   using DeviceResolver = std::function<QString(int number)>;
 
-  explicit NetworkControl(DeviceResolver resolver);
+  explicit NetworkControl(DeviceResolver resolver, NetworkTimes times = {});
   ~NetworkControl() override;
   NetworkControl(const NetworkControl&) = delete;
   NetworkControl& operator=(const NetworkControl&) = delete;
-
-  static constexpr double kOpening_s = 5;
-
-  /// After nobody has answered, openings of that address fail at once for so long: a transfer tries again and
-  /// again, and each time would take as long.
-  static constexpr double kUnanswered_s = 5;
-
-  /// A connection that nobody uses is kept for so long. Needs an event loop; without one it is kept until
-  /// Release().
-  static constexpr int kKeep_ms = 10'000;
 
   /// Characters kept for Input(); more are left to the system.
   static constexpr qsizetype kInputLimit_bytes = 65536;
@@ -80,6 +82,7 @@ class NetworkControl final : public SerialControl {
     bool used = false;     // characters have passed since what the other side holds was discarded
     bool answered = true;  // what was asked for last has been answered as a whole
     QByteArray heard;      // the first characters that have come
+    bool proven = false;   // the port could be opened
   };
 
   bool Connect(const NetworkAddress& address, QDeadlineTimer bound);
@@ -87,9 +90,11 @@ class NetworkControl final : public SerialControl {
   bool WaitForGreeting(double seconds);
   bool Reuse(const NetworkAddress& address);
   bool Settle(const LineSettings& settings, QDeadlineTimer bound);
+  bool Hear();
+  void Note(QByteArrayView characters);
   bool Fail(const QString& fault);
   bool FailUnanswered(const QString& fault);
-  bool FailEnded(const QByteArray& lastWords);
+  bool FailEnded();
   [[nodiscard]] QString FaultOfEnd() const;
 
   [[nodiscard]] bool Usable() const { return open_ && !gone_; }
@@ -100,6 +105,7 @@ class NetworkControl final : public SerialControl {
   void NoteSent();
 
   DeviceResolver resolver_;
+  NetworkTimes times_;
   std::unique_ptr<Line> line_;
   bool open_ = false;
   bool gone_ = false;

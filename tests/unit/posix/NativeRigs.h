@@ -3,6 +3,7 @@
 
 #include "contract/RealTimeRig.h"
 #include "platform/posix/PosixSerialControl.h"
+#include "unit/net/NetworkRigs.h"
 #include "unit/posix/PseudoTerminal.h"
 
 namespace kalivor::test {
@@ -26,6 +27,6 @@ class PosixRig : public RealTimeRig<TerminalFarEnd> {
   static constexpr const char* kName = "Posix";
 };
 
-using Rigs = testing::Types<FakeRig, SimulatedRig, PosixRig>;
+using Rigs = testing::Types<FakeRig, SimulatedRig, PosixRig, RawRig, ComPortRig>;
 
 }  // namespace kalivor::test

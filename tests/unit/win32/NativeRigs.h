@@ -3,6 +3,7 @@
 
 #include "contract/RealTimeRig.h"
 #include "platform/win32/Win32SerialControl.h"
+#include "unit/net/NetworkRigs.h"
 #include "unit/win32/FakePort.h"
 #include "unit/win32/JoinedPorts.h"
 
@@ -45,6 +46,6 @@ class JoinedPortsRig : public RealTimeRig<JoinedFarEnd> {
   static constexpr const char* kName = "JoinedPorts";
 };
 
-using Rigs = testing::Types<FakeRig, SimulatedRig, Win32Rig, JoinedPortsRig>;
+using Rigs = testing::Types<FakeRig, SimulatedRig, Win32Rig, JoinedPortsRig, RawRig, ComPortRig>;
 
 }  // namespace kalivor::test

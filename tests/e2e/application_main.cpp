@@ -1,0 +1,9 @@
+// Processes need an application object.
+#include <gtest/gtest.h>
+#include <QCoreApplication>
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const QCoreApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}

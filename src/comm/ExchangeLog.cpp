@@ -38,8 +38,11 @@ ExchangeLog::ExchangeLog(const platform::Clock& clock) : clock_(clock) {
 
 void ExchangeLog::Begin(const PortRecord& port, QStringView frame) {
   Settle();
-  if (std::exchange(transferBegins_, false)) ofTransfer_ = {};
   ++begun_;
+  if (std::exchange(transferBegins_, false)) {
+    ofTransfer_ = {};
+    transferFirst_ = begun_;
+  }
   if (kept_.size() < kKept) kept_.emplace_back();
   Exchange& exchange = Newest();
   exchange.number = begun_;

@@ -95,6 +95,9 @@ class ExchangeLog {
   /// From now on it is another transfer, as far as the quality is concerned: with its first exchange.
   void BeginTransfer() { transferBegins_ = true; }
 
+  /// The number of the first exchange of the present transfer; 1 before there was one.
+  [[nodiscard]] qint64 TransferFirst() const { return transferFirst_; }
+
   /// The last exchange is counted and told; it does not change any more.
   void Settle();
 
@@ -130,6 +133,7 @@ class ExchangeLog {
   qint64 settled_ = 0;          // the same of the newest that does not change any more
   int nextAttempt_ = 1;
   bool transferBegins_ = false;
+  qint64 transferFirst_ = 1;
   LineQuality sinceStart_;
   LineQuality ofTransfer_;
 };

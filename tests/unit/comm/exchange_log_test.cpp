@@ -119,10 +119,12 @@ TEST_F(Exchanges, ATransferIsCountedFromItsFirstExchange) {
   Read();
   log.BeginTransfer();
   EXPECT_EQ(log.OfTransfer().All(), 1) << "as long as nothing comes, the last transfer is shown";
+  EXPECT_EQ(log.TransferFirst(), 1);
   line.Expect(kRead).Reply(Answer("04D2"));
   Read();
   EXPECT_EQ(log.OfTransfer().All(), 1);
   EXPECT_EQ(log.OfTransfer().good, 1);
+  EXPECT_EQ(log.TransferFirst(), 2);
   EXPECT_EQ(log.SinceStart().All(), 2);
 }
 

@@ -60,12 +60,12 @@ class Drawing {
     Text(0, kBarTop - 8, kPictureWidth,
          all == 0 ? u"Anteile: noch keine Telegramme"_s : u"Anteile an %1 Versuchen"_s.arg(all));
     const std::array<Part, 7> parts{{{quality_.good, PictureInk::Good, u"gut"_s},
-                                     {quality_.repeated, PictureInk::Repeated, u"wiederholt, dann gut"_s},
+                                     {quality_.repeated, PictureInk::Repeated, u"wiederholt"_s},
                                      {quality_.damaged, PictureInk::Damaged, u"beschädigt"_s},
                                      {quality_.silent, PictureInk::Silent, u"ohne Antwort"_s},
                                      {quality_.echoOnly, PictureInk::Silent, u"nur Echo"_s},
                                      {quality_.refused, PictureInk::Refused, u"abgelehnt"_s},
-                                     {quality_.noPort, PictureInk::NoPort, u"keine Schnittstelle"_s}}};
+                                     {quality_.noPort, PictureInk::NoPort, u"ohne Schnittstelle"_s}}};
     // An empty frame where there is nothing to divide.
     Box({0, kBarTop, kPictureWidth, kBarHeight}, PictureInk::Faint);
     double left = 0;
@@ -106,7 +106,8 @@ class Drawing {
     const qint64 answers = quality_.good + quality_.repeated;
     QString title = u"Antwortzeiten in Millisekunden"_s;
     if (answers > 0)
-      title += u": Mitte %1, längste %2"_s.arg(Middle(answers)).arg(std::lround(quality_.slowest_s * 1000));
+      title +=
+          u": mittlere %1, längste %2"_s.arg(Middle(answers)).arg(std::lround(quality_.slowest_s * 1000));
     Text(0, kTop - 14, kPictureWidth, title);
     for (int ms = 0; ms < LineQuality::kSteps * LineQuality::kStep_ms; ms += kTick_ms) {
       Box({X(ms), kBottom, 1, 4}, PictureInk::Faint);

@@ -182,7 +182,7 @@ TEST(QualityPicture, TheHistogramHasABarForEachStepThatOccurs) {
   ASSERT_EQ(bars.size(), 2U);
   EXPECT_NEAR(bars[1].height() / bars[0].height(), 50.0 / 700, 1e-6);
   EXPECT_LT(bars[0].right(), bars[1].left());
-  EXPECT_TRUE(Says(shapes, u"Antwortzeiten in Millisekunden: Mitte 35, längste 66"_s));
+  EXPECT_TRUE(Says(shapes, u"Antwortzeiten in Millisekunden: mittlere 35, längste 66"_s));
 }
 
 TEST(QualityPicture, EverythingStaysInside) {

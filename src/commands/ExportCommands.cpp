@@ -46,10 +46,10 @@ bool HasSuffix(const QString& path) {
 }
 
 // "" when the user cancels.
-QString AskForFile(const ExportContext& context, const KindOfFile& kind) {
+QString AskForFile(const ExportContext& context, const QString& title, const KindOfFile& kind) {
   const QString filter = u"%1|*%2|Alle Dateien (*.*)|*.*"_s.arg(kind.description, kind.suffix);
   for (;;) {
-    QString path = context.dialogs.SaveFile(u"Exportieren"_s, filter);
+    QString path = context.dialogs.SaveFile(title, filter);
     if (path.isEmpty()) return {};
     if (!HasSuffix(path)) path += kind.suffix;
     // Nothing is read of a file that is there: it is larger than this.
@@ -59,19 +59,28 @@ QString AskForFile(const ExportContext& context, const KindOfFile& kind) {
   }
 }
 
-}  // namespace
-
-QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind) {
-  QString path = AskForFile(context, FileOf(kind));
-  if (path.isEmpty()) return {};
-  const QByteArray content = ContentOf(context, table, kind);
-  const QString error = content.isEmpty() ? u"Das PDF-Dokument lässt sich nicht erzeugen."_s
-                                          : context.files.Replace(path, content);
+QString Write(const ExportContext& context, const QString& path, const QByteArray& content, QString error) {
+  if (error.isEmpty()) error = context.files.Replace(path, content);
   if (error.isEmpty()) return path;
   context.box.Show(
       u"Nicht exportiert:\r\n%1\r\n%2\r\n\r\nBitte eine andere Datei oder einen anderen Ordner wählen."_s.arg(
           path, error));
   return {};
+}
+
+}  // namespace
+
+QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind) {
+  const QString path = AskForFile(context, u"Exportieren"_s, FileOf(kind));
+  if (path.isEmpty()) return {};
+  const QByteArray content = ContentOf(context, table, kind);
+  return Write(context, path, content,
+               content.isEmpty() ? u"Das PDF-Dokument lässt sich nicht erzeugen."_s : QString());
+}
+
+QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text) {
+  const QString path = AskForFile(context, title, {u"Text (*.txt)", u".txt"});
+  return path.isEmpty() ? path : Write(context, path, text, {});
 }
 
 }  // namespace kalivor

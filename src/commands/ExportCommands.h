@@ -28,4 +28,7 @@ struct ExportContext {
 /// there is none.
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind);
 
+/// The same with a text (*.txt); `title` stands above the question for the file.
+QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text);
+
 }  // namespace kalivor

@@ -83,6 +83,7 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeSicherEmpfangen"_s, [this] { ReceiveSafely(); }},
       {u"mnuWerkzeugeSicherungen"_s, [this] { ShowBackups(); }},
       {kUnfinishedItem, [this] { ShowUnfinished(); }},
+      {u"mnuWerkzeugeTelegramme"_s, [this] { ShowTelegrams(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -180,6 +181,8 @@ void Desktop::Start() {
 }
 
 bool Desktop::Run(const std::function<void()>& handler) {
+  // What the user sets off is one transfer, whatever it sends.
+  if (!changes.Open()) wiring.host.Exchanges.BeginTransfer();
   changes.Begin();
   const bool done = RunHandler(world.box, handler);
   RunHandler(world.box, [this] { changes.End(); });
@@ -188,7 +191,9 @@ bool Desktop::Run(const std::function<void()>& handler) {
 }
 
 void Desktop::Settled() {
+  wiring.host.Exchanges.Settle();
   if (std::exchange(settled_, changes.Revision()) != changes.Revision()) {
+    if (telegrams) telegrams->ForgetDefinitions();
     OfferItem(main, u"mnuWerkzeugeRueckgaengig"_s, undo.UndoName());
     OfferItem(main, u"mnuWerkzeugeWiederholen"_s, undo.RedoName());
     main.ShowOutside(changes.Outside());
@@ -284,6 +289,19 @@ void Desktop::ShowBackups() {
     Add(*backups, true);
   }
   backups->Open();
+}
+
+void Desktop::ShowTelegrams() {
+  if (!telegrams) {
+    const auto save = [this](const QString& text) {
+      ExportText({world.files, world.box, world.dialogs, {}}, u"Telegramme speichern"_s, text.toUtf8());
+    };
+    telegrams = std::make_unique<TelegramsWindow>(
+        TelegramsSurroundings{wiring.host.Exchanges, module, world.settings, guard, save});
+    // It shows what a transfer does while it does it.
+    Add(*telegrams, false);
+  }
+  telegrams->Open();
 }
 
 void Desktop::MakeUnfinished() {

@@ -26,6 +26,7 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
+#include "ui/line/TelegramsWindow.h"
 #include "ui/list/ParameterListWindow.h"
 #include "ui/list/ProgressDialog.h"
 #include "ui/main/HelpKey.h"
@@ -105,6 +106,7 @@ struct Desktop {
   std::unique_ptr<SafeWindow> safe;           ///< made when it is first needed
   std::unique_ptr<UnfinishedDialog> unfinished;
   std::unique_ptr<BackupsWindow> backups;
+  std::unique_ptr<TelegramsWindow> telegrams;  ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -132,6 +134,7 @@ struct Desktop {
   void SendSafely();
   void ReceiveSafely();
   void ShowBackups();
+  void ShowTelegrams();
   void MakeUnfinished();
   void Resume(void (SafeWindow::*how)(const Sending& sending));
   void Forget();

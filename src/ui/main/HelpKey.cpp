@@ -30,6 +30,7 @@ const QHash<QString, QString>& Pages() {
                                              {u"UnfinishedDialog"_s, u"sichersenden#unterbrochen"_s},
                                              {u"BackupsWindow"_s, u"sichersenden#sicherungen"_s},
                                              {u"FindingsWindow"_s, u"definitionen"_s},
+                                             {u"TelegramsWindow"_s, u"telegrammfenster"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};
   return pages;
@@ -38,6 +39,7 @@ const QHash<QString, QString>& Pages() {
 QString PageOfWindow(const QWidget& window) {
   if (const auto* files = qobject_cast<const QFileDialog*>(&window)) {
     if (files->windowTitle() == u"Exportieren") return u"parameterliste"_s;
+    if (files->windowTitle() == u"Telegramme speichern") return u"telegrammfenster"_s;
     return files->windowTitle() == u"Parameterfile" ? u"optionen#dateien"_s : u"wertedateien"_s;
   }
   QString page = Pages().value(window.objectName());

@@ -1,0 +1,322 @@
+#include "ui/line/TelegramsWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QScreen>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QStyledItemDelegate>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "core/ListTable.h"
+#include "ui/dialogs/Controls.h"
+#include "ui/list/CellStyle.h"
+#include "ui/main/StoredPlace.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kalivor::ui {
+namespace {
+
+// Often enough to look live, seldom enough to be no work.
+constexpr int kLive_ms = 200;
+
+// Few letters have it and its like.
+constexpr QChar kCarriageReturnSymbol(0x240D);
+
+constexpr int kHeight_lines = 30;
+constexpr double kMostOfScreen = 0.9;
+
+const QString& PlaceKey() {
+  static const QString key = u"TelegrammePlatz"_s;
+  return key;
+}
+
+const QString& ColumnsKey() {
+  static const QString key = u"TelegrammeSpalten"_s;
+  return key;
+}
+
+class TelegramsDelegate final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    StyleCell(*option);
+  }
+};
+
+// "1 Anfrage", "12 Anfragen"
+QString Requests(int count) {
+  return count == 1 ? u"1 Anfrage"_s : u"%1 Anfragen"_s.arg(count);
+}
+
+}  // namespace
+
+TelegramsWindow::TelegramsWindow(TelegramsSurroundings surroundings)
+    : Form(u"TelegramsWindow"_s, u"Telegramme"_s),
+      surroundings_(std::move(surroundings)),
+      model_(new TelegramsModel(surroundings_.exchanges, this)),
+      tabs_(Named(new QTabWidget(this), u"tabs"_s)),
+      quality_(new QualityView(surroundings_.exchanges)) {
+  setWindowFlag(Qt::WindowMaximizeButtonHint);
+  tabs_->addTab(NewTelegramsPage(), u"Te&legramme"_s);
+  tabs_->addTab(quality_, u"&Qualität der Leitung"_s);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(tabs_, 1);
+  layout->addLayout(NewButtons());
+  live_.setInterval(kLive_ms);
+  connect(&live_, &QTimer::timeout, this, [this] { Update(); });
+  const int width = table_->horizontalHeader()->length() + table_->verticalScrollBar()->sizeHint().width() +
+                    8 * table_->frameWidth() + 4 * layout->contentsMargins().left();
+  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
+  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  LoadPlace(*this, surroundings_.settings, PlaceKey());
+  LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
+}
+
+QWidget* TelegramsWindow::NewTelegramsPage() {
+  auto* page = Named(new QWidget, u"telegrams"_s);
+  auto* layout = new QVBoxLayout(page);
+  layout->addLayout(NewFilterRow());
+  BuildTable();
+  layout->addWidget(table_, 1);
+  count_ = NewLabel(this, u"count"_s, QString());
+  layout->addWidget(count_);
+  return page;
+}
+
+QLayout* TelegramsWindow::NewFilterRow() {
+  filter_ = Named(new QComboBox(this), u"filter"_s);
+  filter_->addItems({u"alle"_s, u"nur fehlgeschlagene"_s, u"nur wiederholte"_s, u"diese Übertragung"_s});
+  filter_->setAccessibleName(u"Zeigen"_s);
+  connect(filter_, &QComboBox::currentIndexChanged, this, [this] { TakeFilter(); });
+  auto* filterLabel = Named(new QLabel(u"&Zeigen:"_s, this), u"filterLabel"_s);
+  filterLabel->setBuddy(filter_);
+
+  search_ = NewTextBox(this, u"search"_s, u"Suche"_s);
+  search_->setPlaceholderText(u"Zeichen oder Bedeutung"_s);
+  search_->setClearButtonEnabled(true);
+  search_->findChild<QToolButton*>()->setAccessibleName(u"Suche leeren"_s);
+  connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
+  connect(search_, &QLineEdit::returnPressed, this, [this] { Find(1); });
+  auto* searchLabel = Named(new QLabel(u"Suc&he:"_s, this), u"searchLabel"_s);
+  searchLabel->setBuddy(search_);
+  QPushButton* next = NewButton(this, u"findNext"_s, u"&Weitersuchen"_s);
+  next->setToolTip(u"F3; rückwärts mit Umschalt+F3"_s);
+  connect(next, &QPushButton::clicked, this, [this] { Find(1); });
+  connect(new QShortcut(Qt::Key_F3, this), &QShortcut::activated, this, [this] { Find(1); });
+  connect(new QShortcut(Qt::SHIFT | Qt::Key_F3, this), &QShortcut::activated, this, [this] { Find(-1); });
+  connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, search_, [this] {
+    tabs_->setCurrentIndex(0);
+    search_->setFocus(Qt::ShortcutFocusReason);
+    search_->selectAll();
+  });
+  onlyHits_ = Named(new QCheckBox(u"nur T&reffer"_s, this), u"onlyHits"_s);
+  connect(onlyHits_, &QCheckBox::toggled, this, [this] { TakeFilter(); });
+
+  auto* row = new QHBoxLayout;
+  row->addWidget(filterLabel);
+  row->addWidget(filter_);
+  row->addSpacing(2 * Air(*this));
+  row->addWidget(searchLabel);
+  row->addWidget(search_, 1);
+  row->addWidget(next);
+  row->addWidget(onlyHits_);
+  return row;
+}
+
+void TelegramsWindow::BuildTable() {
+  table_ = Named(new QTableView(this), u"table"_s);
+  table_->setAccessibleName(u"Telegramme"_s);
+  if (!table_->fontMetrics().inFont(kCarriageReturnSymbol)) model_->ShowNames();
+  table_->setModel(model_);
+  table_->setItemDelegate(new TelegramsDelegate(table_));
+  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  table_->setTabKeyNavigation(false);
+  table_->setCornerButtonEnabled(false);
+  table_->setShowGrid(false);
+  table_->setWordWrap(false);
+  table_->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+  QHeaderView& rows = *table_->verticalHeader();
+  rows.hide();
+  rows.setSectionResizeMode(QHeaderView::Fixed);
+  QHeaderView& columns = *table_->horizontalHeader();
+  columns.setObjectName(u"columns"_s);
+  columns.setSectionsMovable(true);
+  columns.setHighlightSections(false);
+  columns.setStretchLastSection(true);
+  constexpr int digits[] = {8, 15, 14, 11, 11, 26, 60};
+  const int digit_px = fontMetrics().horizontalAdvance(u'0');
+  rows.setDefaultSectionSize(fontMetrics().height() + kRowAir_px / 2);
+  for (int column = 0; column < TelegramsModel::Columns; ++column)
+    columns.resizeSection(column, digits[column] * digit_px);
+}
+
+QLayout* TelegramsWindow::NewButtons() {
+  pause_ = NewButton(this, u"pause"_s, u"&Anhalten"_s);
+  pause_->setCheckable(true);
+  pause_->setToolTip(u"Die Liste bleibt stehen; was weiter gesendet wird, erscheint danach."_s);
+  connect(pause_, &QPushButton::toggled, this, [this](bool paused) { Pause(paused); });
+  auto* copy = NewButton(this, u"copy"_s, u"&Kopieren"_s);
+  copy->setToolTip(u"Strg+C: die markierten Zeilen, ohne Markierung alle gezeigten"_s);
+  connect(copy, &QPushButton::clicked, this, [this] { Copy(); });
+  connect(new QShortcut(QKeySequence::Copy, table_, nullptr, nullptr, Qt::WidgetShortcut),
+          &QShortcut::activated, this, [this] { Copy(); });
+  save_ = NewButton(this, u"save"_s, u"Speichern &unter…"_s);
+  save_->setToolTip(u"Die gezeigten Telegramme als Text"_s);
+  connect(save_, &QPushButton::clicked, this, [this] { surroundings_.guard([this] { Save(); }); });
+  auto* close = NewButton(this, u"CloseButton"_s, u"&Schließen"_s);
+  connect(close, &QPushButton::clicked, this, &QDialog::reject);
+  auto* row = new QHBoxLayout;
+  for (QPushButton* button : {pause_, copy, save_, close})
+    row->addWidget(button);
+  row->insertStretch(3);
+  // Enter in the search field searches; it must not press a button.
+  for (QPushButton* button : findChildren<QPushButton*>())
+    button->setAutoDefault(false);
+  SetTabOrder({tabs_, filter_, search_, findChild<QPushButton*>(u"findNext"_s), onlyHits_, table_, pause_,
+               copy, save_, close});
+  return row;
+}
+
+void TelegramsWindow::Open() {
+  ShowAboveOwner();
+  if (tabs_->currentIndex() == 0) table_->setFocus();
+}
+
+void TelegramsWindow::Update() {
+  const bool otherVersion = model_->Reader().Version() != surroundings_.module.VersionList.SelectedText();
+  if (std::exchange(readerIsOld_, false) || otherVersion)
+    model_->SetReader(TelegramReader(surroundings_.module));
+  // The view would make the row behind it the current one, and go there.
+  const QModelIndex current = table_->currentIndex();
+  if (current.isValid() && model_->At(current.row()) == nullptr)
+    table_->selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+  QScrollBar& bar = *table_->verticalScrollBar();
+  const int place = bar.value();
+  const bool follows = place == bar.maximum();
+  const TelegramsModel::Change change = model_->Update();
+  if (follows && change.removed + change.inserted > 0) FollowEnd();
+  // What is being read stays where it is.
+  if (!follows && change.removed > 0) bar.setValue(std::max(0, place - change.removed));
+  save_->setEnabled(surroundings_.module.BusyDepth == 0 && model_->Shown() > 0);
+  ShowCount();
+  quality_->Update();
+}
+
+void TelegramsWindow::FollowEnd() {
+  table_->scrollToBottom();
+}
+
+void TelegramsWindow::ShowCount() {
+  QStringList parts;
+  const int all = model_->All();
+  if (all == 0) {
+    parts.append(
+        u"Noch ist nichts gesendet worden. Sobald der PC mit dem Regler spricht, steht hier jedes Telegramm."_s);
+  } else if (model_->Shown() == all) {
+    parts.append(Requests(all));
+  } else {
+    parts.append(u"%1 von %2"_s.arg(QString::number(model_->Shown()), Requests(all)));
+  }
+  if (surroundings_.exchanges.Last() > ExchangeLog::kKept) parts.append(u"ältere sind nicht mehr da"_s);
+  if (model_->Paused()) parts.append(u"angehalten"_s);
+  if (!notFound_.isEmpty()) parts.append(u"„%1“ kommt nicht vor"_s.arg(notFound_));
+  const QString text = parts.join(u" · "_s);
+  if (count_->text() != text) count_->setText(text);
+}
+
+void TelegramsWindow::TakeFilter() {
+  notFound_.clear();
+  model_->SetFilter(static_cast<TelegramsModel::Filter>(filter_->currentIndex()),
+                    onlyHits_->isChecked() ? search_->text() : QString());
+  FollowEnd();
+  ShowCount();
+}
+
+void TelegramsWindow::Pause(bool paused) {
+  // A tick, as a pressed button hardly differs from the others in dark colours.
+  pause_->setText(paused ? u"✓ &Angehalten"_s : u"&Anhalten"_s);
+  pause_->setAccessibleName(u"Anhalten"_s);
+  model_->Pause(paused);
+  if (!paused) FollowEnd();
+  Update();
+}
+
+void TelegramsWindow::Find(int step) {
+  const QString text = search_->text();
+  const int count = model_->rowCount();
+  notFound_.clear();
+  if (text.isEmpty()) {
+    search_->setFocus();
+    return;
+  }
+  int row = table_->currentIndex().row();
+  if (row < 0 && step < 0) row = 0;
+  for (int looked = 0; looked < count; ++looked) {
+    row = (row + step + count) % count;
+    if (!model_->Matches(row, text)) continue;
+    table_->setCurrentIndex(model_->index(row, TelegramsModel::Meaning));
+    table_->scrollTo(table_->currentIndex());
+    ShowCount();
+    return;
+  }
+  notFound_ = text;
+  ShowCount();
+}
+
+void TelegramsWindow::Copy() const {
+  const QHeaderView& columns = *table_->horizontalHeader();
+  ListTable copied;
+  for (int position = 0; position < columns.count(); ++position)
+    copied.titles.append(TelegramsModel::Title(columns.logicalIndex(position)));
+  const QItemSelectionModel& selection = *table_->selectionModel();
+  for (int row = 0; row < model_->rowCount(); ++row) {
+    if (selection.hasSelection() && !selection.isRowSelected(row, {})) continue;
+    std::vector<TableCell>& cells = copied.rows.emplace_back();
+    for (int position = 0; position < columns.count(); ++position) {
+      const int column = columns.logicalIndex(position);
+      cells.push_back({model_->Text(row, column), TelegramsModel::IsNumeric(column)});
+    }
+  }
+  QApplication::clipboard()->setText(ClipboardText(copied));
+}
+
+void TelegramsWindow::Save() {
+  // A question for a file would hold the transfer up.
+  if (surroundings_.module.BusyDepth > 0) return;
+  TelegramLines lines;
+  QString text;
+  for (int row = 0; row < model_->rowCount(); row += 2) {
+    if (const Exchange* exchange = model_->At(row)) text += lines.Of(model_->Reader(), *exchange);
+  }
+  surroundings_.save(text);
+}
+
+void TelegramsWindow::showEvent(QShowEvent* event) {
+  Form::showEvent(event);
+  Update();
+  if (!model_->Paused()) FollowEnd();
+  live_.start();
+}
+
+void TelegramsWindow::hideEvent(QHideEvent* event) {
+  live_.stop();
+  SavePlace(*this, surroundings_.settings, PlaceKey());
+  SaveColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
+  Form::hideEvent(event);
+}
+
+void TelegramsWindow::changeEvent(QEvent* event) {
+  Form::changeEvent(event);
+  if (event->type() == QEvent::FontChange && table_ != nullptr)
+    table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir_px / 2);
+}
+
+}  // namespace kalivor::ui

@@ -7,9 +7,9 @@ using namespace Qt::StringLiterals;
 namespace kalivor {
 namespace {
 
-// "Jede achte", "Die Hälfte" … of `all`; the noun is feminine. Nothing where it is not worth a word.
+// How many there are, and of what; nothing where it is not worth a word.
 struct Share {
-  QString text;         // "Jede achte Antwort", "Die Hälfte der Antworten"
+  QString text;         // "Jede achte Antwort", "Die meisten Antworten"
   bool plural = false;  // of its verb
 };
 
@@ -84,8 +84,7 @@ QString RefusedText(const LineQuality& quality) {
   const qint64 replies = quality.good + quality.repeated + quality.damaged + quality.refused;
   if (!IsWorthMentioning(quality.refused, replies)) return {};
   const Share share = ShareText(quality.refused, replies, u"Anfrage"_s, u"Anfragen"_s);
-  return share.text + (share.plural ? u" hat der Regler abgelehnt."_s : u" hat der Regler abgelehnt."_s) +
-         u" Passen Reglerversion und Definitionen zu ihm?"_s;
+  return share.text + u" hat der Regler abgelehnt."_s + u" Passen Reglerversion und Definitionen zu ihm?"_s;
 }
 
 QString SlowText(const LineQuality& quality) {

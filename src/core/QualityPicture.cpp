@@ -206,7 +206,7 @@ std::vector<PictureShape> QualityPicture(const LineQuality& quality) {
 }
 
 QString QualitySvg(const LineQuality& quality) {
-  const QString name = quality.All() == 0 ? u"Noch keine Telegramme"_s : QualityLine(quality);
+  const QString name = quality.All() == 0 ? u"noch keine Telegramme"_s : QualityLine(quality);
   QString svg =
       u"<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %1 %2\" width=\"%1\" height=\"%2\" "
       u"role=\"img\" "

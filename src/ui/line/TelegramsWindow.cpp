@@ -26,6 +26,8 @@ constexpr int kLive_ms = 200;
 // Few letters have it and its like.
 constexpr QChar kCarriageReturnSymbol(0x240D);
 
+// The meaning takes what is left, at first so much more than it needs at least.
+constexpr int kMeaning_digits = 26;
 constexpr int kHeight_lines = 30;
 constexpr double kMostOfScreen = 0.9;
 
@@ -72,7 +74,8 @@ TelegramsWindow::TelegramsWindow(TelegramsSurroundings surroundings)
   live_.setInterval(kLive_ms);
   connect(&live_, &QTimer::timeout, this, [this] { Update(); });
   const int width = table_->horizontalHeader()->length() + table_->verticalScrollBar()->sizeHint().width() +
-                    8 * table_->frameWidth() + 4 * layout->contentsMargins().left();
+                    fontMetrics().horizontalAdvance(u'0') * kMeaning_digits + 8 * table_->frameWidth() +
+                    4 * layout->contentsMargins().left();
   const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
   resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
   LoadPlace(*this, surroundings_.settings, PlaceKey());
@@ -151,7 +154,7 @@ void TelegramsWindow::BuildTable() {
   columns.setSectionsMovable(true);
   columns.setHighlightSections(false);
   columns.setStretchLastSection(true);
-  constexpr int digits[] = {8, 15, 14, 11, 11, 26, 60};
+  constexpr int digits[] = {8, 14, 13, 10, 10, 25, 30};
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
   rows.setDefaultSectionSize(fontMetrics().height() + kRowAir_px / 2);
   for (int column = 0; column < TelegramsModel::Columns; ++column)
@@ -262,8 +265,8 @@ void TelegramsWindow::Find(int step) {
   for (int looked = 0; looked < count; ++looked) {
     row = (row + step + count) % count;
     if (!model_->Matches(row, text)) continue;
-    table_->setCurrentIndex(model_->index(row, TelegramsModel::Meaning));
-    table_->scrollTo(table_->currentIndex());
+    // Not aside: the column at the left is in view already.
+    table_->setCurrentIndex(model_->index(row, std::max(0, table_->columnAt(0))));
     ShowCount();
     return;
   }

@@ -169,6 +169,33 @@ void ReadInt(benchmark::State& state) {
 }
 BENCHMARK(ReadInt)->UseRealTime();
 
+// Keeping one, as it goes over the line: the newest of many.
+void Keep(benchmark::State& state) {
+  test::FakeClock clock;
+  Module1 module;
+  module.VersionList.Add(u"AB1-123.4"_s);
+  module.VersionList.Select(0);
+  ExchangeLog log(clock);
+  log.NameVersionsOf(module);
+  const PortRecord port{kFalse, 1, kControllerProtocol, 1, kSettings9600.toString()};
+  const QString frame = QString::fromStdString(Request());
+  const QByteArray reply = QByteArray::fromStdString(WithChecksum("10102R04D2"));
+  const QString payload = u"04D2"_s;
+  const QString fault;
+  const auto keep = [&] {
+    log.Begin(port, frame);
+    log.Received(reply);
+    log.End(payload, true, fault);
+    log.Judge(payload);
+  };
+  for (int i = 0; i < ExchangeLog::kKept; ++i)
+    keep();
+  for (auto _ : state)
+    keep();
+  state.counters["heap"] = HeapRequestsOf(keep);
+}
+BENCHMARK(Keep);
+
 }  // namespace
 }  // namespace kalivor::bench
 

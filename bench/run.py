@@ -141,6 +141,10 @@ class Bench:
                        f"{bare['real'] * 1000:.1f} µs)", f"{ours['real'] * 1000:.1f} µs", f"{ratio:.2f}", "≤ 1.5",
                        ratio <= 1.5)
         self.table.add("  heap requests of it", f"libmodbus {peer['heap']:.0f}", f"{ours['heap']:.0f}")
+        keep = best["Keep"]
+        self.table.add("  keeping it for the list of telegrams", "", f"{keep['real'] * 1000:.2f} µs", "", "≤ 5 µs",
+                       keep["real"] * 1000 <= 5)
+        self.table.add("    heap requests of it", "", f"{keep['heap']:.0f}", "", "0", keep["heap"] == 0)
 
     def growth(self, work, best, fits, name, sizes, unit, limits=()):
         """The fit over all sizes, and the figures that have a limit (size, ms)."""

@@ -47,12 +47,15 @@ DCB StateOf(const LineSettings& settings) {
   return state;
 }
 
+// ERROR_NO_SUCH_DEVICE; not every set of headers has it.
+constexpr DWORD kNoSuchDevice = 433;
+
 PortFault FaultOfOpening(DWORD error, const QString& device) {
   switch (error) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
     case ERROR_DEV_NOT_EXIST:
-    case ERROR_NO_SUCH_DEVICE:
+    case kNoSuchDevice:
     case ERROR_DEVICE_NOT_CONNECTED:
       return {PortFault::Kind::Absent, device};
     case ERROR_ACCESS_DENIED:

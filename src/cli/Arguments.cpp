@@ -287,6 +287,7 @@ Befehle:
   safe-send           angekreuzte Parameter sicher senden: sichern, schreiben, prüfen
   backups             die Sicherungen, die vor dem Schreiben angelegt wurden
   restore SICHERUNG   die Werte einer Sicherung sicher in den Regler schreiben
+  ports               die seriellen Schnittstellen: Nummer, Gerät, Zustand
   find                Regler suchen: an welcher Schnittstelle, mit welcher Adresse
 
 LINKS und RECHTS sind table (die Werte auf dem PC), standard, controller (der Regler)

@@ -13,6 +13,7 @@
 #include "cli/TextForms.h"
 #include "cli/TraceFile.h"
 #include "commands/EventBoundary.h"
+#include "commands/PortCommands.h"
 #include "commands/SettingsTable.h"
 #include "commands/StartUp.h"
 #include "commands/TransferCommands.h"
@@ -179,6 +180,20 @@ class Session {
   int Verify() { return RunSafe(&SafeRuns::Verify); }
   int SafeSend() { return RunSafe(&SafeRuns::Send); }
   int Restore() { return RunSafe(&SafeRuns::Restore); }
+
+  int Ports() {
+    const QList<platform::PortEntry> ports = world_.ports.List();
+    if (arguments_.json) {
+      Print(QJsonDocument(PortsJson(ports)));
+    } else {
+      Print(ToText(PortTableOf(ports)));
+    }
+    for (const platform::PortEntry& port : ports) {
+      if (port.state != platform::PortState::Free) core_.box.Show(port.device + u": "_s + port.remark);
+    }
+    if (ports.isEmpty()) core_.box.Show(NoPortsText());
+    return kDone;
+  }
 
   int Find() {
     int status = kNoTransfer;
@@ -393,6 +408,7 @@ constexpr Command kCommands[] = {
     {u"safe-send", &Session::SafeSend, Needs::Definitions, true},
     {u"backups", &Session::Backups, Needs::Nothing, true},
     {u"restore", &Session::Restore, Needs::Definitions, true, 1, u"die Sicherung"},
+    {u"ports", &Session::Ports, Needs::Nothing, true},
     {u"find", &Session::Find, Needs::Versions, true},
 };
 

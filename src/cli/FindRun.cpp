@@ -4,6 +4,7 @@
 
 #include "cli/Output.h"
 #include "cli/TextForms.h"
+#include "commands/PortCommands.h"
 #include "commands/SettingsTable.h"
 
 using namespace Qt::StringLiterals;
@@ -103,12 +104,7 @@ int RunFind(Core& core, COM_T_frm& host, World& world, const Arguments& argument
     }
     if (searched.answers.empty()) core.box.Show(NameOf(searched.port) + u": "_s + searched.text);
   }
-  if (search.ports.empty()) {
-    core.box.Show(
-        u"Es ist keine serielle Schnittstelle da. Den Adapter einstecken und, wenn er dann noch fehlt, "
-        u"seinen "
-        "Treiber installieren."_s);
-  }
+  if (search.ports.empty()) core.box.Show(NoPortsText());
   if (search.aborted) core.box.Show(u"Die Suche wurde abgebrochen."_s);
   return search.Found() && !search.aborted ? kDone : kNoTransfer;
 }

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include "commands/PortCommands.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
@@ -160,6 +162,35 @@ QJsonArray ToJson(const Table& table) {
   QJsonArray array;
   for (const Row& row : table)
     array.append(ToJson(row));
+  return array;
+}
+
+Table PortTableOf(const QList<platform::PortEntry>& ports) {
+  Table table;
+  for (const platform::PortEntry& port : ports) {
+    table.push_back({{u"Nr"_s, port.number > 0 ? QJsonValue(port.number) : QJsonValue(u"-"_s)},
+                     {u"Gerät"_s, port.device},
+                     {u"Beschreibung"_s, port.description},
+                     {u"Seriennummer"_s, port.serialNumber},
+                     {u"Zustand"_s, StateText(port.state)}});
+  }
+  return table;
+}
+
+QJsonArray PortsJson(const QList<platform::PortEntry>& ports) {
+  QJsonArray array;
+  for (const platform::PortEntry& port : ports) {
+    array.append(QJsonObject{{u"number"_s, port.number},
+                             {u"device"_s, port.device},
+                             {u"description"_s, port.description},
+                             {u"serialNumber"_s, port.serialNumber},
+                             {u"place"_s, port.place},
+                             {u"state"_s, StateText(port.state)},
+                             {u"remark"_s, port.remark},
+                             {u"bySerialNumber"_s, port.bySerialNumber},
+                             {u"byPlace"_s, port.byPlace},
+                             {u"carriesRate"_s, port.carriesRate}});
+  }
   return array;
 }
 

@@ -10,6 +10,7 @@
 #include "commands/TransferCommands.h"
 #include "core/ParameterList.h"
 #include "core/ValueFileFormat.h"
+#include "platform/PortDirectory.h"
 
 namespace kalivor::cli {
 
@@ -45,6 +46,12 @@ using Table = std::vector<Row>;
 
 [[nodiscard]] QJsonObject ToJson(const Row& row);
 [[nodiscard]] QJsonArray ToJson(const Table& table);
+
+/// The ports: number ("-" for none), device, description, serial number, state.
+[[nodiscard]] Table PortTableOf(const QList<platform::PortEntry>& ports);
+
+/// All that is known about them; number 0 for none.
+[[nodiscard]] QJsonArray PortsJson(const QList<platform::PortEntry>& ports);
 
 /// The nodes of the tree: key and text.
 [[nodiscard]] QString TreeText(const platform::TreeView& tree);

@@ -19,6 +19,24 @@ QString FaultOfDevice(const QString& binding) {
 
 }  // namespace
 
+QString StateText(platform::PortState state) {
+  switch (state) {
+    case platform::PortState::InUse:
+      return u"belegt"_s;
+    case platform::PortState::NoPermission:
+      return u"keine Rechte"_s;
+    case platform::PortState::Missing:
+      return u"fehlt"_s;
+    default:
+      return u"frei"_s;
+  }
+}
+
+QString NoPortsText() {
+  return u"Es ist keine serielle Schnittstelle da. Den Adapter einstecken und, wenn er dann noch fehlt, "
+         u"seinen Treiber installieren."_s;
+}
+
 QString FaultOf(const QString& binding) {
   if (std::ranges::any_of(binding, [](QChar character) { return character < u' '; }))
     return u"Die Angabe enthält Steuerzeichen."_s;

@@ -8,6 +8,12 @@
 
 namespace kalivor {
 
+/// "frei", "belegt", "keine Rechte", "fehlt".
+[[nodiscard]] QString StateText(platform::PortState state);
+
+/// What the user reads where the computer has no port at all.
+[[nodiscard]] QString NoPortsText();
+
 /// What is wrong with a binding that was typed, in German; "" when it can be one, as the empty text can.
 /// Whether there is such a device is not looked at.
 [[nodiscard]] QString FaultOf(const QString& binding);

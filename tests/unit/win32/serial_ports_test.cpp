@@ -34,8 +34,8 @@ class DeviceName {
 
 QStringList Names() {
   QStringList names;
-  for (const SerialPortEntry& port : PresentSerialPorts())
-    names.append(port.name);
+  for (const PortEntry& port : SerialPorts({}).List())
+    names.append(port.device);
   return names;
 }
 
@@ -64,6 +64,13 @@ TEST(SerialPorts, ANumberStandsForThePortOfItsNameWhileThatIsThere) {
     const DeviceName device(L"COM6");
     EXPECT_EQ(ports.Device(6), u"COM6"_s);
     EXPECT_EQ(ports.Shown(6), u"COM6"_s);
+    const QList<PortEntry> entries = ports.List();
+    const auto entry = std::ranges::find(entries, u"COM6"_s, &PortEntry::device);
+    ASSERT_NE(entry, entries.end());
+    EXPECT_EQ(entry->number, 6);
+    EXPECT_EQ(entry->state, PortState::Free);
+    EXPECT_EQ(entry->remark,
+              u"Ob ein anderes Programm sie benutzt, zeigt sich unter Windows erst beim Öffnen."_s);
   }
   EXPECT_EQ(ports.Device(6), QString());
 }
@@ -77,6 +84,31 @@ TEST(SerialPorts, AreListedByTheirNumbers) {
   for (const QString& name : {u"COM7"_s, u"COM10"_s})
     EXPECT_EQ(names.removeAll(name), 1) << name.toStdString();
   EXPECT_EQ(names, before);
+}
+
+TEST(SerialPorts, APortBehindTheLastNumberIsListedWithoutOne) {
+  const DeviceName ten(L"COM10");
+  const QList<PortEntry> unbound = SerialPorts({}).List();
+  const auto without = std::ranges::find(unbound, u"COM10"_s, &PortEntry::device);
+  ASSERT_NE(without, unbound.end());
+  EXPECT_EQ(without->number, 0);
+  SerialPorts bound({{2, u"\\\\.\\com10"_s}});
+  EXPECT_EQ(bound.Device(2), u"\\\\.\\com10"_s);
+  const QList<PortEntry> entries = bound.List();
+  const auto entry = std::ranges::find(entries, u"COM10"_s, &PortEntry::device);
+  ASSERT_NE(entry, entries.end()) << "however it is written";
+  EXPECT_EQ(entry->number, 2);
+}
+
+TEST(SerialPorts, WhatIsBoundAndNotThereIsMissing) {
+  SerialPorts ports({{1, u"COM77"_s}, {2, u"usb:0403:6001:A5069RR4:0"_s}});
+  EXPECT_EQ(ports.Device(1), u"COM77"_s);
+  EXPECT_EQ(ports.Device(2), QString());
+  const QList<PortEntry> entries = ports.List();
+  ASSERT_GE(entries.size(), 2);
+  EXPECT_EQ(entries.last().device, u"usb:0403:6001:A5069RR4:0"_s);
+  EXPECT_EQ(entries.last().state, PortState::Missing);
+  EXPECT_EQ(entries[entries.size() - 2].device, u"COM77"_s);
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
-// Before all others: the older header that <windows.h> brings along is another one.
-#include <mstcpip.h>
+// Before all others, and in this order: the header that <windows.h> brings along is an older one.
+// clang-format off
 #include <winsock2.h>
 #include <ws2tcpip.h>
+#include <mstcpip.h>
+// clang-format on
 
 #include <algorithm>
 #include <cmath>
@@ -88,7 +90,8 @@ Handle New(const Endpoint& endpoint, Failure& failure) {
     return kNone;
   }
   Set(made, IPPROTO_TCP, TCP_NODELAY, 1);
-  Set(made, IPPROTO_TCP, TCP_MAXRT, kGone_s);
+  constexpr int kLongestRetransmission = 5;  // TCP_MAXRT, which these headers do not have
+  Set(made, IPPROTO_TCP, kLongestRetransmission, kGone_s);
   tcp_keepalive alive{1, kGone_s * 1000 / 2, 1000};
   DWORD unused = 0;
   (void)WSAIoctl(made, SIO_KEEPALIVE_VALS, &alive, sizeof alive, nullptr, 0, &unused, nullptr, nullptr);

@@ -28,6 +28,7 @@ namespace {
 using Socket = SOCKET;
 constexpr Socket kNoSocket = INVALID_SOCKET;
 using Length = int;
+using Count = int;
 constexpr int kSendFlags = 0;
 void CloseSocket(Socket socket) {
   closesocket(socket);
@@ -40,6 +41,7 @@ void Prepare() {
 using Socket = int;
 constexpr Socket kNoSocket = -1;
 using Length = socklen_t;
+using Count = std::size_t;
 constexpr int kSendFlags = MSG_NOSIGNAL;
 void CloseSocket(Socket socket) {
   close(socket);
@@ -190,7 +192,7 @@ struct NetworkServer::Play {
 
   void SendNow(QByteArray bytes) {
     while (client != kNoSocket && !bytes.isEmpty()) {
-      const auto sent = send(client, bytes.constData(), static_cast<std::size_t>(bytes.size()), kSendFlags);
+      const auto sent = send(client, bytes.constData(), static_cast<Count>(bytes.size()), kSendFlags);
       if (sent <= 0) return;
       bytes.remove(0, static_cast<qsizetype>(sent));
     }

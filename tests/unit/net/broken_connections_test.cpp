@@ -137,7 +137,7 @@ TEST_P(BrokenConnections, GiveNoWrongValueAndLeaveNothingBehind) {
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
   EXPECT_EQ(wrong, 0);
   EXPECT_GT(right, kBreaks / 2);
-  EXPECT_EQ(OpenDescriptors(), descriptors);
+  EXPECT_LE(OpenDescriptors(), descriptors);
   for (const Break::Kind kind :
        {Break::Kind::HangUp, Break::Kind::Reset, Break::Kind::Stall, Break::Kind::Swallow})
     EXPECT_GT(broken.at(static_cast<std::size_t>(kind)), 0);

@@ -298,7 +298,8 @@ Optionen (vor oder nach dem Befehl):
   --ini-file NAME            Dateiname der Versionstabelle
   --controller TEXT          Reglerversion, genau wie in der Versionstabelle
   --plant TEXT | '#N'        Anlageart, als Text oder als Position ab 0
-  --port N | GERÄT           serielle Schnittstelle 1 bis 8 oder ein Gerät
+  --port N | GERÄT           serielle Schnittstelle 1 bis 8 oder ein Gerät: ein Pfad,
+                             socket://RECHNER:PORT oder rfc2217://RECHNER:PORT
   --address N                Geräteadresse 0 bis 255
   --load DATEI               Wertedatei laden, bevor der Befehl läuft
   --save DATEI               Wertedatei schreiben, wenn der Befehl erledigt ist (0 oder 1)

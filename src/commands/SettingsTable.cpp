@@ -4,6 +4,7 @@
 
 #include "base/Numbers.h"
 #include "commands/EventBoundary.h"
+#include "platform/NetworkAddress.h"
 
 using namespace Qt::StringLiterals;
 
@@ -73,6 +74,8 @@ QString TakePort(const QString& text, RunSettings& run, QString& device) {
   const int number = text.toInt(&isNumber);
   if (!isNumber) {
     device = text;
+    // Others show when they are opened; this one cannot be looked for at all.
+    if (platform::IsNetworkAddress(text)) return platform::ParseNetworkAddress(text).fault;
   } else if (kSchnittstelle.Offers(number)) {
     run.port = static_cast<qint16>(number);
   } else {

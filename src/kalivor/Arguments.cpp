@@ -35,7 +35,8 @@ QString TakeValueFile(const QString& path, Arguments& arguments) {
 constexpr QStringView kHelp =
     u"Aufruf: kalivor [OPTIONEN] [WERTEDATEI.qpf]\n"
     "\n"
-    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8 oder ein Gerät (Pfad)\n"
+    "  --port N|GERÄT    serielle Schnittstelle 1 bis 8 oder ein Gerät: ein Pfad,\n"
+    "                    socket://RECHNER:PORT oder rfc2217://RECHNER:PORT\n"
     "  --ini-path ORDNER Ordner der Versionstabelle und der Definitionsdateien\n"
     "  --ini-file NAME   Dateiname der Versionstabelle\n"
     "  --demo            mit einem simulierten Regler am mitgelieferten Beispiel\n"

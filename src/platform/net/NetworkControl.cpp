@@ -97,7 +97,9 @@ bool NetworkControl::Connect(const NetworkAddress& address, QDeadlineTimer bound
   // Before the new one: servers mostly let in one at a time.
   line_.reset();
   if (address == unanswered_ && !unansweredUntil_.hasExpired())
-    return Fail(u"Der Rechner „%1“ hat eben nicht geantwortet."_s.arg(address.host));
+    return Fail(
+        u"Der Rechner „%1“ hat eben nicht geantwortet: In wenigen Sekunden wird er wieder gefragt."_s.arg(
+            address.host));
   unanswered_ = address;
   unansweredUntil_ = QDeadlineTimer(0);
 

@@ -236,6 +236,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadRun{{u"send"_s, u"--plant"_s, u"#x"_s}, u"Unbekannte Anlageart: #x"_s},
         BadRun{{u"send"_s, u"--port"_s, u"0"_s}, u"Keine Schnittstelle von 1 bis 8: 0"_s},
         BadRun{{u"send"_s, u"--port"_s, u"9"_s}, u"Keine Schnittstelle von 1 bis 8: 9"_s},
+        BadRun{{u"send"_s, u"--port"_s, u"socket://regler"_s},
+               u"Die Netzadresse „socket://regler“ nennt keinen Port von 1 bis 65535. Erwartet wird "
+               "socket://RECHNER:PORT oder rfc2217://RECHNER:PORT."_s},
         BadRun{{u"send"_s, u"--set"_s, u"FEHLT=1"_s}, u"Unbekannte Variable: FEHLT"_s},
         BadRun{{u"send"_s, u"--set"_s, u"SOLL=3000.1"_s},
                u"Wert für SOLL liegt nicht zwischen 0 und 3000: 3000.1"_s},

@@ -357,7 +357,9 @@ TEST_F(ComPortLine, WhereNobodyAnswersTheNextOpeningsFailAtOnce) {
   since.start();
   EXPECT_FALSE(line_.Open(1, kSettings));
   EXPECT_LT(since.elapsed(), 100);
-  EXPECT_EQ(line_.Fault(), u"Der Rechner „127.0.0.1“ hat eben nicht geantwortet."_s);
+  EXPECT_EQ(
+      line_.Fault(),
+      u"Der Rechner „127.0.0.1“ hat eben nicht geantwortet: In wenigen Sekunden wird er wieder gefragt."_s);
   server_.SetManner({.comPort = true});
   WaitUntil([&] { return line_.Open(1, kSettings); });
   EXPECT_GE(since.elapsed(), 190);

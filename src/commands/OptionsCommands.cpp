@@ -38,4 +38,11 @@ void ApplyOptions(Core& core, const OptionsContent& content) {
   Refresh(core, 5);
 }
 
+void ApplyConnection(Core& core, int number, qint16 address) {
+  OptionsContent content;
+  content.portPosition = number - kSchnittstelle.lowest;
+  content.addressPosition = address - kAdresse.lowest;
+  ApplyOptions(core, content);
+}
+
 }  // namespace kalivor

@@ -23,4 +23,7 @@ struct OptionsContent {
 /// then.
 void ApplyOptions(Core& core, const OptionsContent& content);
 
+/// Stores port `number` (1 to 8) and `address` (0 to 255) in the same way, and nothing else.
+void ApplyConnection(Core& core, int number, qint16 address);
+
 }  // namespace kalivor

@@ -57,6 +57,18 @@ TEST_F(Options, WithoutASelectionTheStoredValueStays) {
   EXPECT_EQ(pc.module.Adresse, 300);
 }
 
+TEST_F(Options, AConnectionIsStoredLikePortAndAddress) {
+  ApplyConnection(pc.core, 8, 255);
+  EXPECT_EQ(pc.module.Schnittstelle, 8);
+  EXPECT_EQ(pc.module.Adresse, 255);
+  EXPECT_EQ(pc.host.Ports[1].PortNr, 8);
+  EXPECT_EQ(pc.host.Ports[1].Adr, 255);
+  EXPECT_TRUE(pc.files.reads.isEmpty());
+  ApplyConnection(pc.core, 1, 0);
+  EXPECT_EQ(pc.module.Schnittstelle, 1);
+  EXPECT_EQ(pc.module.Adresse, 0);
+}
+
 TEST_F(Options, TheLineIsSetBackTo9600Baud) {
   (void)pc.controller.Configure(kSlot, kSettings19200);
   ApplyOptions(pc.core, OptionsOf(pc.module));

@@ -4,6 +4,7 @@
 
 #include "base/Windows1252.h"
 #include "comm/COM_T_frm.h"
+#include "platform/SerialControl.h"
 
 using namespace Qt::StringLiterals;
 
@@ -91,7 +92,8 @@ PortFinding FindingOf(const Exchange& exchange, bool first, const platform::Port
     return {WhyNotOpened(port.state), port.remark.isEmpty() ? exchange.fault : port.remark};
   }
   // An open port that has something to say about itself is gone.
-  if (!exchange.fault.isEmpty()) return {LineFinding::Unplugged, exchange.fault};
+  if (!exchange.fault.isEmpty() || exchange.lineError == platform::kCommEventDeviceControlBlock)
+    return {LineFinding::Unplugged, exchange.fault};
   switch (exchange.end) {
     case ExchangeEnd::Refused:
       return {LineFinding::Refused, ReasonOf(exchange.failure), exchange.address, exchange.settings};

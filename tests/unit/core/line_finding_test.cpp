@@ -4,6 +4,7 @@
 #include "comm/COM_T_frm.h"
 #include "fakes/FakeClock.h"
 #include "fakes/QtPrinters.h"
+#include "platform/SerialControl.h"
 
 namespace kalivor::test {
 namespace {
@@ -112,6 +113,14 @@ TEST_F(LineFindings, APortThatCannotBeOpenedAnyMoreIsUnplugged) {
 TEST_F(LineFindings, AnOpenPortThatSpeaksOfItselfIsUnplugged) {
   log.Begin({kFalse, 1, kControllerProtocol, 1, u"9600,o,7,1"_s}, QString::fromLatin1(kRequest));
   log.End(u"ERROR: kein Empfang"_s, true, u"Das Gerät ist weg."_s);
+  log.Settle();
+  EXPECT_EQ(Kind(), LineFinding::Unplugged);
+}
+
+TEST_F(LineFindings, APortThatReportsItsDriverGoneIsUnplugged) {
+  log.Begin({kFalse, 1, kControllerProtocol, 1, u"9600,o,7,1"_s}, QString::fromLatin1(kRequest));
+  log.LineError(platform::kCommEventDeviceControlBlock);
+  log.End(u"ERROR: kein Empfang"_s, true, {});
   log.Settle();
   EXPECT_EQ(Kind(), LineFinding::Unplugged);
 }

@@ -6,6 +6,7 @@
 #include "cli/TextForms.h"
 #include "commands/PortCommands.h"
 #include "commands/SettingsTable.h"
+#include "platform/PortBinding.h"
 
 using namespace Qt::StringLiterals;
 
@@ -29,8 +30,7 @@ PortEntry NamedPort(platform::PortDirectory& ports, const QString& name) {
   } else {
     entry.device = name;
   }
-  // Nothing is there that could set a rate.
-  entry.carriesRate = !entry.device.startsWith(u"socket://"_s);
+  entry.carriesRate = platform::CarriesRate(entry.device);
   return entry;
 }
 

@@ -9,6 +9,11 @@ bool IsDark(const QPalette& palette) {
   return palette.color(QPalette::Base).lightness() < kDarkLightness;
 }
 
+// Of a box: to be seen on a dark background.
+QColor OutlineOn(const QPalette& palette) {
+  return palette.color(QPalette::Text).darker(120);
+}
+
 }  // namespace
 
 QColor WarningColour(const QPalette& palette) {
@@ -20,7 +25,13 @@ QColor WarningColour(const QPalette& palette) {
 void StyleCell(QStyleOptionViewItem& option) {
   if ((option.displayAlignment & Qt::AlignRight) != 0) option.text += kEndOfNumbers;
   QPalette& palette = option.palette;
-  if (IsDark(palette)) palette.setColor(QPalette::Window, palette.color(QPalette::Text).darker(120));
+  if (IsDark(palette)) palette.setColor(QPalette::Window, OutlineOn(palette));
+}
+
+void StyleBox(QAbstractButton& box) {
+  QPalette palette = box.parentWidget()->palette();
+  if (IsDark(palette)) palette.setColor(QPalette::Window, OutlineOn(palette));
+  box.setPalette(palette);
 }
 
 }  // namespace kalivor::ui

@@ -1,6 +1,7 @@
 // How the added tables draw their cells.
 #pragma once
 
+#include <QAbstractButton>
 #include <QStyleOptionViewItem>
 
 namespace kalivor::ui {
@@ -16,5 +17,8 @@ inline constexpr int kRowAir_px = 7;
 
 /// Air behind a number, and an empty check box that can be seen on a dark background as well.
 void StyleCell(QStyleOptionViewItem& option);
+
+/// The same for a check box or radio button outside of tables; to be called whenever its window is shown.
+void StyleBox(QAbstractButton& box);
 
 }  // namespace kalivor::ui

@@ -83,6 +83,7 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeSicherEmpfangen"_s, [this] { ReceiveSafely(); }},
       {u"mnuWerkzeugeSicherungen"_s, [this] { ShowBackups(); }},
       {kUnfinishedItem, [this] { ShowUnfinished(); }},
+      {u"mnuWerkzeugeVerbindung"_s, [this] { ShowConnection(); }},
       {u"mnuWerkzeugeTelegramme"_s, [this] { ShowTelegrams(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
@@ -114,6 +115,18 @@ void Desktop::ShowFindings() {
     Add(*findings, true);
   }
   findings->CheckAndShow();
+}
+
+void Desktop::ShowConnection() {
+  if (module.BusyDepth > 0) return;
+  if (!connection) {
+    connection = std::make_unique<ConnectionWindow>(
+        ConnectionSurroundings{core, wiring.host, world.ports, world.settings, guard});
+    Add(*connection, true);
+    main.AddCompanion(connection->Progress(), false);
+    main.AddCompanion(connection->Binding(), true);
+  }
+  connection->Open();
 }
 
 void Desktop::ShowList(void (ParameterListWindow::*open)()) {

@@ -26,6 +26,7 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
+#include "ui/line/ConnectionWindow.h"
 #include "ui/line/TelegramsWindow.h"
 #include "ui/list/ParameterListWindow.h"
 #include "ui/list/ProgressDialog.h"
@@ -106,6 +107,7 @@ struct Desktop {
   std::unique_ptr<SafeWindow> safe;           ///< made when it is first needed
   std::unique_ptr<UnfinishedDialog> unfinished;
   std::unique_ptr<BackupsWindow> backups;
+  std::unique_ptr<ConnectionWindow> connection;  ///< made when it is first opened
   std::unique_ptr<TelegramsWindow> telegrams;  ///< made when it is first opened
 
  private:
@@ -126,6 +128,7 @@ struct Desktop {
   void ShowAbout();
   void ShowOptions(int page);
   void ShowFindings();
+  void ShowConnection();
   void ShowList(void (ParameterListWindow::*open)());
   void MakeList();
   [[nodiscard]] std::vector<ListExport> Exports();

@@ -72,6 +72,7 @@ const std::vector<TopMenu>& Menus() {
         {u"mnuWerkzeugeSicherungen", u"S&icherungen…"},
         {u"mnuWerkzeugeUnterbrochen", u"&Unterbrochene Sendung", false},
         {u"mnuWerkzeugeBar3", u"-"},
+        {u"mnuWerkzeugeVerbindung", u"&Verbindung…"},
         {u"mnuWerkzeugeTelegramme", u"&Telegramme"}}},
       {u"mnuHelp",
        u"&?",

@@ -37,7 +37,7 @@ MENUS = {
     "Datei": ["Öffnen...", "Schließen", "Speichern", "Speichern unter...", "Drucken...", "Beenden"],
     "Optionen": ["Schnittstelle", "Regler", "Dateien"],
     "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen",
-                  "Sicher senden…", "Sicher empfangen…", "Sicherungen…", "Telegramme"],
+                  "Sicher senden…", "Sicher empfangen…", "Sicherungen…", "Verbindung…", "Telegramme"],
     "?": ["Info "],
 }
 REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]

@@ -193,10 +193,11 @@ class PortSearch {
   qint64 last_ = 0;
 };
 
-// What the directory knows of the port now.
+// What the directory knows of the port now, while it stands in for the selected number. One that nobody has
+// bound is not missed: why it could not be opened is the port's to say.
 PortEntry Looked(platform::PortDirectory& ports, const PortEntry& port) {
   for (const PortEntry& entry : ports.List()) {
-    if (entry.device == port.device) return entry;
+    if (entry.device == port.device && entry.state != PortState::Missing) return entry;
   }
   return port;
 }

@@ -1,4 +1,7 @@
 // find with the real programs: two simulated controllers at two pseudo-terminals, and nobody at a third.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 #include <QElapsedTimer>
 #include <csignal>
 
@@ -39,6 +42,30 @@ TEST(FindCommand, SaysWhatASilentPortAndAMissingOneMean) {
   ASSERT_EQ(lines.size(), 3) << outcome.err.toStdString();
   EXPECT_TRUE(lines.at(0).startsWith(silent.Device() + u": Es kam gar nichts zurück"_s));
   EXPECT_TRUE(lines.at(1).startsWith(missing + u": Die Schnittstelle ließ sich nicht öffnen."_s));
+}
+
+TEST(FindCommand, SaysThatTheAdapterWasPulledOut) {
+  const Simulator vanishing({u"--fault"_s, u"unplug"_s});
+  const Outcome outcome =
+      Cli().Run({u"find"_s, u"--ports"_s, vanishing.Device(), u"--addresses"_s, u"0-255"_s});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_TRUE(outcome.err.contains(u": Die Schnittstelle ist während der Suche verschwunden"_s))
+      << outcome.err.toStdString();
+}
+
+TEST(FindCommand, SaysThatAnotherProgramHasThePort) {
+  const Simulator simulator;
+  // As another program of ours holds it.
+  const int device = ::open(simulator.Device().toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+  ASSERT_GE(device, 0);
+  ASSERT_EQ(::flock(device, LOCK_EX | LOCK_NB), 0);
+  const Outcome outcome = Cli().Run({u"find"_s, u"--ports"_s, simulator.Device()});
+  ::close(device);
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_FALSE(outcome.err.contains(u"Es kam gar nichts zurück"_s));
+  EXPECT_TRUE(outcome.err.startsWith(simulator.Device() + u": Die Schnittstelle "_s))
+      << outcome.err.toStdString();
+  EXPECT_EQ(Cli().Run({u"find"_s, u"--ports"_s, simulator.Device()}).status, 0) << "it is free again";
 }
 
 TEST(FindCommand, AnInterruptEndsIt) {

@@ -271,6 +271,14 @@ TEST_F(SearchTest, ANumberWithoutADeviceIsNotAskedAndNoOtherInItsPlace) {
   EXPECT_TRUE(lines.opened.isEmpty());
 }
 
+TEST_F(SearchTest, ADeviceThatNobodyHasBoundIsNotMissed) {
+  // The directory tells so of what stands in for a number.
+  line.openable = false;
+  request.ports = {PortEntry{0, kFirst}};
+  ports.entries = {PortEntry{1, kFirst, {}, {}, {}, PortState::Missing}};
+  EXPECT_EQ(Finding().kind, LineFinding::NotOpened);
+}
+
 TEST_F(SearchTest, APortThatCannotBeOpenedForAnotherReason) {
   line.openable = false;
   const PortFinding finding = Finding();

@@ -89,7 +89,8 @@ PortFinding FindingOf(const Exchange& exchange, bool first, const platform::Port
   if (exchange.end == ExchangeEnd::NoPort) {
     // It could be opened a moment ago.
     if (!first) return {LineFinding::Unplugged, exchange.fault};
-    return {WhyNotOpened(port.state), port.remark.isEmpty() ? exchange.fault : port.remark};
+    const LineFinding why = WhyNotOpened(port.state);
+    return {why, port.remark.isEmpty() && why == LineFinding::NotOpened ? exchange.fault : port.remark};
   }
   // An open port that has something to say about itself is gone.
   if (!exchange.fault.isEmpty() || exchange.lineError == platform::kCommEventDeviceControlBlock)
@@ -106,10 +107,9 @@ PortFinding FindingOf(const Exchange& exchange, bool first, const platform::Port
   }
 }
 
-// What the port or the system says about it, as a sentence behind another one.
-QString Remark(const QString& detail) {
-  if (detail.isEmpty()) return {};
-  return u' ' + detail + (detail.endsWith(u'.') ? QString() : u"."_s);
+// What was seen, and what to do: in the words of the port or the system where they have some.
+QString WithAdvice(const QString& seen, const QString& detail, const QString& otherwise) {
+  return seen + u' ' + (detail.isEmpty() ? otherwise : detail);
 }
 
 }  // namespace
@@ -128,32 +128,24 @@ PortFinding FindingOf(const ExchangeLog& log, qint64 first, qint64 last, const p
 }
 
 QString FindingText(const PortFinding& finding, bool everyAddress) {
-  const QString remark = Remark(finding.detail);
+  const QString& detail = finding.detail;
   switch (finding.kind) {
     case LineFinding::Unplugged:
-      return u"Die Schnittstelle ist während der Suche verschwunden, wohl weil der Adapter abgezogen wurde. "
-             "Adapter einstecken und noch einmal suchen."_s +
-             remark;
+      return WithAdvice(
+          u"Die Schnittstelle ist während der Suche verschwunden; was bis dahin kam, sagt nichts Sicheres."_s,
+          detail, u"Den Adapter einstecken und noch einmal suchen."_s);
     case LineFinding::InUse:
-      return u"Die Schnittstelle ist belegt: Ein anderes Programm hat sie geöffnet. Das andere Programm "
-             u"beenden "
-             "und noch einmal suchen."_s +
-             remark;
+      return WithAdvice(u"Die Schnittstelle ist belegt."_s, detail,
+                        u"Das Programm beenden, das sie geöffnet hat, und noch einmal suchen."_s);
     case LineFinding::NoPermission:
-      return u"Die Schnittstelle darf von diesem Benutzer nicht geöffnet werden. Das Recht dazu vergibt, wer "
-             u"das "
-             "System verwaltet."_s +
-             remark;
+      return WithAdvice(u"Die Schnittstelle darf von diesem Benutzer nicht geöffnet werden."_s, detail,
+                        u"Das Recht dazu vergibt, wer das System verwaltet."_s);
     case LineFinding::Missing:
-      return u"Das zugeordnete Gerät ist nicht da, und kein anderes nimmt seinen Platz ein. Einstecken, oder "
-             u"der "
-             "Nummer ein anderes Gerät zuordnen."_s +
-             remark;
+      return WithAdvice(u"Das zugeordnete Gerät ist nicht da, und kein anderes nimmt seinen Platz ein."_s,
+                        detail, u"Es einstecken oder der Nummer ein anderes zuordnen."_s);
     case LineFinding::NotOpened:
-      return u"Die Schnittstelle ließ sich nicht öffnen. Prüfen, ob das Gerät da und eingeschaltet ist und "
-             u"die "
-             "Angabe stimmt."_s +
-             remark;
+      return WithAdvice(u"Die Schnittstelle ließ sich nicht öffnen."_s, detail,
+                        u"Prüfen, ob das Gerät da und eingeschaltet ist und die Angabe stimmt."_s);
     case LineFinding::Refused:
       return u"Ein Regler mit der Adresse %1 ist da (%2 Baud), lehnt die Frage nach seiner Version aber ab: "
              u"%3. "

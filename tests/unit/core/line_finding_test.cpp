@@ -100,8 +100,11 @@ TEST_F(LineFindings, APortThatCouldNotBeOpenedIsWhatTheDirectorySays) {
     port.remark = u"Bemerkung"_s;
     EXPECT_EQ(Finding(), (PortFinding{kind, u"Bemerkung"_s}));
   }
+  // Else what the port says, unless the directory knows better.
   port.remark.clear();
-  EXPECT_EQ(Finding().detail, u"Das Gerät antwortet nicht."_s);
+  EXPECT_EQ(Finding(), (PortFinding{LineFinding::NotOpened, u"Das Gerät antwortet nicht."_s}));
+  port.state = PortState::InUse;
+  EXPECT_EQ(Finding(), (PortFinding{LineFinding::InUse}));
 }
 
 TEST_F(LineFindings, APortThatCannotBeOpenedAnyMoreIsUnplugged) {
@@ -160,17 +163,25 @@ TEST(LineFindingTexts, EachKindHasOneOfItsOwn) {
   QStringList texts;
   QStringList names;
   for (int kind = 0; kind <= static_cast<int>(LineFinding::NotAsked); ++kind) {
-    const PortFinding finding{static_cast<LineFinding>(kind), u"EINZELHEIT"_s, 12, u"19200,o,7,1"_s};
+    const PortFinding finding{static_cast<LineFinding>(kind), u"EINZELHEIT."_s, 12, u"19200,o,7,1"_s};
     texts.append(FindingText(finding, false));
     names.append(FindingName(finding.kind));
     EXPECT_FALSE(texts.last().isEmpty()) << kind;
     EXPECT_TRUE(texts.last().endsWith(u'.')) << texts.last().toStdString();
     EXPECT_FALSE(texts.last().contains(u'%')) << texts.last().toStdString();
-    EXPECT_FALSE(texts.last().contains(u".."_s)) << texts.last().toStdString();
     EXPECT_EQ(FindingText(finding, true).contains(u"EINZELHEIT"_s), texts.last().contains(u"EINZELHEIT"_s));
   }
   EXPECT_EQ(texts.removeDuplicates(), 0);
   EXPECT_EQ(names.removeDuplicates(), 0);
+}
+
+TEST(LineFindingTexts, LeaveTheAdviceToTheSystemWhereItHasSome) {
+  EXPECT_EQ(
+      FindingText({LineFinding::InUse, u"Das Programm minicom benutzt sie; es zuerst beenden."_s}, false),
+      u"Die Schnittstelle ist belegt. Das Programm minicom benutzt sie; es zuerst beenden."_s);
+  EXPECT_EQ(
+      FindingText({LineFinding::InUse}, false),
+      u"Die Schnittstelle ist belegt. Das Programm beenden, das sie geöffnet hat, und noch einmal suchen."_s);
 }
 
 TEST(LineFindingTexts, NameWhoRefused) {

@@ -46,7 +46,7 @@ class PlantReader {
   PlantReader(const Core& core, COM_T_frm& host) : core_(core), host_(host) {}
 
   void Read(FoundController& found) {
-    versions_ = core_.module;
+    versions_ = static_cast<const VersionTable&>(core_.module);
     const int position = versions_.VersionList.Find(found.version);
     found.known = position >= 0;
     if (!found.known) return;

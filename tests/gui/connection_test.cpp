@@ -30,6 +30,9 @@ PortEntry Adapter(int number, const QString& device, const QString& serialNumber
 
 /// The controller is at the second of three ports.
 class ConnectionTest : public GuiTest {
+ public:
+  ~ConnectionTest() override { desktop.reset(); }
+
  protected:
   LinesByDevice lines{ports};
 
@@ -38,7 +41,6 @@ class ConnectionTest : public GuiTest {
                      Adapter(3, u"/dev/ttyUSB1"_s, u"A2"_s)};
     lines.lines[u"/dev/ttyUSB0"_s] = line.get();
   }
-  ~ConnectionTest() override { desktop.reset(); }
 
   void StartHere() {
     const ui::World world = World();

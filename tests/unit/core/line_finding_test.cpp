@@ -1,6 +1,8 @@
 // What the exchanges of a port without a controller are called, and which of them is told.
 #include "core/LineFinding.h"
 
+#include <gtest/gtest.h>
+
 #include "comm/COM_T_frm.h"
 #include "fakes/FakeClock.h"
 #include "fakes/QtPrinters.h"
@@ -37,6 +39,7 @@ class LineFindings : public testing::Test {
   void NoteSilence() { Note({}, u"ERROR: kein Empfang"_s); }
 
   [[nodiscard]] PortFinding Finding() const { return FindingOf(log, log.First(), log.Last(), port); }
+  [[nodiscard]] PortFinding Newest() const { return FindingOf(log, log.Last(), log.Last(), port); }
   [[nodiscard]] LineFinding Kind() const { return Finding().kind; }
 };
 
@@ -59,10 +62,9 @@ TEST_F(LineFindings, ARefusalNamesItsTextAndTheAddress) {
 TEST_F(LineFindings, AReplyWithAWrongSumIsADamagedOne) {
   for (const QByteArray& reply : {QByteArray("10102vAB1-04D200\r"), QByteArray("0102vAB1-04D2E1\r"),
                                   QByteArray("xK10102vAB1-04D2E1\r"), QByteArray("10102vAB1-04D2E1")}) {
-    log.BeginTransfer();
     Note(kRequest + reply, u"ERROR:  Checksumme Falsch"_s, 3);
-    EXPECT_EQ(Finding().kind, LineFinding::Damaged) << reply.toStdString();
-    EXPECT_EQ(Finding().address, 3);
+    EXPECT_EQ(Newest().kind, LineFinding::Damaged) << reply.toStdString();
+    EXPECT_EQ(Newest().address, 3);
   }
 }
 
@@ -82,7 +84,7 @@ TEST_F(LineFindings, CharactersThatMeanNothingAreGarbled) {
                                   QByteArray("~|{}%&\x02"
                                              "abc")}) {
     Note(noise, u"ERROR: ungültiger Empfang"_s);
-    EXPECT_EQ(Kind(), LineFinding::Garbled) << noise.toHex().toStdString();
+    EXPECT_EQ(Newest().kind, LineFinding::Garbled) << noise.toHex().toStdString();
   }
 }
 

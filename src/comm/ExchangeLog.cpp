@@ -30,6 +30,21 @@ ExchangeEnd EndOf(const Exchange& exchange) {
   return IsRefusal(reply) ? ExchangeEnd::Refused : ExchangeEnd::Damaged;
 }
 
+// All at once: this is done for every exchange of every transfer.
+template <int Limit>
+void Append(KeptCharacters<Limit>& characters, QByteArrayView added) {
+  const int room = std::max(0, Limit - characters.count);
+  std::copy_n(added.begin(), std::min<qsizetype>(room, added.size()),
+              characters.kept.begin() + (Limit - room));
+  characters.count += static_cast<int>(added.size());
+}
+
+// Few requests have other characters than those that are the same in every code page.
+char ByteOf(QChar character) {
+  constexpr char16_t kSame = 0x80;
+  return static_cast<char>(character.unicode() < kSame ? character.unicode() : ByteFromCharacter(character));
+}
+
 }  // namespace
 
 ExchangeLog::ExchangeLog(const platform::Clock& clock) : clock_(clock) {
@@ -49,11 +64,10 @@ void ExchangeLog::Begin(const PortRecord& port, QStringView frame) {
   exchange.portNumber = port.PortNr;
   exchange.address = port.Adr;
   exchange.attempt = std::exchange(nextAttempt_, 1);
-  exchange.request.Clear();
-  for (const QChar character : frame) {
-    const auto byte = static_cast<char>(ByteFromCharacter(character));
-    exchange.request.Append({&byte, 1});
-  }
+  const qsizetype kept =
+      std::min<qsizetype>(frame.size(), static_cast<qsizetype>(exchange.request.kept.size()));
+  std::transform(frame.begin(), frame.begin() + kept, exchange.request.kept.begin(), ByteOf);
+  exchange.request.count = static_cast<int>(frame.size());
   exchange.received.Clear();
   exchange.answer_s = 0;
   exchange.lineError = 0;
@@ -66,7 +80,7 @@ void ExchangeLog::Begin(const PortRecord& port, QStringView frame) {
 }
 
 void ExchangeLog::Received(QByteArrayView characters) {
-  Newest().received.Append(characters);
+  Append(Newest().received, characters);
 }
 
 void ExchangeLog::End(const QString& reply, bool portOpen, const QString& fault) {

@@ -217,8 +217,9 @@ class Session {
 
   // A run whose trace cannot be kept does not begin: it may not come back.
   void BeginTrace() {
-    trace_.emplace(TraceFile::World{module_, wiring_.host.Exchanges, world_.files, world_.clock, box_},
-                   *arguments_.trace);
+    trace_.emplace(
+        TraceFile::World{module_, wiring_.host.Exchanges, world_.files, world_.clock, box_, world_.ports},
+        *arguments_.trace);
     const QString failure = trace_->Open();
     if (failure.isEmpty()) return;
     core_.box.Show(failure);

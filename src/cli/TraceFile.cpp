@@ -41,6 +41,12 @@ QString TraceFile::Open() {
 void TraceFile::Note(const Exchange& exchange) {
   if (!file_) return;
   if (std::exchange(readerIsOld_, false)) reader_ = TelegramReader(world_.module);
+  // A search goes from device to device under one number.
+  const QString device = world_.ports.Device(exchange.portNumber);
+  if (device_ != device) {
+    device_ = device;
+    if (!device.isEmpty()) unwritten_ += u"COM%1 ist %2\n"_s.arg(exchange.portNumber).arg(device).toUtf8();
+  }
   unwritten_ += lines_.Of(reader_, exchange).toUtf8();
   // A clock that was set back counts as well.
   const double passed_s = std::abs(world_.clock.SecondsSinceMidnight() - written_s_);

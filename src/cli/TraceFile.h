@@ -10,6 +10,7 @@
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
+#include "platform/PortDirectory.h"
 
 namespace kalivor::cli {
 
@@ -24,6 +25,7 @@ class TraceFile {
     platform::FileSystem& files;
     const platform::Clock& clock;
     platform::MessageBox& box;
+    platform::PortDirectory& ports;
   };
 
   TraceFile(const World& world, QString path);
@@ -45,6 +47,7 @@ class TraceFile {
   TelegramReader reader_;
   bool readerIsOld_ = true;  // the definitions are others since it was made
   TelegramLines lines_;
+  QString device_;  // behind the port of the last exchange
   QByteArray unwritten_;
   double written_s_ = 0;  // when something was last written
 };

@@ -62,6 +62,15 @@ TEST_F(FindTest, StoresNothing) {
   EXPECT_EQ(settings.saved, 0);
 }
 
+TEST_F(FindTest, ItsTelegramsAreTraced) {
+  EXPECT_EQ(Find({u"--trace"_s, u"t.txt"_s}), kDone);
+  const QString trace = QString::fromUtf8(files.files.value(u"t.txt"_s).bytes);
+  EXPECT_EQ(trace.count(u"PC     > "_s), line.sent.count('\r') + silentLine.sent.count('\r'));
+  EXPECT_TRUE(trace.startsWith(u"COM1 ist /dev/ttyS0\nLeitung: COM1, 9600,o,7,1; "_s)) << trace.toStdString();
+  EXPECT_TRUE(trace.contains(u"COM1 ist /dev/ttyUSB0\n"_s)) << trace.toStdString();
+  EXPECT_TRUE(trace.contains(u"Version AB1-123.4 ("_s));
+}
+
 TEST_F(FindTest, AnUnknownVersionIsSaidSo) {
   controller.emplace(ControllerOf(u"XYZ-001.0"_s));
   EXPECT_EQ(Find({u"--ports"_s, u"2"_s}), kDone);

@@ -107,7 +107,7 @@ class TraceFileTest : public TraceTest {
 TEST_F(TraceFileTest, AllAreWrittenHoweverManyThereAre) {
   const int all = ExchangeLog::kKept + 50;
   {
-    TraceFile file({module, log, files, clock, box}, u"t.txt"_s);
+    TraceFile file({module, log, files, clock, box, ports}, u"t.txt"_s);
     ASSERT_EQ(file.Open(), QString());
     for (int i = 1; i <= all; ++i)
       Exchange(i);
@@ -119,7 +119,7 @@ TEST_F(TraceFileTest, AllAreWrittenHoweverManyThereAre) {
 }
 
 TEST_F(TraceFileTest, WhatIsOlderThanASecondIsOnTheDisk) {
-  TraceFile file({module, log, files, clock, box}, u"t.txt"_s);
+  TraceFile file({module, log, files, clock, box, ports}, u"t.txt"_s);
   ASSERT_EQ(file.Open(), QString());
   Exchange(1);
   clock.Advance(0.6);

@@ -119,6 +119,7 @@ const QSet<QString>& CoreHeaders() {
                                      u"QQueue"_s,
                                      u"QRandomGenerator"_s,
                                      u"QRegularExpression"_s,
+                                     u"QRectF"_s,
                                      u"QSaveFile"_s,
                                      u"QScopeGuard"_s,
                                      u"QSet"_s,

@@ -181,7 +181,10 @@ TEST_F(ExchangeText, APortThatCannotBeOpenedSentNothing) {
   pc.line.openable = false;
   const QStringList found = Read();
   EXPECT_EQ(found.value(1), u"PC     > #0102R1F000F␍       Gerät 1: Lesen 1F00, Drehzahl (nicht gesendet)");
-  EXPECT_EQ(found.value(2), u"Regler <                     COM 1 nicht verfügber (0 ms)");
+  EXPECT_EQ(
+      found.value(2),
+      u"Regler <                     COM 1 nicht verfügber: Die simulierte Leitung ist nicht zu öffnen. "
+      "(0 ms)");
 }
 
 TEST_F(ExchangeText, LineErrorsAreSaid) {

@@ -1,6 +1,13 @@
 // Lines over the network: what is kept between telegrams, what a server is told, and what is said when it
 // fails.
 #include <gtest/gtest.h>
+#include <QtGlobal>
+#ifdef Q_OS_LINUX
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#endif
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -212,6 +219,60 @@ TEST_F(RawLine, SaysThatNobodyOffersThePort) {
             u"Der Rechner „127.0.0.1“ lehnt die Verbindung zum Port %1 ab: Läuft der Server "
             "dort, und stimmt der Port?"_s.arg(server_.Port()));
 }
+
+#ifdef Q_OS_LINUX
+// A queue of connections that nobody takes: the system does not answer any more once it is full.
+class FullQueue {
+ public:
+  FullQueue() {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* const any = reinterpret_cast<sockaddr*>(&address);
+    const int offer = New(0);
+    EXPECT_EQ(bind(offer, any, length), 0);
+    EXPECT_EQ(listen(offer, 0), 0);
+    EXPECT_EQ(getsockname(offer, any, &length), 0);
+    port = ntohs(address.sin_port);
+    for (int i = 0; i < 3; ++i)
+      (void)connect(New(SOCK_NONBLOCK), any, length);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  ~FullQueue() {
+    for (const int socket : sockets_)
+      close(socket);
+  }
+  FullQueue(const FullQueue&) = delete;
+  FullQueue& operator=(const FullQueue&) = delete;
+
+  quint16 port = 0;
+
+ private:
+  int New(int flags) { return sockets_.emplace_back(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0)); }
+
+  std::vector<int> sockets_;
+};
+
+TEST_F(RawLine, ConnectingIsBounded) {
+  const FullQueue queue;
+  device_ = u"socket://127.0.0.1:%1"_s.arg(queue.port);
+  QElapsedTimer since;
+  since.start();
+  EXPECT_FALSE(line_.Open(1, kSettings));
+  EXPECT_EQ(line_.Fault(),
+            u"Der Rechner „127.0.0.1“ antwortet nicht: Ist er eingeschaltet und über das Netz "
+            "erreichbar?"_s);
+  EXPECT_GE(since.elapsed(), 490);
+  EXPECT_LT(since.elapsed(), 2000);
+  EXPECT_FALSE(line_.Open(1, kSettings));
+  EXPECT_EQ(
+      line_.Fault(),
+      u"Der Rechner „127.0.0.1“ hat eben nicht geantwortet: In wenigen Sekunden wird er wieder gefragt."_s);
+  device_ = server_.Device();
+  EXPECT_TRUE(line_.Open(1, kSettings)) << "another address has nothing to do with it";
+}
+#endif
 
 TEST_F(RawLine, SaysThatThereIsNoSuchHost) {
   device_ = u"socket://gibt-es-nicht.invalid:4001"_s;

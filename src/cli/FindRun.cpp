@@ -5,7 +5,6 @@
 #include "cli/Output.h"
 #include "cli/TextForms.h"
 #include "commands/PortCommands.h"
-#include "commands/SettingsTable.h"
 #include "platform/PortBinding.h"
 
 using namespace Qt::StringLiterals;

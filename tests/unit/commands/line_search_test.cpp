@@ -217,6 +217,13 @@ TEST_F(SearchTest, Silent) {
   EXPECT_EQ(Lines(Requests()), u"v00 | v00"_s);
 }
 
+TEST_F(SearchTest, WhatWentOverTheLineBeforeIsNoPartOfIt) {
+  faults.Plan(1, {sim::FaultKind::Error, 0, "04"});
+  faults.Add({});
+  (void)routed.controller.ReadVersion(kSlot);
+  EXPECT_EQ(Finding().kind, LineFinding::Silent);
+}
+
 TEST_F(SearchTest, EchoOnly) {
   faults.Add({{sim::FaultKind::EchoOnly}, 1, {}});
   EXPECT_EQ(Finding().kind, LineFinding::EchoOnly);
@@ -435,6 +442,14 @@ TEST_F(SearchTest, TheRemainingTimeLeavesOutWhatIsNotAsked) {
   // One attempt to open the port that is not there, two exchanges at the other.
   EXPECT_EQ(progress.lastTotal, 3);
   EXPECT_EQ(progress.lastDone, 3);
+}
+
+TEST_F(SearchTest, TheRemainingTimeLeavesOutTheOtherRateOfAnAnswer) {
+  request.range = {0, 2};
+  EXPECT_TRUE(Search().Found());
+  EXPECT_EQ(lines.opened.size(), 6) << "five questions for a version, one for the plant number";
+  EXPECT_EQ(progress.lastDone, 5);
+  EXPECT_EQ(progress.lastTotal, 5);
 }
 
 class SlowSearch : public SearchTest {

@@ -148,33 +148,26 @@ QString FindingText(const PortFinding& finding, bool everyAddress) {
                         u"Prüfen, ob das Gerät da und eingeschaltet ist und die Angabe stimmt."_s);
     case LineFinding::Refused:
       return u"Ein Regler mit der Adresse %1 ist da (%2 Baud), lehnt die Frage nach seiner Version aber ab: "
-             u"%3. "
-             "Dieses Programm kann mit ihm nicht umgehen, oder er ist gerade gesperrt; seine Bauart prüfen."_s
-                 .arg(QString::number(finding.address), RateOf(finding.settings), finding.detail);
+             "%3. Dieses Programm kann mit ihm nicht umgehen, oder er ist gerade gesperrt; seine Bauart "
+             "prüfen."_s.arg(QString::number(finding.address), RateOf(finding.settings), finding.detail);
     case LineFinding::Damaged:
       return u"Auf die Frage an die Adresse %1 (%2 Baud) kam eine Antwort, aber beschädigt: Ein Regler ist "
-             u"da, und "
-             "die Leitung stört. Kabel, Schirm, Stecker und Adapter prüfen und noch einmal suchen."_s.arg(
-                 QString::number(finding.address), RateOf(finding.settings));
+             "da, und die Leitung stört. Kabel, Schirm, Stecker und Adapter prüfen und noch einmal "
+             "suchen."_s.arg(QString::number(finding.address), RateOf(finding.settings));
     case LineFinding::OtherText:
       return u"Ein anderes Gerät meldet sich mit Text: „%1“. Das ist kein Regler; einen anderen Anschluss "
-             u"wählen "
-             "oder das Gerät abklemmen."_s.arg(finding.detail);
+             "wählen oder das Gerät abklemmen."_s.arg(finding.detail);
     case LineFinding::Garbled:
       return u"Es kamen nur unleserliche Zeichen: Das Gerät sendet mit einer anderen Rate oder Parität, oder "
-             u"die "
-             "Leitung ist gestört. Einstellung des Geräts, Schirmung und Masse prüfen."_s;
+             "die Leitung ist gestört. Einstellung des Geräts, Schirmung und Masse prüfen."_s;
     case LineFinding::EchoOnly:
-      return everyAddress ? u"Nur die eigenen Anfragen kamen zurück: Der Adapter ist in Ordnung, aber unter "
-                            u"keiner Adresse "
-                            "antwortet ein Regler. Prüfen, ob er eingeschaltet ist und die Adern A und B "
-                            "nicht vertauscht "
-                            "sind."_s
-                          : u"Nur die eigene Anfrage kam zurück: Der Adapter ist in Ordnung, aber der Regler "
-                            u"antwortet nicht. "
-                            "Prüfen, ob er eingeschaltet ist, die Adern A und B nicht vertauscht sind und "
-                            "die Geräteadresse "
-                            "stimmt."_s;
+      return everyAddress
+                 ? u"Nur die eigenen Anfragen kamen zurück: Der Adapter ist in Ordnung, aber unter keiner "
+                   "Adresse antwortet ein Regler. Prüfen, ob er eingeschaltet ist und die Adern A und B "
+                   "nicht vertauscht sind."_s
+                 : u"Nur die eigene Anfrage kam zurück: Der Adapter ist in Ordnung, aber der Regler "
+                   "antwortet nicht. Prüfen, ob er eingeschaltet ist, die Adern A und B nicht vertauscht "
+                   "sind und die Geräteadresse stimmt."_s;
     case LineFinding::Silent:
       return everyAddress
                  ? u"Es kam gar nichts zurück, unter keiner Adresse: Der Regler ist aus oder nicht "

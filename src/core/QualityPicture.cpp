@@ -80,7 +80,8 @@ class Drawing {
       Box({left, kBarTop, std::min(right, kPictureWidth) - left, kBarHeight}, part.ink);
       left = std::min(right, kPictureWidth - 2);
       const double x = kPictureWidth / kLegendColumns * (shown % kLegendColumns);
-      const double base = kLegendTop + kLine * (1 + shown / kLegendColumns);
+      const int line = shown / kLegendColumns;
+      const double base = kLegendTop + kLine * (1 + line);
       Box({x, base - kSwatch, kSwatch, kSwatch}, part.ink);
       Text(x + kSwatch + 6, base, kPictureWidth / kLegendColumns - kSwatch - 6,
            u"%1 %2 (%3)"_s.arg(QString::number(part.count), part.name, Percent(part.count, all)));

@@ -26,11 +26,13 @@ bool InSample(QByteArrayView input, unsigned share);
 // whatever the sanitizers find, is a defect as well.
 void AddressList(QByteArrayView input);
 void BackupText(QByteArrayView input);
+void ComPortServer(QByteArrayView input);
 void CommandLine(QByteArrayView input);
 void ControllerReply(QByteArrayView input);
 void DefinitionCheck(QByteArrayView input);
 void DefinitionFile(QByteArrayView input);
 void Journal(QByteArrayView input);
+void NetworkAddressText(QByteArrayView input);
 void Numbers(QByteArrayView input);
 void Pages(QByteArrayView input);
 void RecoveryFile(QByteArrayView input);
@@ -47,11 +49,13 @@ struct Target {
 inline constexpr Target kTargets[] = {
     {"address_list", AddressList},
     {"backup_text", BackupText},
+    {"com_port", ComPortServer},
     {"command_line", CommandLine},
     {"controller_reply", ControllerReply},
     {"definition_check", DefinitionCheck},
     {"definition_file", DefinitionFile},
     {"journal", Journal},
+    {"network_address", NetworkAddressText},
     {"numbers", Numbers},
     {"pages", Pages},
     {"recovery_file", RecoveryFile},

@@ -3,6 +3,7 @@
 #include <libtelnet.h>
 
 #include <QStringList>
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -34,7 +35,6 @@ constexpr char kRtsOff = 12;
 constexpr char kBothDirections = 3;
 
 constexpr QByteArrayView kRefusal("\xFF\xFE\x2C", 3);
-constexpr qsizetype kLongestBeginning = 4096;
 
 // Of kNotifyLineState.
 constexpr unsigned kOverrunError = 2;
@@ -102,12 +102,14 @@ QByteArray ComPort::TakeOutgoing() {
 }
 
 void ComPort::Receive(QByteArrayView bytes, QByteArray& characters) {
-  // The library does not tell that an offer is refused.
-  if (control_ == Control::Offered && beginning_.size() < kLongestBeginning) {
-    beginning_.append(bytes);
-    if (beginning_.contains(kRefusal)) control_ = Control::Refused;
-  }
   characters_ = &characters;
+  // The library does not tell that an offer is refused: until there is an answer each byte is looked at.
+  while (!bytes.isEmpty() && control_ == Control::Offered && !broken_) {
+    beginning_ = beginning_.last(std::min(beginning_.size(), kRefusal.size() - 1)) + bytes.front();
+    telnet_recv(telnet_.get(), bytes.data(), 1);
+    if (control_ == Control::Offered && beginning_ == kRefusal) control_ = Control::Refused;
+    bytes = bytes.sliced(1);
+  }
   telnet_recv(telnet_.get(), bytes.data(), static_cast<std::size_t>(bytes.size()));
   characters_ = nullptr;
 }

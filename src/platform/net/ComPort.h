@@ -88,7 +88,7 @@ class ComPort {
   int purges_ = 0;  // that are not confirmed
   unsigned lineState_ = 0;
   std::array<Setting, 4> settings_;
-  QByteArray beginning_;  // what the server has said while it has not answered
+  QByteArray beginning_;  // the last bytes of what the server has said before its answer
   QByteArray outgoing_;
   QByteArray* characters_ = nullptr;  // while something is received
 };

@@ -108,7 +108,9 @@ class PortSearch {
         searched_(searched),
         left_(Exchanges()) {}
 
-  [[nodiscard]] int Exchanges() const { return static_cast<int>(addresses_.size() * rates_.size()); }
+  [[nodiscard]] int Exchanges() const {
+    return static_cast<int>(addresses_.size()) * static_cast<int>(rates_.size());
+  }
 
   /// False once an abort was requested.
   bool Run() {

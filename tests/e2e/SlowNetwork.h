@@ -20,9 +20,9 @@ namespace kalivor::test {
 /// What happens on the way, in either direction.
 struct NetworkManner {
   int delay_ms = 0;
-  int seed = 0;    ///< of what follows
-  int stalls = 0;  ///< of a thousand pieces, those that come up to 700 ms later, and all behind them
-  int breaks = 0;  ///< of a thousand pieces, those that the connection does not survive
+  unsigned seed = 0;  ///< of what follows
+  int stalls = 0;     ///< of a thousand pieces, those that come up to 700 ms later, and all behind them
+  int breaks = 0;     ///< of a thousand pieces, those that the connection does not survive
 };
 
 /// Hands over one connection at a time, in a thread of its own.

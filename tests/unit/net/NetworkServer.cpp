@@ -53,7 +53,6 @@ using Byte = unsigned char;
 constexpr Byte kIac = 255;
 constexpr Byte kDont = 254;
 constexpr Byte kDo = 253;
-constexpr Byte kWont = 252;
 constexpr Byte kWill = 251;
 constexpr Byte kBegin = 250;
 constexpr Byte kEnd = 240;

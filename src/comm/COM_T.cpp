@@ -101,7 +101,7 @@ QString COM_T::Transact(qint16 slot, QStringView body, bool wantReply) {
   const QString frame = Frame(slot, body);
   // The request is ready by now, so that the line rests no longer than it must.
   host_.Timers().Wait(kPauseTimer);
-  const QString reply = SendReceive(slot, frame, wantReply);
+  QString reply = SendReceive(slot, frame, wantReply);
   if (!wantReply) return reply;
   QString payload = PayloadOf(reply);
   host_.Exchanges.Judge(payload);

@@ -135,7 +135,7 @@ QList<PortEntry> SystemPorts::List() {
 
 QString SystemPorts::Device(int number) {
   if (number < 1 || number > kLargestPortNumber) return {};
-  const QString wanted = Wanted(number);
+  QString wanted = Wanted(number);
   if (wanted.isEmpty()) return Counted(number);
   if (!IsIdentity(KindOf(wanted))) return wanted;
   const QList<PortEntry> present = Present();
@@ -144,7 +144,7 @@ QString SystemPorts::Device(int number) {
 }
 
 QString SystemPorts::Shown(int number) {
-  const QString device = Device(number);
+  QString device = Device(number);
   if (device.isEmpty() || KindOf(device) == BindingKind::Network) return device;
   return Find(device).isEmpty() ? QString() : ShownDevice(device);
 }

@@ -43,7 +43,7 @@ class LinkTarget {
   [[nodiscard]] QByteArrayView View() const { return {text_, std::max<qsizetype>(0, length_)}; }
 
  private:
-  char text_[256];
+  char text_[256]{};
   ssize_t length_;
 };
 

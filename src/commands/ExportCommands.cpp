@@ -83,4 +83,9 @@ QString ExportText(const ExportContext& context, const QString& title, const QBy
   return path.isEmpty() ? path : Write(context, path, text, {});
 }
 
+QString ExportHtml(const ExportContext& context, const QString& title, const QByteArray& html) {
+  const QString path = AskForFile(context, title, FileOf(ExportKind::Html));
+  return path.isEmpty() ? path : Write(context, path, html, {});
+}
+
 }  // namespace kalivor

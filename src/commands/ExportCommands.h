@@ -28,7 +28,8 @@ struct ExportContext {
 /// there is none.
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind);
 
-/// The same with a text (*.txt); `title` stands above the question for the file.
+/// The same with a text (*.txt) or a page (*.html); `title` stands above the question for the file.
 QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text);
+QString ExportHtml(const ExportContext& context, const QString& title, const QByteArray& html);
 
 }  // namespace kalivor

@@ -80,10 +80,6 @@ void AppendLine(QString& text, const Cells& cells, QChar separator, QStringView 
   text += end;
 }
 
-QString Escaped(const QString& text) {
-  return WithoutControls(text, u"\t\r\n").toHtmlEscaped();
-}
-
 // Colours and sizes are the reader's own: the page goes by what browser and system are set to.
 constexpr QStringView kStyle =
     uR"(:root { color-scheme: light dark; }
@@ -133,33 +129,37 @@ QByteArray CsvOf(const ListTable& table) {
   return kByteOrderMark + text.toUtf8();
 }
 
+QString HtmlText(const QString& text) {
+  return WithoutControls(text, u"\t\r\n").toHtmlEscaped();
+}
+
 QByteArray HtmlOf(const ListTable& table) {
   QString text =
       u"<!DOCTYPE html>\n<html lang=\"de\">\n<head>\n<meta charset=\"utf-8\">\n"
       "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
       "'unsafe-inline'\">\n"
       "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>"_s;
-  text += table.heading.isEmpty() ? u"KALIVOR"_s : Escaped(table.heading.first());
+  text += table.heading.isEmpty() ? u"KALIVOR"_s : HtmlText(table.heading.first());
   text += u"</title>\n<style>\n"_s;
   text += kStyle;
   text += u"</style>\n</head>\n<body>\n"_s;
   if (!table.heading.isEmpty()) {
     text += u"<header>\n"_s;
     for (const QString& line : table.heading)
-      text += u"<p>"_s + Escaped(line) + u"</p>\n"_s;
+      text += u"<p>"_s + HtmlText(line) + u"</p>\n"_s;
     text += u"</header>\n"_s;
   }
   text += u"<table>\n<thead>\n<tr>"_s;
   for (qsizetype column = 0; column < table.titles.size(); ++column) {
     const bool number = IsNumberColumn(table, static_cast<std::size_t>(column));
     text += number ? u"<th scope=\"col\" class=\"n\">"_s : u"<th scope=\"col\">"_s;
-    text += Escaped(table.titles.at(column)) + u"</th>"_s;
+    text += HtmlText(table.titles.at(column)) + u"</th>"_s;
   }
   text += u"</tr>\n</thead>\n<tbody>\n"_s;
   for (const std::vector<TableCell>& row : table.rows) {
     text += u"<tr>"_s;
     for (const TableCell& cell : row)
-      text += (cell.number ? u"<td class=\"n\">"_s : u"<td>"_s) + Escaped(cell.text) + u"</td>"_s;
+      text += (cell.number ? u"<td class=\"n\">"_s : u"<td>"_s) + HtmlText(cell.text) + u"</td>"_s;
     text += u"</tr>\n"_s;
   }
   text += u"</tbody>\n</table>\n</body>\n</html>\n"_s;

@@ -31,6 +31,9 @@ struct ListTable {
 /// and line breaks become blanks.
 [[nodiscard]] QByteArray CsvOf(const ListTable& table);
 
+/// A text as a page shows it: as it stands, control characters other than tabs and line breaks as blanks.
+[[nodiscard]] QString HtmlText(const QString& text);
+
 /// A page of its own in UTF-8, without anything from elsewhere; what texts hold is shown as it stands,
 /// control characters as blanks. Numbers keep their point, as in the windows.
 [[nodiscard]] QByteArray HtmlOf(const ListTable& table);

@@ -1,5 +1,7 @@
 #include "core/Report.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor {
@@ -47,7 +49,7 @@ void Report::SetAbortEnabled(bool enabled) {
 }
 
 void Report::OKButton_Click() {
-  text_.clear();
+  if (!text_.isEmpty()) last_ = std::exchange(text_, {});
   view_.Clear();
   view_.SetVisible(false);
 }

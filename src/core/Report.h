@@ -49,6 +49,9 @@ class Report final : public ReportForm {
   /// All lines, each ended by CR LF.
   [[nodiscard]] const QString& Text() const { return text_; }
 
+  /// The same, or the lines of the report before where there are none.
+  [[nodiscard]] const QString& LastText() const { return text_.isEmpty() ? last_ : text_; }
+
  private:
   void Paint();
 
@@ -57,6 +60,7 @@ class Report final : public ReportForm {
   platform::Events& events_;
   TH& timers_;
   QString text_;
+  QString last_;
 };
 
 }  // namespace kalivor

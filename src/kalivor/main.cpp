@@ -4,8 +4,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLibraryInfo>
+#include <QLocale>
 #include <QProcess>
+#include <QScreen>
 #include <QSessionManager>
+#include <QSysInfo>
 #include <QTranslator>
 #include <memory>
 #include <optional>
@@ -69,6 +72,29 @@ struct Process {
       if (QFileInfo(program).isAbsolute()) QProcess::startDetached(program, {});
     };
     return system;
+  }
+
+  static ui::Computer Computer() {
+    // Windows has the second of them.
+    const QString user = qEnvironmentVariable("USER", qEnvironmentVariable("USERNAME"));
+    const QString name = QSysInfo::machineHostName();
+    const QScreen& screen = *QGuiApplication::primaryScreen();
+    const QString pixels = u"%1 × %2, %3 %"_s.arg(QString::number(screen.size().width()),
+                                                  QString::number(screen.size().height()),
+                                                  QString::number(qRound(100 * screen.devicePixelRatio())));
+    return {{{u"Programm"_s, QStringLiteral("KALIVOR " KALIVOR_VERSION)},
+             {u"Ordner des Programms"_s, QCoreApplication::applicationDirPath()},
+             {u"Betriebssystem"_s, QSysInfo::prettyProductName()},
+             {u"Kern"_s, QSysInfo::kernelType() + u' ' + QSysInfo::kernelVersion()},
+             {u"Prozessor"_s, QSysInfo::currentCpuArchitecture()},
+             {u"Qt"_s, QString::fromLatin1(qVersion())},
+             {u"Sprache"_s, QLocale::system().name()},
+             {u"Bildschirm"_s, pixels},
+             {u"Rechner"_s, name},
+             {u"Benutzer"_s, user}},
+            user,
+            name,
+            QDir::homePath()};
   }
 
   [[nodiscard]] QString StateFolder() const {
@@ -167,7 +193,8 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
       },
       {process.StateFolder(), QStringLiteral(KALIVOR_VERSION),
        [&process](int number) { return process.Ports().Shown(number); },
-       [&process](const QString& path) { return process.locks.Take(path); }}};
+       [&process](const QString& path) { return process.locks.Take(path); }},
+      &Process::Computer};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
     if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);

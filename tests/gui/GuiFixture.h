@@ -167,7 +167,8 @@ class GuiTest : public testing::Test {
             recovery,
             {},
             {},
-            safe};
+            safe,
+            computer};
   }
 
   void Load(const RunSettings& run = {}) { desktop = std::make_unique<ui::Desktop>(World(), run); }
@@ -258,6 +259,7 @@ class GuiTest : public testing::Test {
   FakePortDirectory ports;
   RecoveryWorld recovery;  ///< nothing is kept
   SafeWorld safe;          ///< no journal can be kept, so nothing is written safely
+  std::function<ui::Computer()> computer;  ///< nothing is known about it
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

@@ -34,8 +34,8 @@ const std::vector<Layer>& Layers() {
     const QStringList pages = commands + QStringList{u"print/pages"_s};
     const QStringList painter = pages + QStringList{u"platform/gui"_s};
     const QStringList print = painter + QStringList{u"print/painter"_s, u"platform/qt"_s};
-    const QStringList ui =
-        commands + QStringList{u"check"_s, u"commands"_s, u"platform/gui"_s, u"platform/qt"_s};
+    const QStringList ui = commands + QStringList{u"check"_s, u"commands"_s, u"diagnosis"_s,
+                                                  u"platform/gui"_s, u"platform/qt"_s};
     const QStringList real{u"platform/plain"_s, u"platform/posix"_s, u"platform/win32"_s};
     return std::vector<Layer>{
         {u"platform"_s, {}},
@@ -50,6 +50,7 @@ const std::vector<Layer>& Layers() {
         {u"core"_s, core},
         {u"check"_s, commands},
         {u"commands"_s, commands},
+        {u"diagnosis"_s, commands + QStringList{u"check"_s, u"commands"_s}},
         {u"print/pages"_s, commands},
         {u"print/painter"_s, painter, false, true},
         {u"print"_s, print, false, true},

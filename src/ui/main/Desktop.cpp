@@ -85,6 +85,7 @@ MenuActions Desktop::Actions() {
       {kUnfinishedItem, [this] { ShowUnfinished(); }},
       {u"mnuWerkzeugeVerbindung"_s, [this] { ShowConnection(); }},
       {u"mnuWerkzeugeTelegramme"_s, [this] { ShowTelegrams(); }},
+      {u"mnuWerkzeugeDiagnose"_s, [this] { ShowDiagnosis(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -315,6 +316,38 @@ void Desktop::ShowTelegrams() {
     Add(*telegrams, false);
   }
   telegrams->Open();
+}
+
+void Desktop::ShowDiagnosis() {
+  if (module.BusyDepth > 0) return;
+  if (!diagnosis) {
+    const DiagnosisWindow::Collecting collect = [this] {
+      return Collect(
+          {module, wiring.host.Exchanges, world.ports, world.files, report.LastText(), ThisComputer().system},
+          QDateTime::currentDateTime());
+    };
+    const DiagnosisWindow::Saving save = [this](const QString& html) {
+      ExportHtml({world.files, world.box, world.dialogs, {}}, u"Diagnosebericht speichern"_s, html.toUtf8());
+    };
+    diagnosis = std::make_unique<DiagnosisWindow>(
+        DiagnosisSurroundings{collect, [this] { return PrivateTexts(); }, save, guard, world.settings});
+    Add(*diagnosis, true);
+  }
+  diagnosis->Open();
+}
+
+Computer Desktop::ThisComputer() const {
+  return world.computer ? world.computer() : Computer();
+}
+
+LeftOut Desktop::PrivateTexts() const {
+  QString valueFolder = module.Dateiname;
+  while (!valueFolder.isEmpty() && !IsSeparator(valueFolder.back()))
+    valueFolder.chop(1);
+  const Computer computer = ThisComputer();
+  return {{computer.user, computer.name},
+          {computer.home, world.programFolder, world.safe.stateFolder, module.Inipath, module.Userpath,
+           valueFolder}};
 }
 
 void Desktop::MakeUnfinished() {

@@ -27,6 +27,7 @@
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
 #include "ui/line/ConnectionWindow.h"
+#include "ui/line/DiagnosisWindow.h"
 #include "ui/line/TelegramsWindow.h"
 #include "ui/list/ParameterListWindow.h"
 #include "ui/list/ProgressDialog.h"
@@ -60,6 +61,7 @@ struct World {
   std::function<QByteArray(const ListTable& table)> tablePdf{};  ///< a document of the printed table
   std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
   SafeWorld safe{};                                              ///< of backups and unfinished sendings
+  std::function<Computer()> computer{};                          ///< for the report for a support desk
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.
@@ -108,7 +110,8 @@ struct Desktop {
   std::unique_ptr<UnfinishedDialog> unfinished;
   std::unique_ptr<BackupsWindow> backups;
   std::unique_ptr<ConnectionWindow> connection;  ///< made when it is first opened
-  std::unique_ptr<TelegramsWindow> telegrams;  ///< made when it is first opened
+  std::unique_ptr<TelegramsWindow> telegrams;    ///< made when it is first opened
+  std::unique_ptr<DiagnosisWindow> diagnosis;
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -138,6 +141,9 @@ struct Desktop {
   void ReceiveSafely();
   void ShowBackups();
   void ShowTelegrams();
+  void ShowDiagnosis();
+  [[nodiscard]] Computer ThisComputer() const;
+  [[nodiscard]] LeftOut PrivateTexts() const;
   void MakeUnfinished();
   void Resume(void (SafeWindow::*how)(const Sending& sending));
   void Forget();

@@ -33,6 +33,7 @@ const QHash<QString, QString>& Pages() {
                                              {u"SearchProgress"_s, u"verbindung"_s},
                                              {u"BindingDialog"_s, u"verbindung#zuordnen"_s},
                                              {u"FindingsWindow"_s, u"definitionen"_s},
+                                             {u"DiagnosisWindow"_s, u"diagnose"_s},
                                              {u"TelegramsWindow"_s, u"telegrammfenster"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};

@@ -37,7 +37,8 @@ MENUS = {
     "Datei": ["Öffnen...", "Schließen", "Speichern", "Speichern unter...", "Drucken...", "Beenden"],
     "Optionen": ["Schnittstelle", "Regler", "Dateien"],
     "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen",
-                  "Sicher senden…", "Sicher empfangen…", "Sicherungen…", "Verbindung…", "Telegramme"],
+                  "Sicher senden…", "Sicher empfangen…", "Sicherungen…", "Verbindung…", "Telegramme",
+                  "Diagnosebericht…"],
     "?": ["Info "],
 }
 REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]

@@ -192,7 +192,8 @@ QString DiagnosisHtml(const Diagnosis& diagnosis, const LeftOut& leftOut,
                       const std::function<QString(const LineQuality& quality)>& picture) {
   Page page(leftOut, picture);
   page.Begin(u"KALIVOR: Diagnosebericht"_s);
-  page.Line(u"p", u"Erstellt am %1 Uhr."_s.arg(diagnosis.time.toString(u"dd.MM.yyyy 'um' HH:mm:ss")));
+  page.Line(u"p", u"Erstellt am %1 um %2 Uhr."_s.arg(diagnosis.time.toString(u"dd.MM.yyyy"),
+                                                     diagnosis.time.toString(u"HH:mm:ss")));
   page.Line(u"h2", u"Programm und System"_s);
   page.Pairs(diagnosis.system);
   AddPorts(diagnosis, page);

@@ -91,11 +91,11 @@ TEST_F(DiagnosisTest, WhatCannotBeSavedIsSaidInABox) {
 TEST_F(DiagnosisTest, SaysWhatATransferWasLike) {
   Start();
   Click(desktop->main, u"CommandEmpfangen"_s);
-  const QString line = desktop->report.Text().section(u"\r\n"_s, 0, 0);
-  ASSERT_FALSE(line.isEmpty());
+  const QString first = desktop->report.Text().section(u"\r\n"_s, 0, 0);
+  ASSERT_FALSE(first.isEmpty());
   Click(desktop->reportDialog, u"OKButton"_s);
   Open();
-  EXPECT_TRUE(Shown().contains(line)) << Shown().toStdString();
+  EXPECT_TRUE(Shown().contains(first)) << Shown().toStdString();
   EXPECT_TRUE(Shown().contains(u"Anfragen seit dem Start: "_s));
   EXPECT_EQ(Shown().count(QChar::ObjectReplacementCharacter), 2) << "a picture each";
   EXPECT_FALSE(Preview().document()->resource(QTextDocument::ImageResource, QUrl(u"bild:0"_s)).isNull());
@@ -117,7 +117,9 @@ TEST_F(DiagnosisTest, NothingIsFetched) {
   Start();
   Open();
   const QUrl file = QUrl::fromLocalFile(QStringLiteral(KALIVOR_SOURCE_DIR "/docs/images/main.png"));
-  EXPECT_TRUE(Preview().document()->resource(QTextDocument::ImageResource, file).isNull());
+  ASSERT_TRUE(QFile::exists(file.toLocalFile()));
+  EXPECT_EQ(Preview().document()->resource(QTextDocument::ImageResource, file).toByteArray(), QByteArray());
+  EXPECT_TRUE(Preview().document()->resource(QTextDocument::ImageResource, file).value<QPixmap>().isNull());
 }
 
 TEST_F(DiagnosisTest, TakesNoInputWhileALineIsBusy) {

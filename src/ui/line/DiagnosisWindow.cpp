@@ -65,9 +65,10 @@ class DiagnosisPreview final : public QTextBrowser {
  protected:
   [[nodiscard]] QVariant loadResource(int type, const QUrl& name) override {
     const qsizetype number = name.path().toLongLong();
-    if (type != QTextDocument::ImageResource || name.scheme() != u"bild" || number >= pictures_.size())
-      return {};
-    return pictures_.at(number);
+    const bool ours = type == QTextDocument::ImageResource && name.scheme() == u"bild";
+    if (ours && number >= 0 && number < pictures_.size()) return pictures_.at(number);
+    // Where it is given nothing, the document looks for a file by itself.
+    return QByteArray("");
   }
 
  private:

@@ -106,9 +106,11 @@ class Drawing {
     const qint64 most = *std::max_element(quality_.answers.begin(), quality_.answers.end());
     const qint64 answers = quality_.good + quality_.repeated;
     QString title = u"Antwortzeiten in Millisekunden"_s;
-    if (answers > 0)
-      title +=
-          u": mittlere %1, längste %2"_s.arg(Middle(answers)).arg(std::lround(quality_.slowest_s * 1000));
+    if (answers > 0) {
+      const auto longest = static_cast<int>(std::lround(quality_.slowest_s * 1000));
+      // The middle of a step may be behind all that is in it.
+      title += u": mittlere %1, längste %2"_s.arg(std::min(Middle(answers), longest)).arg(longest);
+    }
     Text(0, kTop - 14, kPictureWidth, title);
     for (int ms = 0; ms < LineQuality::kSteps * LineQuality::kStep_ms; ms += kTick_ms) {
       Box({X(ms), kBottom, 1, 4}, PictureInk::Faint);

@@ -185,6 +185,13 @@ TEST(QualityPicture, TheHistogramHasABarForEachStepThatOccurs) {
   EXPECT_TRUE(Says(shapes, u"Antwortzeiten in Millisekunden: mittlere 35, längste 66"_s));
 }
 
+TEST(QualityPicture, TheMiddleTimeIsNoLongerThanTheLongest) {
+  LineQuality quality;
+  quality.good = quality.answers[0] = 20;
+  quality.slowest_s = 0.004;
+  EXPECT_TRUE(Says(QualityPicture(quality), u"Antwortzeiten in Millisekunden: mittlere 4, längste 4"_s));
+}
+
 TEST(QualityPicture, EverythingStaysInside) {
   LineQuality all = Noisy();
   all.echoOnly = all.refused = all.noPort = 1;

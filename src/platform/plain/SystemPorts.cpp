@@ -42,8 +42,7 @@ QString MissingRemark(int number, const QString& binding, bool several) {
   if (const std::optional<UsbPort> port = UsbPortOf(binding)) {
     if (several) {
       return u"Mehrere Adapter nennen die Seriennummer %1; keiner von ihnen wird genommen. Alle bis auf "
-             u"einen "
-             "abziehen oder %2 nach dem Steckplatz zuordnen."_s.arg(port->serialNumber, com);
+             "einen abziehen oder %2 nach dem Steckplatz zuordnen."_s.arg(port->serialNumber, com);
     }
     return u"Der Adapter mit der Seriennummer %1 ist nicht angeschlossen. Ihn einstecken oder %2 anders "
            "zuordnen."_s.arg(port->serialNumber, com);

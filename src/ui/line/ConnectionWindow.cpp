@@ -234,10 +234,7 @@ void ConnectionWindow::LookAtPorts() {
     summary_->setText(
         u"An den angekreuzten Schnittstellen wird nach Reglern gefragt. Geändert wird dabei nichts."_s);
   } else {
-    summary_->setText(
-        u"Es ist keine serielle Schnittstelle da. Den Adapter einstecken und, wenn er dann noch fehlt, "
-        u"seinen "
-        "Treiber installieren."_s);
+    summary_->setText(NoPortsText());
   }
   ShowPort();
   ShowCommands();

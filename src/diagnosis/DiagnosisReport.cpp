@@ -22,7 +22,7 @@ constexpr QStringView kStyle =
 h1 { font-size: 1.4em; }
 h2 { margin-top: 1.6em; font-size: 1.15em; border-bottom: 1px solid #777; }
 h3 { font-size: 1em; }
-table { border-collapse: collapse; }
+table { margin-bottom: 18px; border-collapse: collapse; }
 th, td { padding: .2em .7em; border-bottom: 1px solid #d5d5d5; text-align: left; vertical-align: top;
   overflow-wrap: anywhere; }
 pre { font: 12px/1.35 ui-monospace, Consolas, "DejaVu Sans Mono", monospace; overflow-x: auto; }

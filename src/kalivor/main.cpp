@@ -76,7 +76,8 @@ struct Process {
 
   static ui::Computer Computer() {
     // Windows has the second of them.
-    const QString user = qEnvironmentVariable("USER", qEnvironmentVariable("USERNAME"));
+    const QString user =
+        qEnvironmentVariable("USER", qEnvironmentVariable("USERNAME", QDir::home().dirName()));
     const QString name = QSysInfo::machineHostName();
     const QScreen& screen = *QGuiApplication::primaryScreen();
     const QString pixels = u"%1 × %2, %3 %"_s.arg(QString::number(screen.size().width()),

@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QShortcut>
 #include <QTextBrowser>
+#include <QTextOption>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -16,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-constexpr int kWidth_characters = 110;
+constexpr int kWidth_characters = 135;
 constexpr int kHeight_lines = 36;
 constexpr double kMostOfScreen = 0.9;
 
@@ -45,6 +46,7 @@ class DiagnosisPreview final : public QTextBrowser {
     setObjectName(u"Preview"_s);
     setAccessibleName(u"Vorschau des Berichts"_s);
     setOpenLinks(false);
+    setWordWrapMode(QTextOption::WordWrap);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     // Tab leads on to the buttons.
     setTabChangesFocus(true);

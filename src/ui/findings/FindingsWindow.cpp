@@ -148,17 +148,9 @@ void FindingsWindow::BuildTable() {
   table_->setAccessibleName(u"Befunde"_s);
   table_->setModel(sorted_);
   table_->setItemDelegate(new FindingsDelegate(table_));
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->setTabKeyNavigation(false);
-  table_->setCornerButtonEnabled(false);
-  table_->setShowGrid(false);
-  table_->setAlternatingRowColors(true);
+  PrepareTable(*table_);
   table_->setWordWrap(true);
-  table_->verticalHeader()->hide();
   QHeaderView* columns = table_->horizontalHeader();
-  columns->setSectionsMovable(true);
-  columns->setHighlightSections(false);
-  columns->setStretchLastSection(true);
   columns->setSortIndicatorClearable(true);
   // As they were found, until the user wants it otherwise.
   columns->setSortIndicator(-1, Qt::AscendingOrder);

@@ -46,14 +46,13 @@ Qt::Alignment Aligned(int column) {
   return Qt::AlignVCenter | (IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft);
 }
 
-class LineDelegate final : public QStyledItemDelegate {
+class LineDelegate final : public CellDelegate {
  public:
-  using QStyledItemDelegate::QStyledItemDelegate;
+  using CellDelegate::CellDelegate;
 
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    StyleCell(*option);
+    CellDelegate::initStyleOption(option, index);
     if (!index.data(PortModel::kTroubleRole).toBool()) return;
     option->palette.setColor(QPalette::Text, WarningColour(option->palette));
   }
@@ -62,21 +61,9 @@ class LineDelegate final : public QStyledItemDelegate {
 // What both tables have in common.
 void Prepare(QTableView& table, const QString& columns) {
   table.setItemDelegate(new LineDelegate(&table));
-  table.setSelectionBehavior(QAbstractItemView::SelectRows);
-  table.setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table.setTabKeyNavigation(false);
-  table.setCornerButtonEnabled(false);
-  table.setShowGrid(false);
-  table.setAlternatingRowColors(true);
-  table.setWordWrap(false);
-  table.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  table.verticalHeader()->hide();
-  table.verticalHeader()->setDefaultSectionSize(table.fontMetrics().height() + kRowAir_px);
-  QHeaderView& header = *table.horizontalHeader();
-  header.setObjectName(columns);
-  header.setSectionsMovable(true);
-  header.setHighlightSections(false);
-  header.setStretchLastSection(true);
+  PrepareTable(table);
+  table.setSelectionMode(QAbstractItemView::SingleSelection);
+  table.horizontalHeader()->setObjectName(columns);
 }
 
 void SetWidths(QTableView& table, std::initializer_list<int> digits) {
@@ -156,7 +143,6 @@ void ConnectionWindow::BuildPorts() {
   Prepare(*ports_, u"portColumns"_s);
   ports_->setAccessibleName(u"Schnittstellen"_s);
   ports_->setModel(&model_);
-  ports_->setSelectionMode(QAbstractItemView::SingleSelection);
   ports_->installEventFilter(this);
   SetWidths(*ports_, {9, 8, 22, 34, 16, 18, 16});
   LoadColumns(*ports_->horizontalHeader(), surroundings_.settings, kPortsKey.toString());
@@ -170,7 +156,6 @@ void ConnectionWindow::BuildPorts() {
 void ConnectionWindow::BuildAnswers() {
   Prepare(*answersTable_, u"answerColumns"_s);
   answersTable_->setAccessibleName(u"Antworten"_s);
-  answersTable_->setSelectionMode(QAbstractItemView::SingleSelection);
   for (int column = 0; column < AnswerColumns; ++column) {
     const QString title = kAnswerTitles[column].toString();
     auto* item = new QTableWidgetItem(IsNumber(column) ? title + kEndOfNumbers : title);

@@ -41,17 +41,6 @@ const QString& ColumnsKey() {
   return key;
 }
 
-class TelegramsDelegate final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    StyleCell(*option);
-  }
-};
-
 // "1 Anfrage", "12 Anfragen"
 QString Requests(int count) {
   return count == 1 ? u"1 Anfrage"_s : u"%1 Anfragen"_s.arg(count);
@@ -138,25 +127,12 @@ void TelegramsWindow::BuildTable() {
   table_->setAccessibleName(u"Telegramme"_s);
   if (!table_->fontMetrics().inFont(kCarriageReturnSymbol)) model_->ShowNames();
   table_->setModel(model_);
-  table_->setItemDelegate(new TelegramsDelegate(table_));
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setTabKeyNavigation(false);
-  table_->setCornerButtonEnabled(false);
-  table_->setShowGrid(false);
-  table_->setWordWrap(false);
-  table_->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-  QHeaderView& rows = *table_->verticalHeader();
-  rows.hide();
-  rows.setSectionResizeMode(QHeaderView::Fixed);
+  table_->setItemDelegate(new CellDelegate(table_));
+  PrepareTable(*table_);
+  SetRowHeight(*table_, kRowAir_px / 2);
   QHeaderView& columns = *table_->horizontalHeader();
-  columns.setObjectName(u"columns"_s);
-  columns.setSectionsMovable(true);
-  columns.setHighlightSections(false);
-  columns.setStretchLastSection(true);
   constexpr int digits[] = {8, 14, 13, 10, 10, 25, 30};
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  rows.setDefaultSectionSize(fontMetrics().height() + kRowAir_px / 2);
   for (int column = 0; column < TelegramsModel::Columns; ++column)
     columns.resizeSection(column, digits[column] * digit_px);
 }
@@ -318,8 +294,7 @@ void TelegramsWindow::hideEvent(QHideEvent* event) {
 
 void TelegramsWindow::changeEvent(QEvent* event) {
   Form::changeEvent(event);
-  if (event->type() == QEvent::FontChange && table_ != nullptr)
-    table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir_px / 2);
+  if (event->type() == QEvent::FontChange && table_ != nullptr) SetRowHeight(*table_, kRowAir_px / 2);
 }
 
 }  // namespace kalivor::ui

@@ -1,5 +1,9 @@
 #include "ui/list/CellStyle.h"
 
+#include <QHeaderView>
+
+using namespace Qt::StringLiterals;
+
 namespace kalivor::ui {
 namespace {
 
@@ -26,6 +30,31 @@ void StyleCell(QStyleOptionViewItem& option) {
   if ((option.displayAlignment & Qt::AlignRight) != 0) option.text += kEndOfNumbers;
   QPalette& palette = option.palette;
   if (IsDark(palette)) palette.setColor(QPalette::Window, OutlineOn(palette));
+}
+
+void PrepareTable(QTableView& table) {
+  table.setSelectionBehavior(QAbstractItemView::SelectRows);
+  table.setEditTriggers(QAbstractItemView::NoEditTriggers);
+  table.setTabKeyNavigation(false);
+  table.setCornerButtonEnabled(false);
+  table.setShowGrid(false);
+  table.setAlternatingRowColors(true);
+  table.setWordWrap(false);
+  table.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  table.verticalHeader()->hide();
+  table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  SetRowHeight(table);
+  QHeaderView& columns = *table.horizontalHeader();
+  columns.setObjectName(u"columns"_s);
+  columns.setSectionsMovable(true);
+  columns.setHighlightSections(false);
+  columns.setStretchLastSection(true);
+}
+
+void SetRowHeight(QTableView& table, int air_px) {
+  const int height = table.fontMetrics().height() + air_px;
+  table.verticalHeader()->setMinimumSectionSize(height);
+  table.verticalHeader()->setDefaultSectionSize(height);
 }
 
 void StyleBox(QAbstractButton& box) {

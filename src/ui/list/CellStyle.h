@@ -1,8 +1,10 @@
-// How the added tables draw their cells.
+// How the added tables look, and how they draw their cells.
 #pragma once
 
 #include <QAbstractButton>
 #include <QStyleOptionViewItem>
+#include <QStyledItemDelegate>
+#include <QTableView>
 
 namespace kalivor::ui {
 
@@ -18,7 +20,27 @@ inline constexpr int kRowAir_px = 7;
 /// Air behind a number, and an empty check box that can be seen on a dark background as well.
 void StyleCell(QStyleOptionViewItem& option);
 
-/// The same for a check box or radio button outside of tables; to be called whenever its window is shown.
+/// Draws cells so.
+class CellDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    StyleCell(*option);
+  }
+};
+
+/// What the added tables have in common: whole rows are selected, nothing is edited, the user moves the
+/// columns, Tab leaves the table. Each row is a line of text high, with kRowAir_px.
+void PrepareTable(QTableView& table);
+
+/// Makes the rows as high as the font wants them, plus `air_px`.
+void SetRowHeight(QTableView& table, int air_px = kRowAir_px);
+
+/// The same as StyleCell() for a check box or radio button outside of tables; to be called whenever its
+/// window is shown.
 void StyleBox(QAbstractButton& box);
 
 }  // namespace kalivor::ui

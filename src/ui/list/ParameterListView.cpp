@@ -63,21 +63,11 @@ QString ActionName(int column) {
 ParameterListView::ParameterListView(ParameterListProxy& proxy, QWidget* parent)
     : QTableView(parent), proxy_(proxy) {
   setModel(&proxy);
-  setSelectionBehavior(SelectRows);
+  PrepareTable(*this);
   setSelectionMode(ExtendedSelection);
-  setAlternatingRowColors(true);
-  setShowGrid(false);
-  setWordWrap(false);
-  setTabKeyNavigation(false);
   setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
-  setHorizontalScrollMode(ScrollPerPixel);
-  verticalHeader()->hide();
-  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  SetRowHeight();
   QHeaderView& header = *horizontalHeader();
-  header.setObjectName(u"columns"_s);
-  header.setSectionsMovable(true);
-  header.setHighlightSections(false);
+  header.setStretchLastSection(false);
   header.setContextMenuPolicy(Qt::CustomContextMenu);
   auto* delegate = new ValueDelegate(this);
   delegate->OnLeave = [this](QWidget* editor, int rows, int columns) { Leave(editor, rows, columns); };
@@ -90,12 +80,6 @@ ParameterListView::ParameterListView(ParameterListProxy& proxy, QWidget* parent)
   connect(this, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {
     if (index.column() == kNameColumn) OpenCurrent();
   });
-}
-
-void ParameterListView::SetRowHeight() {
-  const int height = fontMetrics().height() + kRowAir_px;
-  verticalHeader()->setMinimumSectionSize(height);
-  verticalHeader()->setDefaultSectionSize(height);
 }
 
 // --- columns ---
@@ -309,7 +293,7 @@ void ParameterListView::contextMenuEvent(QContextMenuEvent* event) {
 
 void ParameterListView::changeEvent(QEvent* event) {
   QTableView::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight();
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight(*this);
 }
 
 }  // namespace kalivor::ui

@@ -52,7 +52,6 @@ class ParameterListView final : public QTableView {
   void changeEvent(QEvent* event) override;
 
  private:
-  void SetRowHeight();
   void BuildColumnMenu();
   void ShowInColumnMenu();
   void MoveColumn(int by);

@@ -41,17 +41,6 @@ Qt::Alignment Aligned(int column) {
   return Qt::AlignVCenter | (IsNumber(column) ? Qt::AlignRight : Qt::AlignLeft);
 }
 
-class BackupsDelegate final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    StyleCell(*option);
-  }
-};
-
 // "1 Sicherung", "12 Sicherungen"
 QString CountOf(qsizetype count) {
   return count == 1 ? u"1 Sicherung"_s : u"%1 Sicherungen"_s.arg(count);
@@ -81,22 +70,10 @@ BackupsWindow::BackupsWindow(BackupsSurroundings surroundings)
 
 void BackupsWindow::BuildTable() {
   table_->setAccessibleName(u"Sicherungen"_s);
-  table_->setItemDelegate(new BackupsDelegate(table_));
-  table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table_->setItemDelegate(new CellDelegate(table_));
+  PrepareTable(*table_);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
-  table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  table_->setTabKeyNavigation(false);
-  table_->setCornerButtonEnabled(false);
-  table_->setShowGrid(false);
-  table_->setAlternatingRowColors(true);
-  table_->setWordWrap(false);
-  table_->verticalHeader()->hide();
-  table_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowAir_px);
   QHeaderView& header = *table_->horizontalHeader();
-  header.setObjectName(u"columns"_s);
-  header.setSectionsMovable(true);
-  header.setHighlightSections(false);
-  header.setStretchLastSection(true);
   constexpr QStringView titles[] = {u"Datum", u"Regler", u"Anlageart", u"Adresse", u"Werte", u"Datei"};
   constexpr int digits[] = {21, 13, 13, 10, 9, 40};
   const int digit_px = fontMetrics().horizontalAdvance(u'0');

@@ -34,14 +34,13 @@ int FirstDigits(SafeColumn column) {
   return 36;
 }
 
-class SafeDelegate final : public QStyledItemDelegate {
+class SafeDelegate final : public CellDelegate {
  public:
-  using QStyledItemDelegate::QStyledItemDelegate;
+  using CellDelegate::CellDelegate;
 
  protected:
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    StyleCell(*option);
+    CellDelegate::initStyleOption(option, index);
     if (!index.data(SafeModel::kTroubleRole).toBool()) return;
     option->font.setBold(true);
     option->palette.setColor(QPalette::Text, WarningColour(option->palette));
@@ -56,21 +55,8 @@ SafeView::SafeView(SafeModel& model, QWidget* parent) : QTableView(parent), mode
   sorted_.setSortLocaleAware(true);
   setModel(&sorted_);
   setItemDelegate(new SafeDelegate(this));
-  setSelectionBehavior(SelectRows);
-  setAlternatingRowColors(true);
-  setShowGrid(false);
-  setWordWrap(false);
-  setTabKeyNavigation(false);
-  setCornerButtonEnabled(false);
-  setHorizontalScrollMode(ScrollPerPixel);
-  verticalHeader()->hide();
-  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  SetRowHeight();
+  PrepareTable(*this);
   QHeaderView& header = *horizontalHeader();
-  header.setObjectName(u"columns"_s);
-  header.setSectionsMovable(true);
-  header.setHighlightSections(false);
-  header.setStretchLastSection(true);
   header.setSortIndicatorClearable(true);
   header.setSortIndicator(-1, Qt::AscendingOrder);
   setSortingEnabled(true);
@@ -82,12 +68,6 @@ SafeView::SafeView(SafeModel& model, QWidget* parent) : QTableView(parent), mode
 int SafeView::WholeWidth() const {
   return horizontalHeader()->length() - columnWidth(static_cast<int>(SafeColumn::Mark)) +
          verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
-}
-
-void SafeView::SetRowHeight() {
-  const int height = fontMetrics().height() + kRowAir_px;
-  verticalHeader()->setMinimumSectionSize(height);
-  verticalHeader()->setDefaultSectionSize(height);
 }
 
 void SafeView::ShowColumns(SafePhase phase) {
@@ -134,7 +114,7 @@ void SafeView::keyPressEvent(QKeyEvent* event) {
 
 void SafeView::changeEvent(QEvent* event) {
   QTableView::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight();
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight(*this);
 }
 
 void SafeView::Load(const platform::SettingsStore& settings) {

@@ -34,7 +34,6 @@ class SafeView final : public QTableView {
   void changeEvent(QEvent* event) override;
 
  private:
-  void SetRowHeight();
   [[nodiscard]] std::vector<int> HighlightedRows() const;  // as the model counts them
   void ShowColumns(SafePhase phase);
 

@@ -72,6 +72,7 @@ bool NetworkControl::Open(int number, const QString& settings) {
   const QDeadlineTimer bound = In(times_.opening_s);
   if (!Reuse(*parsed.address) && !Connect(*parsed.address, bound)) return false;
   if (!Settle(*wanted, bound)) return false;
+  if (owed_ && !WaitOut(*wanted)) return false;
   input_.clear();
   gone_ = false;
   open_ = true;
@@ -167,6 +168,19 @@ bool NetworkControl::Settle(const LineSettings& settings, QDeadlineTimer bound) 
   return true;
 }
 
+// A request that was late on its way may have come to the controller only now, together with the purge or the
+// end of the connection behind it: the controller gets its time, and whatever it answers is dropped.
+bool NetworkControl::WaitOut(const LineSettings& settings) {
+  const QDeadlineTimer bound = In(times_.reply_s);
+  while (line_->connection->Wait(SecondsLeft(bound)) && Hear()) {
+  }
+  if (line_->connection->Ended()) return FailEnded();
+  owed_ = false;
+  if (!line_->comPort) return true;
+  line_->comPort->Purge();
+  return Settle(settings, In(times_.opening_s));
+}
+
 // Drops what has come in front of a request, but notes the beginning. False when the connection has ended, or
 // it does not stop.
 bool NetworkControl::Hear() {
@@ -208,6 +222,7 @@ QString NetworkControl::FaultOfEnd() const {
 
 void NetworkControl::Close() {
   if (!std::exchange(open_, false)) return;
+  owed_ = owed_ || !line_->answered;
   input_.clear();
   events_.DropOutput();
   if (line_->connection->Unsent() > 0 || gone_) {

@@ -23,14 +23,17 @@ struct NetworkTimes {
   /// again, and each time would take as long.
   double unanswered_s = 5;
 
+  /// That a controller has for its answer once a request has come to it.
+  double reply_s = 0.4;
+
   /// A connection that nobody uses is kept for so long. Needs an event loop; without one it is kept until
   /// Release().
   double keep_s = 10;
 };
 
 /// The port is opened and closed around every telegram; the connection is kept between them, for so long
-/// that a transfer needs one, and released soon after it, so that others get at the server. Whatever is under
-/// way when the port is closed never arrives at the next opening, however slow the network is:
+/// that a transfer needs one, and released soon after it, so that others get at the server. What is under way
+/// when the port is closed does not arrive at the next opening:
 ///
 ///  - With COM port control (rfc2217://) closing asks the server to discard what it has, and opening waits
 ///    until it has done so. Rate, parity, data and stop bits are the server's business; what it does not set
@@ -38,6 +41,10 @@ struct NetworkTimes {
 ///  - A raw connection (socket://) says nothing about what is under way. It is used again only when an answer
 ///    has come as a whole, and nothing behind it; otherwise the next opening makes a new one. The settings
 ///    are those of the server, whatever they are; RTS and line errors do not exist.
+///  - A request that was not answered may be late itself, and be answered when the discarding is done or the
+///    new connection stands. So the next opening lets the controller have its time (NetworkTimes::reply_s)
+///    and drops what it says. With COM port control the server discards once more behind that, so nothing is
+///    left however slow the network is; on a raw line the answer may still be under way to here.
 ///
 /// Opening waits for the network no longer than NetworkTimes say. What the system has taken counts as sent.
 /// Single-threaded. OnComm must neither open nor close the port.
@@ -88,6 +95,7 @@ class NetworkControl final : public SerialControl {
   bool Connect(const NetworkAddress& address, QDeadlineTimer bound);
   bool AgreeOnControl(QDeadlineTimer bound);
   bool WaitForGreeting(double seconds);
+  bool WaitOut(const LineSettings& settings);
   bool Reuse(const NetworkAddress& address);
   bool Settle(const LineSettings& settings, QDeadlineTimer bound);
   bool Hear();
@@ -109,6 +117,7 @@ class NetworkControl final : public SerialControl {
   std::unique_ptr<Line> line_;
   bool open_ = false;
   bool gone_ = false;
+  bool owed_ = false;  // what was asked for last may still be answered
   QString fault_;
   CommEvents events_{*this};
   QByteArray input_;  // received, not yet taken by Input()

@@ -105,7 +105,7 @@ TEST_P(BrokenConnections, GiveNoWrongValueAndLeaveNothingBehind) {
     };
     NetworkServer server(manner);
     platform::NetworkControl network([&](int) { return server.Device(); },
-                                     {.opening_s = 0.1, .unanswered_s = 0.001});
+                                     {.opening_s = 0.1, .unanswered_s = 0.001, .reply_s = 0.4 / kHurry});
     HurriedLine line(network);
     HurriedClock clock;
     TH timers(clock);

@@ -65,6 +65,25 @@ class NetworkLine : public testing::Test {
     return taken;
   }
 
+  // The request comes to the controller when all that was done about its missing answer is over.
+  void ExpectLateAnswerDropped() {
+    EXPECT_EQ(Exchange("first\r", {}), "");
+    std::thread late([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+      server_.Send("one\r");
+    });
+    QElapsedTimer since;
+    since.start();
+    EXPECT_TRUE(line_.Open(1, kSettings));
+    EXPECT_GE(since.elapsed(), 100);
+    late.join();
+    EXPECT_EQ(line_.WaitForInput(kTooShort_s), InputWait::TimedOut);
+    line_.Close();
+    since.start();
+    EXPECT_TRUE(line_.Open(1, kSettings));
+    EXPECT_LT(since.elapsed(), 90) << "nothing is owed any more";
+  }
+
   void CloseAsAfterATelegram() {
     line_.SetRts(false);
     EXPECT_TRUE(line_.ClearOutBuffer());
@@ -94,7 +113,7 @@ class NetworkLine : public testing::Test {
   NetworkServer server_;
   QString device_ = server_.Device();
   NetworkControl line_{[this](int) { return device_; },
-                       {.opening_s = 0.5, .unanswered_s = 0.2, .keep_s = 0.05}};
+                       {.opening_s = 0.5, .unanswered_s = 0.2, .reply_s = 0.1, .keep_s = 0.05}};
 };
 
 class RawLine : public NetworkLine {};
@@ -114,6 +133,10 @@ TEST_F(RawLine, IsMadeAnewWhereAnAnswerMayStillCome) {
   EXPECT_EQ(Exchange("first\r", {}), "");
   EXPECT_EQ(Exchange("second\r", "two\r"), "two\r");
   EXPECT_EQ(server_.Connections(), 2) << "the answer to the first is not taken for the second's";
+}
+
+TEST_F(RawLine, AnAnswerToALateRequestMeetsNobody) {
+  ExpectLateAnswerDropped();
 }
 
 TEST_F(RawLine, IsMadeAnewBehindHalfAnAnswer) {
@@ -361,6 +384,10 @@ TEST_F(ComPortLine, WhatCameBeforeThePurgeNeverArrives) {
     EXPECT_EQ(Exchange("second\r", "two\r"), "two\r");
   }
   EXPECT_EQ(server_.Connections(), 1) << "however silent";
+}
+
+TEST_F(ComPortLine, AnAnswerToALateRequestMeetsNobody) {
+  ExpectLateAnswerDropped();
 }
 
 TEST_F(ComPortLine, TellsOfLineErrors) {

@@ -30,7 +30,7 @@ struct PortFinding {
   LineFinding kind = LineFinding::NotAsked;
   QString detail = {};  ///< of Refused: its text; of OtherText: the text, shortened; of a port that could not
                         ///< be opened or is gone: what the system says, and what to do
-  qint16 address = -1;    ///< of Refused and Damaged: whom the request was for
+  qint16 address = -1;  ///< of Refused and Damaged: whom the request was for
   QString settings = {};  ///< of Refused, Damaged and OtherText: of the line, "9600,o,7,1"
 
   bool operator==(const PortFinding&) const = default;

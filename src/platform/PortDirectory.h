@@ -35,9 +35,9 @@ struct PortEntry {
 ///   socket://HOST:PORT, rfc2217://HOST:PORT    a network line
 ///   usb:0403:6001:A12345:0                     the adapter of this vendor, product and serial number, its
 ///                                              interface of this number, wherever it is plugged in
-///   ort:0000:00:14.0-1.2:1.0                   whatever is plugged in at this place: on Linux the controller,
-///                                              the chain of sockets, configuration and interface; on Windows
-///                                              the path of the location
+///   ort:0000:00:14.0-1.2:1.0                   whatever is plugged in at this place: on Linux
+///                                              controller, chain of sockets, configuration and interface;
+///                                              on Windows the path of the location
 class PortDirectory {
  public:
   virtual ~PortDirectory() = default;

@@ -1,5 +1,5 @@
-// What every serial port does, however it is made: the double, the simulated line, the real one, and those behind
-// a network.
+// What every serial port does, however it is made: the double, the simulated line, the real one, and those
+// behind a network.
 #include <gtest/gtest.h>
 #include <QtGlobal>
 

@@ -257,8 +257,8 @@ class GuiTest : public testing::Test {
   FakeFileDialogs dialogs;
   FakeHelp help;
   FakePortDirectory ports;
-  RecoveryWorld recovery;  ///< nothing is kept
-  SafeWorld safe;          ///< no journal can be kept, so nothing is written safely
+  RecoveryWorld recovery;                  ///< nothing is kept
+  SafeWorld safe;                          ///< no journal can be kept, so nothing is written safely
   std::function<ui::Computer()> computer;  ///< nothing is known about it
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;

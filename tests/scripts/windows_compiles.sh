@@ -17,10 +17,10 @@ options="-std=c++20 -Wall -Wextra -Wconversion -Wshadow -Werror -DKALIVOR_VERSIO
 printf '#include <%s>\n' QByteArray QHash QList QString QStringList functional memory optional vector >"$work/common.h"
 # shellcheck disable=SC2086
 "$compiler" $options -x c++-header "$work/common.h" -o "$work/common.h.gch"
-for folder in platform platform/plain platform/win32 base comm core check commands print/pages cli kalivor sim; do
+for folder in platform platform/plain platform/win32 platform/net base comm core check diagnosis commands print/pages cli kalivor sim; do
   find "$folder" -maxdepth 1 -name '*.cpp'
 done |
-  # The window, painted pages, and what is for POSIX alone.
-  grep -vxE 'kalivor/main.cpp|cli/(Cli|main).cpp|sim/(PosixHost|PtyLine).cpp' |
+  # The window, painted pages, what is for POSIX alone, and what needs the header of another library.
+  grep -vxE 'kalivor/main.cpp|cli/(Cli|main).cpp|sim/(PosixHost|PtyLine).cpp|platform/net/(ComPort|PosixSocketCalls).cpp' |
   # shellcheck disable=SC2086
   xargs -P 2 -n 1 "$compiler" $options -include "$work/common.h" -fsyntax-only

@@ -3,6 +3,7 @@
 
 #include "base/Module1.h"
 #include "comm/COM_A.h"
+#include "core/Deed.h"
 #include "core/Forms.h"
 #include "platform/Clock.h"
 #include "platform/Events.h"
@@ -28,6 +29,9 @@ struct Core : Surroundings {
   Module1& module;
   COM_A& controller;
   const platform::Clock& clock;
+
+  /// Told at the end of whatever is done with a controller's values. Must not throw.
+  Observer<const Deed&> OnDeed{};
 };
 
 }  // namespace kalivor

@@ -17,16 +17,6 @@ void ShowFailure(Core& core, const QString& what, const QString& description) {
   core.box.Show(what + u"\r\n"_s + core.module.Dateiname + u"\r\n"_s + description);
 }
 
-QByteArray ComposeImage(Core& core) {
-  const Module1& module = core.module;
-  QByteArray image = ComposeRecord(module.ParCount, {}, core.module.VersionList.SelectedText(), {});
-  for (int i = 1; i < module.ParCount; ++i) {
-    const ParameterRecord& record = module.Par[i];
-    image += ComposeRecord(record.Wert, record.WertText, record.Variable, record.Typ.Padded());
-  }
-  return image;
-}
-
 // The parameters by their names; the first of a name counts. An old file knows the first 20 characters of a
 // name only.
 QHash<QString, int> ParametersByName(const Module1& module, bool oldLayout) {
@@ -83,8 +73,19 @@ bool MatchVersion(Core& core, const QString& version) {
 
 }  // namespace
 
+QByteArray ValueFileImage(const ParameterTable& table, const QString& version) {
+  QByteArray image = ComposeRecord(table.ParCount, {}, version, {});
+  image.reserve(image.size() * table.ParCount);
+  for (int i = 1; i < table.ParCount; ++i) {
+    const ParameterRecord& record = table.Par[i];
+    image += ComposeRecord(record.Wert, record.WertText, record.Variable, record.Typ.Padded());
+  }
+  return image;
+}
+
 bool WriteValueFile(Core& core) {
-  const QString error = core.files.Overwrite(core.module.Dateiname, ComposeImage(core));
+  const QString error = core.files.Overwrite(
+      core.module.Dateiname, ValueFileImage(core.module, core.module.VersionList.SelectedText()));
   if (!error.isEmpty()) {
     ShowFailure(core, u"Fehler beim schreiben von"_s, error);
     return false;

@@ -5,6 +5,9 @@
 
 namespace kalivor {
 
+/// The image of a value file with all parameters of the table; `version` is the controller's.
+[[nodiscard]] QByteArray ValueFileImage(const ParameterTable& table, const QString& version);
+
 /// Writes all parameters, checked or not, to Dateiname. Records that a longer file holds behind them stay. A
 /// failure is shown in a box; false then.
 bool WriteValueFile(Core& core);

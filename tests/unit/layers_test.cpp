@@ -23,6 +23,7 @@ struct Layer {
   bool systemHeaders = false;  ///< headers of the operating system
   bool windows = false;        ///< all of Qt, not only its Core module
   bool network = false;        ///< Qt's Network module
+  bool sql = false;            ///< Qt's Sql module
 };
 
 // A folder that is not listed here is a violation by itself: whoever adds one decides where it stands.
@@ -34,8 +35,8 @@ const std::vector<Layer>& Layers() {
     const QStringList pages = commands + QStringList{u"print/pages"_s};
     const QStringList painter = pages + QStringList{u"platform/gui"_s};
     const QStringList print = painter + QStringList{u"print/painter"_s, u"platform/qt"_s};
-    const QStringList ui = commands + QStringList{u"check"_s, u"commands"_s, u"diagnosis"_s,
-                                                  u"platform/gui"_s, u"platform/qt"_s};
+    const QStringList ui = commands + QStringList{u"check"_s,   u"commands"_s,     u"diagnosis"_s,
+                                                  u"history"_s, u"platform/gui"_s, u"platform/qt"_s};
     const QStringList real{u"platform/plain"_s, u"platform/posix"_s, u"platform/win32"_s};
     return std::vector<Layer>{
         {u"platform"_s, {}},
@@ -51,13 +52,16 @@ const std::vector<Layer>& Layers() {
         {u"check"_s, commands},
         {u"commands"_s, commands},
         {u"diagnosis"_s, commands + QStringList{u"check"_s, u"commands"_s}},
+        {u"history"_s, commands + QStringList{u"commands"_s}, false, false, false, true},
         {u"print/pages"_s, commands},
         {u"print/painter"_s, painter, false, true},
         {u"print"_s, print, false, true},
         {u"ui"_s, ui, false, true},
         {u"sim"_s, commands + real, true, false, true},
         {u"cli"_s,
-         painter + real + QStringList{u"commands"_s, u"check"_s, u"platform/net"_s, u"print/painter"_s}},
+         painter + real +
+             QStringList{u"commands"_s, u"check"_s, u"history"_s, u"platform/net"_s, u"print/painter"_s},
+         false, false, false, true},
         {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s, u"platform/net"_s}, false,
          true},
     };
@@ -149,6 +153,7 @@ const QSet<QString>& CoreHeaders() {
                                      u"QTimer"_s,
                                      u"QUrl"_s,
                                      u"QVarLengthArray"_s,
+                                     u"QUuid"_s,
                                      u"QVariant"_s,
                                      u"QVector"_s,
                                      u"QVersionNumber"_s,
@@ -200,6 +205,7 @@ QString ForbiddenLibraryHeader(const Layer& layer, const QString& header) {
   if (header.startsWith(u'Q')) {
     if (layer.windows || header.startsWith(u"QtCore/") || CoreHeaders().contains(header)) return {};
     if (layer.network && header.startsWith(u"QTcp")) return {};
+    if (layer.sql && header.startsWith(u"QSql")) return {};
     return u"is not known to belong to Qt's Core module"_s;
   }
   // Headers of the C++ library are single words; a point or a folder marks the operating system's.

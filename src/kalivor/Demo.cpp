@@ -4,7 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "core/ValueFileFormat.h"
+#include "kalivor/DemoHistory.h"
 #include "kalivor/System.h"
 #include "sim/Faults.h"
 #include "sim/LineModel.h"
@@ -24,15 +24,6 @@ QString FindExample() {
     if (QFileInfo::exists(folder + u"/VF.INI"_s)) return folder;
   }
   return {};
-}
-
-// As at a plant, not all values are the standard ones: there is something to compare and to take over.
-ValueFileContent OwnValues() {
-  ValueFileContent values;
-  values.records = {{225, {}, u"_Hk1RaumSollTag"_s, {}},
-                    {160, {}, u"_Hk1KurveSteil"_s, {}},
-                    {520, {}, u"_Hk2VorlaufMax"_s, {}}};
-  return values;
 }
 
 }  // namespace
@@ -67,7 +58,8 @@ QString Demo::Start() {
   controller_->station.module.Inipath = folder_;
   QString fault = sim::SetUp(controller_->station, files, {}, 1);
   if (!fault.isEmpty()) return fault;
-  (void)controller_->station.memory.LoadValues(controller_->station.module, OwnValues());
+  // As at a plant, not all values are the standard ones: there is something to compare and to take over.
+  (void)controller_->station.memory.LoadValues(controller_->station.module, DemoValues());
   controller_->model.emplace(*controller_->station.controller, controller_->faults);
   controller_->model->SetOther(*controller_->station.other);
   controller_->line.emplace(controller_->clock, *controller_->model);

@@ -416,6 +416,20 @@ TEST_F(SafeTest, TheTableCanBeCopied) {
             "x\t1\tDrehzahl\t150,0\t160,0\t1/m\tverschieden\n"_s);
 }
 
+TEST_F(SafeTest, TheTableLeavesTheProgramWithWhatItIsAbout) {
+  Start();
+  Edit(1, 1600);
+  Send();
+  ASSERT_TRUE(IsOpen());
+  dialogs.answers = {u"/sendung"_s};
+  In<QMenu>(Safe(), u"exportMenu"_s).findChild<QAction*>(u"exportCsv"_s)->trigger();
+  const QString csv = QString::fromUtf8(files.files[u"/sendung.csv"_s].bytes);
+  EXPECT_TRUE(
+      csv.contains(u"Kreuz;Nr;Name;Regler (alt);PC (neu);Einheit;Zustand\r\n"
+                   "x;1;Drehzahl;150,0;160,0;1/m;verschieden\r\n"_s))
+      << csv.toStdString();
+}
+
 TEST_F(SafeTest, KeepsItsPlaceAndColumns) {
   Start();
   Edit(1, 1600);

@@ -1,5 +1,6 @@
 #include "commands/SafeCommands.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 
 #include "core/Busy.h"
@@ -13,6 +14,18 @@ namespace {
 SafeRun Ended(SafeRun run, const QString& error) {
   run.error = error;
   return run;
+}
+
+void Tell(const Core& core, DeedKind kind, const SafeRun& run, bool aborted) {
+  core.OnDeed.Tell({.kind = kind, .aborted = aborted, .run = &run});
+}
+
+// A chosen value was judged after the writing: the writing has begun.
+bool Wrote(const SafeRun& run) {
+  return std::ranges::any_of(run.values, [](const SafeValue& value) {
+    return value.chosen && (value.state == SafeState::Verified || value.state == SafeState::Deviating ||
+                            value.state == SafeState::Failed || value.state == SafeState::Unverified);
+  });
 }
 
 // The words as they were before the sending, as far as it wanted them.
@@ -94,7 +107,10 @@ SafeRun ReadToReceive(const SafeContext& context) {
 }
 
 SafeRun ReadToVerify(const SafeContext& context) {
-  return ReadTable(context, SafeKind::Verify);
+  SafeRun run = ReadTable(context, SafeKind::Verify);
+  // A reading with an error has no values.
+  if (run.error.isEmpty()) Tell(context.core, DeedKind::Compared, run, run.aborted);
+  return run;
 }
 
 SafeRun ReadToRestore(const SafeContext& context, const Backup& backup, int& unknown) {
@@ -133,8 +149,14 @@ void WriteChosen(const SafeContext& context, SafeRun& run) {
     return;
   }
   const BusyGuard busy(context.core);
+  bool aborted = true;
+  const auto tell = qScopeGuard([&] {
+    const bool restores = run.kind == SafeKind::Restore || run.kind == SafeKind::TakeBack;
+    if (Wrote(run)) Tell(context.core, restores ? DeedKind::Restored : DeedKind::SentSafely, run, aborted);
+  });
   WriteWords(context.core, run, context.store, context.progress);
   Settle(context, run);
+  aborted = run.aborted || !run.error.isEmpty();
 }
 
 int ChooseFailed(SafeRun& run) {
@@ -155,6 +177,7 @@ int TakeOverChosen(Core& core, SafeRun& run) {
     value.state = SafeState::Equal;
     ++taken;
   }
+  const auto tell = qScopeGuard([&] { Tell(core, DeedKind::Received, run, run.aborted); });
   if (taken > 0) Refresh(core, 2);
   return taken;
 }

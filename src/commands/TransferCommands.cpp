@@ -1,5 +1,7 @@
 #include "commands/TransferCommands.h"
 
+#include <QScopeGuard>
+#include <algorithm>
 #include <new>
 
 #include "base/Numbers.h"
@@ -99,23 +101,33 @@ bool RunFollowing(Core& core, const FollowingTransfer& transfer, TransferOutcome
   return core.module.Abbruch == kFalse;
 }
 
+// Told unless no parameter was reached.
+void TellTransfer(const Core& core, const TransferOutcome& outcome, bool aborted) {
+  const std::vector<ParameterResult>& results = outcome.walk.results;
+  if (std::ranges::any_of(results, [](const ParameterResult& result) { return result.index > 0; }))
+    core.OnDeed.Tell({.kind = outcome.kind, .aborted = aborted, .walk = &outcome.walk});
+}
+
 // The frame of every transfer: busy, the report, the first and the last line, also where a RuntimeError ends
 // it. `run` returns false where the transfer was given up.
 template <typename Run>
 void RunTransfer(Core& core, TransferOutcome& outcome, const QString& started, const QString& finished,
-                 const QString& aborted, Run&& run) {
+                 const QString& givenUp, Run&& run) {
   if (core.module.BusyDepth > 0) return;
   const BusyGuard busy(core);
+  bool aborted = true;
+  const auto tell = qScopeGuard([&] { TellTransfer(core, outcome, aborted); });
   core.report.Show();
   core.report.Add(started);
   const auto giveUp = [&] {
     outcome.transferred = false;
-    core.report.Add(aborted);
+    core.report.Add(givenUp);
   };
   try {
     const bool done = run();
     outcome.transferred = outcome.transferred && done;
-    core.report.Add(done ? finished : aborted);
+    core.report.Add(done ? finished : givenUp);
+    aborted = core.module.Abbruch != kFalse;
   } catch (const RuntimeError&) {
     giveUp();
     throw;
@@ -160,6 +172,7 @@ bool VersionVergleichen(Core& core, TransferOutcome& outcome) {
     core.module.VersionIndex = static_cast<qint16>(position + 1);
     versions.Select(position);
     Refresh(core, 4);
+    outcome.kind = DeedKind::Received;
     ReceiveIntoTree(core, outcome.walk);
   }
   return false;
@@ -184,6 +197,7 @@ bool AnlagenVergleichen(Core& core, TransferOutcome& outcome) {
   }
   plants.Select(number);
   Refresh(core, 3);
+  outcome.kind = DeedKind::Received;
   ReceiveIntoTree(core, outcome.walk);
   return false;
 }
@@ -196,11 +210,13 @@ void RunReceive(Core& core, TransferOutcome& outcome) {
 }
 
 void RunCompare(Core& core, TransferOutcome& outcome) {
+  outcome.kind = DeedKind::Compared;
   Follow(core, outcome,
          {u"Vergleichen.."_s, u"Vergleich beendet"_s, u"Vergleich abgebrochen"_s, false, Compare});
 }
 
 void RunSend(Core& core, TransferOutcome& outcome) {
+  outcome.kind = DeedKind::Sent;
   RunTransfer(core, outcome, u"Senden.."_s, u"Senden beendet"_s, u"Senden abgebrochen"_s, [&] {
     if (!VersionVergleichen(core, outcome)) return false;
     if (!AnlagenVergleichen(core, outcome)) return false;
@@ -230,8 +246,12 @@ TransferOutcome CommandSenden_Click(Core& core) {
 
 void CommandStandard_Click(Core& core) {
   if (core.module.BusyDepth > 0) return;
+  Deed reset{.kind = DeedKind::Reset, .aborted = true};
+  if (core.OnDeed.Listens()) reset.before = ValuesOf(core.module);
+  const auto tell = qScopeGuard([&] { core.OnDeed.Tell(reset); });
   SetStandard(core.module);
   Refresh(core, 2);
+  reset.aborted = false;
 }
 
 }  // namespace kalivor

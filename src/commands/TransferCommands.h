@@ -7,8 +7,9 @@ namespace kalivor {
 
 /// How a transfer command ended; the report holds the lines for the user.
 struct TransferOutcome {
-  bool transferred = false;  ///< the engine ran to its end
-  WalkResult walk;           ///< of the parameters, and of the plant type where that failed
+  bool transferred = false;            ///< the engine ran to its end
+  WalkResult walk;                     ///< of the parameters, and of the plant type where that failed
+  DeedKind kind = DeedKind::Received;  ///< what it came to: a sending may end in receiving
 };
 
 /// Receive and compare follow the controller: its plant type is taken over; receive also switches to its

@@ -19,6 +19,7 @@ SetResult ReadControllerValues(Core& core, ProgressForm& form) {
   result.error = run.error;
   result.aborted = run.aborted;
   if (!result.Ok()) return result;
+  core.OnDeed.Tell({.kind = DeedKind::Compared, .aborted = run.aborted, .run = &run});
 
   // Identity and order are those of the table.
   ValueSet table = TableValues(core.module);

@@ -30,7 +30,8 @@ struct Core : Surroundings {
   COM_A& controller;
   const platform::Clock& clock;
 
-  /// Told at the end of whatever is done with a controller's values. Must not throw.
+  /// Told once at the end of whatever is done with a controller's values, also where an exception ends it.
+  /// Must not throw.
   Observer<const Deed&> OnDeed{};
 };
 

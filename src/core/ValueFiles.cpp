@@ -1,6 +1,7 @@
 #include "core/ValueFiles.h"
 
 #include <QHash>
+#include <QScopeGuard>
 
 #include "core/Busy.h"
 #include "core/Refresh.h"
@@ -91,6 +92,7 @@ bool WriteValueFile(Core& core) {
     return false;
   }
   core.module.OnSaved.Tell(core.module.Dateiname);
+  core.OnDeed.Tell({.kind = DeedKind::Saved, .file = core.module.Dateiname});
   return true;
 }
 
@@ -102,9 +104,15 @@ bool ReadValueFile(Core& core) {
     return false;
   }
   const ValueFileContent content = ParseValueFile(file.bytes);
+  Deed loaded{.kind = DeedKind::Loaded, .aborted = true, .file = core.module.Dateiname};
+  const QString selected = core.module.VersionList.SelectedText();
+  if (core.OnDeed.Listens()) loaded.before = ValuesOf(core.module);
   if (!MatchVersion(core, content.version)) return false;
+  if (core.module.VersionList.SelectedText() != selected) loaded.before.clear();
+  const auto tell = qScopeGuard([&] { core.OnDeed.Tell(loaded); });
   TakeValues(core.module, content);
   Refresh(core, 2);
+  loaded.aborted = false;
   return true;
 }
 

@@ -256,10 +256,12 @@ std::vector<Change> ChangesOf(const QSqlDatabase& database, const Observation& o
         value.before ? value.before : known.Value(value.index, record);
     const bool changed = before && (value.held || value.before) && !SameValue(record, *before, after);
     if (!changed && value.state.isEmpty()) continue;
+    // What a controller has come to hold is not known where it did not say so.
+    const bool isKnown = value.held || !ConcernsController(observation.entry.kind);
     changes.push_back({value.index, record.Rubrik, record.Name, record.Variable, record.Typ.Trimmed(),
                        record.VarAdresse, record.Einheit.Trimmed(),
-                       before ? ExactText(record, *before) : QString(), ExactText(record, after),
-                       value.state});
+                       before ? ExactText(record, *before) : QString(),
+                       isKnown ? ExactText(record, after) : QString(), value.state});
   }
   return changes;
 }

@@ -47,6 +47,11 @@ struct ParameterKey {
   bool operator==(const ParameterKey&) const = default;
 };
 
+/// The file in the user's folder of data.
+[[nodiscard]] inline QString FileIn(const QString& folder) {
+  return folder + QStringLiteral("/Verlauf.sqlite");
+}
+
 /// Where the file lies and who opens it.
 struct StoreWorld {
   QString file;  ///< path; its folder is made for the user alone

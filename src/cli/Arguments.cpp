@@ -7,12 +7,15 @@
 #include "base/CommandLine.h"
 #include "base/Numbers.h"
 #include "commands/SettingsTable.h"
+#include "history/Entry.h"
 #include "platform/RuntimeError.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::cli {
 namespace {
+
+const QString kHistory = u"history"_s;
 
 // Each takes over the value of one option; returns a German complaint or "".
 
@@ -64,12 +67,23 @@ QString TakeCount(Arguments& arguments, const QString& value) {
   return {};
 }
 
+template <std::optional<QDate> Arguments::*Member>
 QString TakeDate(Arguments& arguments, const QString& value) {
-  if (arguments.date) return Repeated();
+  if (arguments.*Member) return Repeated();
   const QDate date = QDate::fromString(value, Qt::ISODate);
   if (!date.isValid()) return u"kein Datum der Form JJJJ-MM-TT: "_s + value;
-  arguments.date = date;
+  arguments.*Member = date;
   return {};
+}
+
+QString TakeKind(Arguments& arguments, const QString& value) {
+  if (arguments.kind) return Repeated();
+  arguments.kind = history::KindOf(value);
+  if (arguments.kind) return {};
+  QStringList kinds;
+  for (const DeedKind kind : history::kKinds)
+    kinds << history::KindText(kind);
+  return u"erwartet eines von %1 statt %2"_s.arg(kinds.join(u", "_s), value);
 }
 
 QString TakeOnly(Arguments& arguments, const QString& value) {
@@ -143,7 +157,7 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--uncheck", TakeMark<false>},
     {u"--answer", TakeAnswer},
     {u"--status-path", TakeText<&Arguments::statusPath>},
-    {u"--date", TakeDate},
+    {u"--date", TakeDate<&Arguments::date>},
     {u"--pdf", TakeText<&Arguments::pdf>},
     {u"--copies", TakeCount<&Arguments::copies, 0>},
     {u"--page", TakeCount<&Arguments::page, 1>},
@@ -155,6 +169,13 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--repeat", TakeCount<&Arguments::repeat, 0>},
     {u"--ports", TakePorts},
     {u"--addresses", TakeAddresses},
+    {u"--history", TakeText<&Arguments::history>},
+    {u"--plant-name", TakeText<&Arguments::plantName>},
+    {u"--kind", TakeKind},
+    {u"--technician", TakeText<&Arguments::technician>},
+    {u"--from", TakeDate<&Arguments::from>},
+    {u"--to", TakeDate<&Arguments::to>},
+    {u"--parameter", TakeText<&Arguments::parameter>},
 };
 
 constexpr Switch<Arguments> kSwitches[] = {
@@ -173,28 +194,38 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool list = arguments.command == u"list";
   const bool safeSend = arguments.command == u"safe-send";
   const bool find = arguments.command == u"find";
+  const bool history = arguments.command.startsWith(u"history ");
+  const bool historyExport = arguments.command == u"history export";
+  const bool entries = historyExport || arguments.command == u"history list";
   const bool writes = safeSend || arguments.command == u"restore";
   const struct {
     QStringView option;
     bool given = false;
     bool understood = false;
   } options[] = {{u"--json", arguments.json, json},
+                 {u"--save", arguments.save.has_value(), !history || arguments.command == u"history show"},
                  {u"--landscape", arguments.landscape, pages || print},
                  {u"--status-path", arguments.statusPath.has_value(), pages},
                  {u"--date", arguments.date.has_value(), pages || list},
                  {u"--pdf", arguments.pdf.has_value(), print},
                  {u"--copies", arguments.copies.has_value(), print},
                  {u"--page", arguments.page.has_value(), print},
-                 {u"--filter", arguments.filter.has_value(), list},
+                 {u"--filter", arguments.filter.has_value(), list || entries},
                  {u"--only", arguments.only.has_value(), list},
                  {u"--against", arguments.against.has_value(), list},
-                 {u"--format", arguments.format.has_value(), list},
-                 {u"--out", arguments.out.has_value(), list},
+                 {u"--format", arguments.format.has_value(), list || historyExport},
+                 {u"--out", arguments.out.has_value(), list || historyExport},
                  {u"--dry-run", arguments.dryRun, writes},
                  {u"--yes", arguments.yes, writes},
                  {u"--repeat", arguments.repeat.has_value(), safeSend},
                  {u"--ports", !arguments.ports.isEmpty(), find},
-                 {u"--addresses", arguments.addresses.has_value(), find}};
+                 {u"--addresses", arguments.addresses.has_value(), find},
+                 {u"--plant-name", arguments.plantName.has_value(), entries},
+                 {u"--kind", arguments.kind.has_value(), entries},
+                 {u"--technician", arguments.technician.has_value(), entries},
+                 {u"--from", arguments.from.has_value(), entries},
+                 {u"--to", arguments.to.has_value(), entries},
+                 {u"--parameter", arguments.parameter.has_value(), entries}};
   for (const auto& [option, given, understood] : options) {
     if (given && !understood)
       return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
@@ -203,14 +234,23 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   return {};
 }
 
-// Options of `list` that do not go together; returns a German complaint or "".
-QString ContradictoryList(const Arguments& arguments) {
+// Options that do not go together; returns a German complaint or "".
+QString Contradictory(const Arguments& arguments) {
   if (arguments.only && arguments.only->different && !arguments.against)
     return u"Zu --only different gehört die Option --against."_s;
   if (arguments.format && arguments.json) return u"--json und --format schließen einander aus."_s;
+  const bool inPages = arguments.format == ListFormat::Csv || arguments.format == ListFormat::Html;
+  if (arguments.command == u"history export" && arguments.format && !inPages)
+    return u"Für history export gibt es --format csv und html."_s;
   if (arguments.format == ListFormat::Pdf && !arguments.out)
     return u"Zu --format pdf gehört die Option --out."_s;
   return {};
+}
+
+// The commands of the history are two words.
+QStringList WithWholeCommand(const QStringList& words) {
+  if (words.size() < 2 || words.first() != kHistory) return words;
+  return QStringList{words.at(0) + u' ' + words.at(1)} + words.sliced(2);
 }
 
 void CheckCommand(const QStringList& words, Arguments& arguments) {
@@ -219,6 +259,10 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
     return;
   }
   arguments.command = words.first();
+  if (arguments.command == kHistory) {
+    arguments.error = u"Es fehlt list, show, export oder check zum Befehl history."_s;
+    return;
+  }
   const Command* command = FindCommand(arguments.command);
   const qsizetype expected = 1 + (command != nullptr ? command->words : 0);
   if (command == nullptr) {
@@ -231,8 +275,40 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
   } else {
     arguments.words = words.sliced(1);
     arguments.error = MisplacedOption(arguments, command->json);
-    if (arguments.error.isEmpty()) arguments.error = ContradictoryList(arguments);
+    if (arguments.error.isEmpty()) arguments.error = Contradictory(arguments);
   }
+}
+
+QString HistoryHelpText() {
+  return uR"(Aufruf: kalivor-cli history BEFEHL [OPTIONEN]
+
+Zeigt den Verlauf: wann was an welchem Regler getan wurde und welche Werte sich
+dabei geändert haben. Geführt wird er, wenn „Verlauf führen“ eingeschaltet ist.
+
+Befehle:
+  list                die Einträge, der neueste zuerst
+  show EINTRAG        ein Eintrag mit seinen geänderten Werten; der Anfang seiner
+                      Kennung genügt
+  export              die Einträge als Tabelle (--format csv oder html)
+  check               die Datei auf Fehler prüfen
+
+Optionen:
+  --plant-name TEXT          nur Einträge dieser Anlage, '' ohne Anlage (list, export)
+  --kind ART                 nur Einträge dieser Art: empfangen, gesendet, 'sicher gesendet',
+                             verglichen, geladen, gespeichert, zurückgesetzt oder
+                             wiederhergestellt (list, export)
+  --technician NAME          nur Einträge dieses Technikers (list, export)
+  --from JJJJ-MM-TT          nur Einträge von diesem Tag an (list, export)
+  --to JJJJ-MM-TT            nur Einträge bis zu diesem Tag (list, export)
+  --filter TEXT              nur Einträge, in denen alle Wörter vorkommen (list, export)
+  --parameter NAME           nur Einträge, in denen sich dieser Parameter geändert hat:
+                             Variable oder Name (list, export)
+  --format csv | html        Form der Tabelle, sonst csv (export)
+  --out DATEI                wohin die Tabelle geschrieben wird (export)
+  --save DATEI               die Werte des Eintrags als Wertedatei schreiben (show)
+  --history DATEI            Datei des Verlaufs statt der eigenen
+  --json                     Ausgabe als JSON (list, show, check)
+)"_s;
 }
 
 }  // namespace
@@ -250,8 +326,10 @@ Arguments ParseArguments(const QStringList& list) {
       words.append(list.at(at));
     }
   }
-  if (arguments.error.isEmpty() && !arguments.help && !arguments.programVersion) {
-    CheckCommand(words, arguments);
+  if (arguments.help) {
+    arguments.command = words.value(0);
+  } else if (arguments.error.isEmpty() && !arguments.programVersion) {
+    CheckCommand(WithWholeCommand(words), arguments);
   }
   return arguments;
 }
@@ -261,7 +339,8 @@ bool Draws(const Arguments& arguments) {
          (arguments.command == u"list" && arguments.format == ListFormat::Pdf);
 }
 
-QString HelpText() {
+QString HelpText(const QString& command) {
+  if (command == kHistory) return HistoryHelpText();
   return uR"(Aufruf: kalivor-cli [OPTIONEN] BEFEHL
 
 Parametriert einen Regler über eine serielle Leitung, ohne Fenster.
@@ -289,6 +368,7 @@ Befehle:
   restore SICHERUNG   die Werte einer Sicherung sicher in den Regler schreiben
   ports               die seriellen Schnittstellen: Nummer, Gerät, Zustand
   find                Regler suchen: an welcher Schnittstelle, mit welcher Adresse
+  history …           der Verlauf: was wo wann geändert wurde; siehe history --help
 
 LINKS und RECHTS sind table (die Werte auf dem PC), standard, controller (der Regler)
 oder eine Wertedatei.
@@ -324,6 +404,7 @@ Optionen (vor oder nach dem Befehl):
   --repeat N                 bis zu N-mal wiederholen, was nicht geprüft ist (safe-send)
   --ports A,B,…              nur diese Schnittstellen: Nummern oder Geräte (find)
   --addresses A-B            auch alle Adressen von A bis B fragen (find)
+  --history DATEI            Datei des Verlaufs statt der eigenen
   --json                     Ausgabe als JSON (versions, plants, params, show, compare
                              und alle Befehle ab list)
   --help                     diese Hilfe

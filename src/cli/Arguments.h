@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/Deed.h"
 #include "core/ParameterList.h"
 
 namespace kalivor::cli {
@@ -22,7 +23,7 @@ enum class Needs {
 
 /// One command: how it is written, what it needs and what it runs.
 struct Command {
-  QStringView name;
+  QStringView name;                 ///< one word, or "history" and another
   int (Session::*run)() = nullptr;  ///< returns an ExitStatus
   Needs needs = Needs::Definitions;
   bool json = false;          ///< can answer in JSON
@@ -43,8 +44,8 @@ enum class ListFormat { Tsv, Csv, Html, Pdf };
 
 struct Arguments {
   QString command;
-  QStringList words;  ///< behind it: the file of `show` and `restore`, the two sides of `diff`
-  bool help = false;
+  QStringList words;  ///< behind it: the file of `show` and `restore`, the two sides of `diff`, an entry
+  bool help = false;  ///< of `command`, if it has one of its own
   bool programVersion = false;
   bool json = false;
   std::optional<QString> iniPath;
@@ -72,7 +73,14 @@ struct Arguments {
   std::optional<qint16> repeat;                  ///< of `safe-send`: 0..32767
   QStringList ports;                             ///< of `find`, like the next: numbers 1..8 or devices
   std::optional<std::pair<int, int>> addresses;  ///< from, to: 0..255
-  QStringList set;                               ///< "VARIABLE=VALUE"
+  std::optional<QString> history;                ///< path of the history's file
+  std::optional<QString> plantName;              ///< of `history`, like all that follow here
+  std::optional<DeedKind> kind;
+  std::optional<QString> technician;
+  std::optional<QDate> from;
+  std::optional<QDate> to;
+  std::optional<QString> parameter;  ///< a variable or a name
+  QStringList set;                   ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second
   QString error;                ///< German; not empty when the command line is at fault
@@ -85,7 +93,7 @@ struct Arguments {
 /// True when the run draws pages, for which it needs fonts.
 [[nodiscard]] bool Draws(const Arguments& arguments);
 
-/// The text of --help.
-[[nodiscard]] QString HelpText();
+/// The text of --help; `command` is the one that it was asked for, or "".
+[[nodiscard]] QString HelpText(const QString& command);
 
 }  // namespace kalivor::cli

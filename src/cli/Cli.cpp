@@ -2,12 +2,14 @@
 
 #include <QJsonDocument>
 #include <QScopeGuard>
+#include <mutex>
 
 #include "check/DefinitionCheck.h"
 #include "check/FindingsText.h"
 #include "cli/Arguments.h"
 #include "cli/Edits.h"
 #include "cli/FindRun.h"
+#include "cli/HistoryRun.h"
 #include "cli/Output.h"
 #include "cli/SafeRuns.h"
 #include "cli/TextForms.h"
@@ -22,6 +24,7 @@
 #include "core/Refresh.h"
 #include "core/ValueFiles.h"
 #include "core/Wiring.h"
+#include "history/Recorder.h"
 #include "print/painter/PdfPrint.h"
 #include "print/painter/TablePages.h"
 
@@ -57,12 +60,19 @@ class Session {
         view_(arguments.json ? nullptr : &world.out),
         report_(module_, view_, events_, timers_),
         wiring_(module_, timers_, world.line,
-                {main_, report_, choice_, editors_, box_, world.files, events_}) {}
+                {main_, report_, choice_, editors_, box_, world.files, events_}),
+        recorder_({core_, wiring_.host.Exchanges, world.safe.deviceOfPort, HistoryPlace(world, arguments),
+                   [this](const QString& failure) {
+                     const std::lock_guard lock(historyMutex_);
+                     historyFailures_.append(failure);
+                   }}) {}
 
   int Run(const Command& command) {
     LoadSettings(module_, world_.settings, box_, world_.programFolder);
     TakeSettings();
     if (arguments_.trace) BeginTrace();
+    recorder_.Use(history::LoadHistorySettings(world_.settings));
+    const auto settle = qScopeGuard([this] { SettleHistory(); });
     if (command.needs == Needs::Nothing) return (this->*command.run)();
     LoadDefinitions();
     if (arguments_.load) LoadValues();
@@ -202,6 +212,11 @@ class Session {
   }
   int Backups() { return SafeRuns(core_, world_, arguments_).Backups(); }
 
+  int HistoryList() { return HistoryRun(world_, box_, arguments_).List(); }
+  int HistoryShow() { return HistoryRun(world_, box_, arguments_).Show(); }
+  int HistoryExport() { return HistoryRun(world_, box_, arguments_).Export(); }
+  int HistoryCheck() { return HistoryRun(world_, box_, arguments_).Check(); }
+
  private:
   // The options that stand for stored settings.
   void TakeSettings() {
@@ -213,6 +228,14 @@ class Session {
     }
     TakeRunSettings(module_, run);
     if (!device.isEmpty()) world_.ports.Override(module_.Schnittstelle, device);
+  }
+
+  // What could not be kept is said at the end; the status is that of the command.
+  void SettleHistory() {
+    recorder_.Settle();
+    const std::lock_guard lock(historyMutex_);
+    for (const QString& failure : std::as_const(historyFailures_))
+      core_.box.Show(failure);
   }
 
   // A run whose trace cannot be kept does not begin: it may not come back.
@@ -382,6 +405,9 @@ class Session {
   Report report_;
   Wiring wiring_;
   Core& core_ = wiring_.core;
+  std::mutex historyMutex_;
+  QStringList historyFailures_;  // of the writer's thread
+  history::Recorder recorder_;
   std::optional<TraceFile> trace_;
   int boxesBefore_ = 0;  // that were shown before the selected version was read
 };
@@ -411,6 +437,10 @@ constexpr Command kCommands[] = {
     {u"restore", &Session::Restore, Needs::Definitions, true, 1, u"die Sicherung"},
     {u"ports", &Session::Ports, Needs::Nothing, true},
     {u"find", &Session::Find, Needs::Versions, true},
+    {u"history list", &Session::HistoryList, Needs::Nothing, true},
+    {u"history show", &Session::HistoryShow, Needs::Nothing, true, 1, u"der Eintrag"},
+    {u"history export", &Session::HistoryExport, Needs::Nothing},
+    {u"history check", &Session::HistoryCheck, Needs::Nothing, true},
 };
 
 }  // namespace
@@ -427,7 +457,7 @@ int Run(const QStringList& list, World& world) {
     const Arguments arguments = ParseArguments(list);
     if (!arguments.error.isEmpty()) throw BadInput{arguments.error};
     if (arguments.help) {
-      world.out << HelpText().toStdString();
+      world.out << HelpText(arguments.command).toStdString();
       return kDone;
     }
     if (arguments.programVersion) {

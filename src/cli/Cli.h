@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "commands/SafeStore.h"
+#include "history/Store.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/PortDirectory.h"
@@ -32,8 +33,9 @@ struct World {
   platform::Clock& clock;
   QString programFolder;  ///< default of the definitions' folder
   platform::PortDirectory& ports;
-  std::function<bool()> interrupted;  ///< true once the user has pressed Ctrl+C
-  SafeWorld safe = {};                ///< of backups and journals
+  std::function<bool()> interrupted;      ///< true once the user has pressed Ctrl+C
+  SafeWorld safe = {};                    ///< of backups and journals
+  history::StoreWorld historyStore = {};  ///< without a file no history can be kept
 };
 
 /// Runs one command line (without the program's name) and returns the exit status.

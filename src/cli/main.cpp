@@ -1,5 +1,6 @@
 // kalivor-cli: the commands of KALIVOR without a window.
 #include <QCoreApplication>
+#include <QSysInfo>
 #include <csignal>
 #include <iostream>
 #include <memory>
@@ -69,6 +70,8 @@ int main(int argc, char** argv) {
                    QCoreApplication::applicationDirPath(),
                    devices,
                    [] { return interrupts != 0; },
-                   safe};
+                   safe,
+                   {history::FileIn(platform::native::DataFolder()), QStringLiteral(KALIVOR_VERSION),
+                    QSysInfo::machineHostName()}};
   return cli::Run(QCoreApplication::arguments().sliced(1), world);
 }

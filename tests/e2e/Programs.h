@@ -83,6 +83,7 @@ class Cli {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), settings_.path());
     environment.insert(QStringLiteral("XDG_STATE_HOME"), settings_.path());
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), settings_.path());
     process_.setProcessEnvironment(environment);
     QStringList all{QStringLiteral("--ini-path"), definitions_};
     if (!device_.isEmpty()) all += {QStringLiteral("--port"), device_};

@@ -31,6 +31,13 @@ inline constexpr QStringView kManual = u"../share/doc/kalivor/handbuch";
   return folder + QStringLiteral("/KALIVOR");
 }
 
+/// The user's folder for what the program collects for the user. Nothing is made.
+[[nodiscard]] inline QString DataFolder() {
+  const QString data = qEnvironmentVariable("XDG_DATA_HOME");
+  const QString folder = QDir::isAbsolutePath(data) ? data : QDir::homePath() + QStringLiteral("/.local/share");
+  return folder + QStringLiteral("/KALIVOR");
+}
+
 /// The toolkit's platform that paints where there is no display.
 inline constexpr const char* kPaintingPlatform = "offscreen";
 

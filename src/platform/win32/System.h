@@ -36,6 +36,11 @@ inline constexpr QStringView kManual = u"handbuch";
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/KALIVOR");
 }
 
+/// The user's folder for what the program collects for the user: the same. Nothing is made.
+[[nodiscard]] inline QString DataFolder() {
+  return StateFolder();
+}
+
 /// The toolkit's platform that paints without a window: the one that knows the system's fonts.
 inline constexpr const char* kPaintingPlatform = "windows";
 

@@ -71,7 +71,7 @@ class CliTest : public testing::Test {
     out.str({});
     err.str({});
     World world{out, err, settings, files, line, clock, u"/programm"_s, ports, [this] { return interrupted; },
-                safe};
+                safe, historyStore};
     return cli::Run(arguments, world);
   }
 
@@ -93,6 +93,7 @@ class CliTest : public testing::Test {
                  {},
                  [](const QString&) { return true; },
                  [] { return QDateTime(QDate(2026, 3, 4), QTime(5, 6, 7), Qt::UTC); }};
+  history::StoreWorld historyStore;  ///< no history can be kept
   std::ostringstream out;
   std::ostringstream err;
 };

@@ -174,8 +174,57 @@ TEST(CommandLine, JsonIsForTables) {
   }
 }
 
+TEST(CommandLine, TheHistoryHasCommandsOfTwoWords) {
+  const Arguments list =
+      ParseArguments({u"--kind"_s, u"sicher gesendet"_s, u"history"_s, u"list"_s, u"--from"_s,
+                      u"2026-03-04"_s, u"--to=2026-03-05"_s, u"--technician"_s, u"Meier"_s, u"--plant-name"_s,
+                      u""_s, u"--parameter"_s, u"Soll"_s, u"--filter"_s, u"a b"_s});
+  EXPECT_EQ(list.error, QString());
+  EXPECT_EQ(list.command, u"history list"_s);
+  EXPECT_EQ(list.kind, DeedKind::SentSafely);
+  EXPECT_EQ(list.from, QDate(2026, 3, 4));
+  EXPECT_EQ(list.to, QDate(2026, 3, 5));
+  EXPECT_EQ(list.technician, u"Meier"_s);
+  EXPECT_EQ(list.plantName, u""_s);
+  EXPECT_EQ(list.parameter, u"Soll"_s);
+  const Arguments show = ParseArguments({u"history"_s, u"show"_s, u"01a2"_s, u"--json"_s});
+  EXPECT_EQ(show.error, QString());
+  EXPECT_EQ(show.words, QStringList{u"01a2"_s});
+}
+
+TEST(CommandLine, WhatIsWrongWithACommandOfTheHistory) {
+  const auto error = [](const QStringList& words) { return ParseArguments(words).error; };
+  EXPECT_EQ(error({u"history"_s}), u"Es fehlt list, show, export oder check zum Befehl history."_s);
+  EXPECT_EQ(error({u"history"_s, u"drop"_s}), u"Unbekannter Befehl: history drop"_s);
+  EXPECT_EQ(error({u"history"_s, u"show"_s}), u"Es fehlt der Eintrag zum Befehl history show."_s);
+  EXPECT_EQ(error({u"history"_s, u"check"_s, u"x"_s}), u"Überzähliges Argument: x"_s);
+  EXPECT_EQ(error({u"history"_s, u"show"_s, u"x"_s, u"--kind"_s, u"gesendet"_s}),
+            u"Option --kind gilt nicht für den Befehl history show."_s);
+  EXPECT_EQ(error({u"history"_s, u"list"_s, u"--save"_s, u"x"_s}),
+            u"Option --save gilt nicht für den Befehl history list."_s);
+  EXPECT_EQ(error({u"history"_s, u"export"_s, u"--format"_s, u"pdf"_s}),
+            u"Für history export gibt es --format csv und html."_s);
+  EXPECT_EQ(error({u"list"_s, u"--kind"_s, u"gesendet"_s}),
+            u"Option --kind gilt nicht für den Befehl list."_s);
+  EXPECT_TRUE(error({u"history"_s, u"list"_s, u"--kind"_s, u"gelöscht"_s})
+                  .contains(u"erwartet eines von empfangen, gesendet, sicher gesendet,"_s));
+  EXPECT_TRUE(error({u"history"_s, u"list"_s, u"--from"_s, u"gestern"_s})
+                  .contains(u"kein Datum der Form JJJJ-MM-TT: gestern"_s));
+}
+
+TEST(CommandLine, TheHistoryHasAHelpOfItsOwn) {
+  const Arguments asked = ParseArguments({u"history"_s, u"--help"_s});
+  EXPECT_TRUE(asked.help);
+  const QString help = HelpText(asked.command);
+  for (const QString& word :
+       {u"list "_s, u"show "_s, u"export "_s, u"check "_s, u"--plant-name"_s, u"--kind"_s, u"--technician"_s,
+        u"--from"_s, u"--to"_s, u"--filter"_s, u"--parameter"_s, u"--format"_s, u"--out"_s, u"--save"_s,
+        u"--history"_s, u"--json"_s})
+    EXPECT_TRUE(help.contains(u"  "_s + word)) << word.toStdString();
+}
+
 TEST(CommandLine, HelpNamesEveryOptionAndCommand) {
-  const QString help = HelpText();
+  const QString help = HelpText({});
   for (const QString& word : {u"versions"_s,
                               u"plants"_s,
                               u"params"_s,

@@ -65,6 +65,7 @@ TEST_F(CliTest, EveryCommandOfTheHelpRunsItself) {
     if (command == u"print") continue;  // needs fonts
     if (command == u"diff") arguments += {u"table"_s, u"standard"_s};
     if (command == u"restore") continue;  // needs a backup
+    if (command == u"history") continue;  // has commands of its own
     if (command == u"ports" || command == u"find") ports.entries = {platform::PortEntry{1, u"/dev/ttyS0"_s}};
     // Else they show as much as others do.
     if (command == u"verify") arguments += {u"--uncheck"_s, u"NAME"_s};

@@ -15,6 +15,8 @@ struct Column {
   QStringView name;
   ColumnType type;
   QStringView constraint = u"NOT NULL";  ///< in words of SQL that both understand
+
+  [[nodiscard]] bool MayBeNull() const { return !constraint.startsWith(u"NOT NULL"); }
 };
 
 /// Rows are only ever added. The first column is the key, unless `key` names several.

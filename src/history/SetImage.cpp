@@ -15,13 +15,15 @@ QByteArray Differing(QByteArray image, const QByteArray& base) {
   return image;
 }
 
+}  // namespace
+
 // The toolkit puts the length in front, and takes as much memory as it says there.
 std::optional<QByteArray> Uncompressed(const QByteArray& data) {
   if (data.size() < 4 || qFromBigEndian<quint32>(data.constData()) > kLargestImage_bytes) return std::nullopt;
-  return qUncompress(data);
+  QByteArray image = qUncompress(data);
+  if (image.isEmpty()) return std::nullopt;
+  return image;
 }
-
-}  // namespace
 
 QByteArray SetId(const QByteArray& image) {
   return QCryptographicHash::hash(image, QCryptographicHash::Sha256);

@@ -20,6 +20,10 @@ struct StoredSet {
 /// A larger image is none: a full table takes 124 kB.
 inline constexpr qsizetype kLargestImage_bytes = 1 << 20;
 
+/// What was compressed, nothing where that is damaged or larger than an image. Memory is not taken on the
+/// word of the data.
+[[nodiscard]] std::optional<QByteArray> Uncompressed(const QByteArray& data);
+
 [[nodiscard]] QByteArray SetId(const QByteArray& image);
 
 /// The image of a value file as it is stored. `base` is the image of a set that is stored as a whole, or

@@ -12,6 +12,7 @@
 
 #include "commands/DamagedFile.h"
 #include "core/ValueFiles.h"
+#include "history/RowCheck.h"
 #include "history/Schema.h"
 #include "history/SetImage.h"
 
@@ -45,9 +46,8 @@ QVariant BytesValue(const QByteArray& bytes) {
   return bytes.isEmpty() ? QVariant(QMetaType::fromType<QByteArray>()) : QVariant(bytes);
 }
 
-// An empty text is a text: the driver would store a null one as nothing.
 QVariant TextValue(const QString& text) {
-  return text.isNull() ? QVariant(u""_s) : QVariant(text);
+  return StorableText(text);
 }
 
 QUuid IdOf(const QVariant& value) {
@@ -497,6 +497,55 @@ QStringList Store::Check() {
   return faults;
 }
 
+QString Store::Import(const std::vector<TableRows>& tables) {
+  for (const TableRows& rows : tables)
+    for (const QVariantList& row : rows.rows) {
+      const QString fault = RowFault(TableNamed(rows.table), row);
+      if (!fault.isEmpty()) return u"Eine Zeile ist beschädigt und wird nicht übernommen: "_s + fault;
+    }
+  Transaction adding(database_);
+  // A set may come before the one that it differs from.
+  adding.Do(u"PRAGMA defer_foreign_keys = ON"_s);
+  for (const TableRows& rows : tables)
+    for (const QVariantList& row : rows.rows)
+      adding.Do(InsertText(TableNamed(rows.table)) + u" ON CONFLICT DO NOTHING"_s, row);
+  for (const TableRows& rows : tables)
+    for (const QVariantList& row : rows.rows)
+      if (rows.table == u"value_set" && adding.Works() && !ImageOf(database_, row[0].toByteArray()))
+        return u"Ein Wertesatz ist beschädigt und wird nicht übernommen."_s;
+  return adding.Commit();
+}
+
+std::vector<QByteArray> Store::Ids(QStringView table) {
+  failure_.clear();
+  const TableDescription& description = TableNamed(table);
+  const QStringView key = description.columns.front().name;
+  std::vector<QByteArray> ids;
+  Statement rows(database_, u"SELECT DISTINCT %1 FROM %2 ORDER BY %1"_s.arg(key, description.name));
+  if (!rows.Run()) failure_ = Unreadable(rows.Error().databaseText());
+  while (rows.Next())
+    ids.push_back(rows.At(0).toByteArray());
+  return ids;
+}
+
+TableRows Store::Rows(QStringView table, const std::vector<QByteArray>& ids) {
+  failure_.clear();
+  const TableDescription& description = TableNamed(table);
+  TableRows found{description.name, {}};
+  Statement rows(database_,
+                 u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(ColumnNames(description), description.name,
+                                                         description.columns.front().name));
+  for (const QByteArray& id : ids) {
+    if (!rows.Run({id})) failure_ = Unreadable(rows.Error().databaseText());
+    while (rows.Next()) {
+      QVariantList& row = found.rows.emplace_back();
+      for (std::size_t i = 0; i < description.columns.size(); ++i)
+        row << rows.At(static_cast<int>(i));
+    }
+  }
+  return found;
+}
+
 QString HeldText(const std::vector<int>& numbers) {
   QStringList ranges;
   for (std::size_t from = 0; from < numbers.size();) {
@@ -516,7 +565,9 @@ std::vector<int> HeldNumbers(const QString& text) {
     const qsizetype dash = range.indexOf(u'-');
     const int from = range.first(dash < 0 ? range.size() : dash).toInt();
     const int to = dash < 0 ? from : range.sliced(dash + 1).toInt();
-    for (int number = std::max(from, 1); number <= std::min(to, kLastParameter); ++number)
+    const int last = numbers.empty() ? 0 : numbers.back();
+    if (from <= last || to < from || to > kLastParameter) return {};
+    for (int number = from; number <= to; ++number)
       numbers.push_back(number);
   }
   return numbers;

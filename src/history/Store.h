@@ -26,7 +26,7 @@ struct Observation {
   Entry entry;  ///< without id, set and changes; the moment is set by the store
   std::shared_ptr<const ParameterTable> table;  ///< the values after it, with what the controller holds put
                                                 ///< in; null: nothing is known of any value
-  std::vector<ObservedValue> values;  ///< by index
+  std::vector<ObservedValue> values;            ///< by index
 };
 
 /// What is known of the value of one parameter at one time.
@@ -58,6 +58,13 @@ struct StoreWorld {
   QString programVersion;
   QString pc;  ///< name of the computer
   std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); };
+};
+
+/// Rows of one table as they are copied from one history to another: a value for each column, as RowFault
+/// describes them.
+struct TableRows {
+  QStringView table;
+  std::vector<QVariantList> rows;
 };
 
 enum class Access { Write, Read };
@@ -132,8 +139,19 @@ class Store {
 
   [[nodiscard]] const QString& Failure() const { return failure_; }
 
-  /// For who copies rows.
-  [[nodiscard]] QSqlDatabase Database() const { return database_; }
+  // Copying. Rows are found by their first column: their own id, of `change` that of the entry.
+
+  /// Adds rows that were made elsewhere, all of them in one transaction or none; those that are there already
+  /// stay as they are. What they refer to is among them, or there already. Returns
+  /// "" or why nothing was added: a row that RowFault refuses, a set that is not what its id says.
+  [[nodiscard]] QString Import(const std::vector<TableRows>& tables);
+
+  /// Of all rows, in order, each once.
+  [[nodiscard]] std::vector<QByteArray> Ids(QStringView table);
+
+  /// Those with these ids; ids that are not there have none.
+  [[nodiscard]] TableRows Rows(QStringView table, const std::vector<QByteArray>& ids);
+
   /// Of this file, on this computer.
   [[nodiscard]] const QUuid& Origin() const { return origin_; }
 

@@ -1,51 +1,14 @@
 // What is added to the history is there afterwards, and what was there before is known.
 #include "history/Store.h"
 
-#include <gtest/gtest.h>
-#include <QTemporaryDir>
+#include "unit/history/HistoryFixture.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::history {
 namespace {
 
-class StoreTest : public testing::Test {
- protected:
-  static std::shared_ptr<ParameterTable> TableWith(qint32 number) {
-    auto table = std::make_shared<ParameterTable>();
-    table->ParCount = 3;
-    for (int i = 1; i < 3; ++i) {
-      ParameterRecord& record = table->Par[i];
-      record.Rubrik = u"Regelung"_s;
-      record.Name = u"Sollwert"_s;
-      record.Variable = u"Soll%1"_s.arg(i);
-      record.VarAdresse = u"00%1"_s.arg(10 * i);
-      record.Typ = u"int"_s;
-      record.Zahl1 = 1;
-      record.Wert = number + i;
-    }
-    return table;
-  }
-
-  static Observation Received(qint32 number) {
-    Observation observation;
-    observation.entry.kind = DeedKind::Received;
-    observation.entry.version = u"V1"_s;
-    observation.entry.address = 3;
-    observation.table = TableWith(number);
-    observation.values = {{1, true, {}, {}}, {2, true, {}, {}}};
-    return observation;
-  }
-
-  std::unique_ptr<Store> Opened() {
-    Store::Opened opened = Store::Open(world_, Access::Write);
-    EXPECT_EQ(opened.note, QString());
-    return std::move(opened.store);
-  }
-
-  QTemporaryDir folder_;
-  StoreWorld world_{folder_.filePath(u"a/Verlauf.sqlite"_s), u"1.0"_s, u"PC"_s};
-};
+class StoreTest : public HistoryFixture {};
 
 TEST_F(StoreTest, AnEntryComesBackAsItWasAdded) {
   const auto store = Opened();
@@ -78,7 +41,7 @@ TEST_F(StoreTest, ChangesAreThoseSinceTheControllerWasLastSeen) {
   ASSERT_EQ(changes.size(), 1u);
   EXPECT_EQ(changes[0].before, u"10.2"_s);
   EXPECT_EQ(changes[0].after, u"-0.5"_s);
-  const std::vector<CurvePoint> curve = store->Curve({}, {u"Soll2"_s, u"0020"_s});
+  const std::vector<CurvePoint> curve = store->Curve({}, {u"Soll2"_s, u"0014"_s});
   ASSERT_EQ(curve.size(), 2u);
   EXPECT_EQ(curve[0].value, 10.2);
   EXPECT_EQ(curve[1].value, -0.5);

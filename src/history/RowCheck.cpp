@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <algorithm>
+#include <limits>
 
 #include "base/ParameterTable.h"
 #include "history/Entry.h"
@@ -16,18 +17,18 @@ namespace {
 constexpr qsizetype kId_bytes = 16;
 constexpr qsizetype kSetId_bytes = 32;
 constexpr qint64 kLastMoment_ms = 253402300799999;  // of the year 9999
-constexpr qint64 kLargestAddress = 65535;
-constexpr qint64 kMostChanges = 100000;
 
 struct Range {
   QStringView column;
+  qint64 smallest;
   qint64 largest;
 };
-constexpr Range kRanges[] = {{u"moment", kLastMoment_ms},
-                             {u"address", kLargestAddress},
-                             {u"changes", kMostChanges},
-                             {u"position", kMostChanges},
-                             {u"number", kLastParameter}};
+// "address" is a text where it is not that of a station.
+constexpr Range kRanges[] = {{u"moment", 0, kLastMoment_ms},
+                             {u"address", std::numeric_limits<int>::min(), std::numeric_limits<int>::max()},
+                             {u"changes", 0, kLastParameter},
+                             {u"position", 0, kLastParameter},
+                             {u"number", 0, kLastParameter}};
 
 bool IsStorable(const QString& text) {
   return text.size() <= kLongestText && !text.contains(QChar::Null) && QStringView(text).isValidUtf16();
@@ -35,7 +36,7 @@ bool IsStorable(const QString& text) {
 
 QString NumberFault(const Column& column, qint64 number) {
   const auto* range = std::ranges::find(kRanges, column.name, &Range::column);
-  const bool fits = range == std::end(kRanges) || (number >= 0 && number <= range->largest);
+  const bool fits = range == std::end(kRanges) || (number >= range->smallest && number <= range->largest);
   return fits ? QString() : u"ist außerhalb des Bereichs"_s;
 }
 

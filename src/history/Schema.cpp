@@ -84,6 +84,26 @@ constexpr TableDescription kTables[] = {{u"plant", kPlant},
                                         {u"remark", kRemark},
                                         {u"assignment", kAssignment}};
 
+struct Index {
+  QStringView name;
+  QStringView columns;
+};
+
+constexpr Index kIndexes[] = {
+    // The last row of a store.
+    {u"entry_origin", u"entry (origin, moment)"},
+    {u"plant_text_origin", u"plant_text (origin, moment)"},
+    {u"remark_origin", u"remark (origin, moment)"},
+    {u"assignment_origin", u"assignment (origin, moment)"},
+    // What a controller was last known to hold, without a look at the entries of other plants.
+    {u"entry_held", u"entry (version, address, moment, plant, id) WHERE held <> ''"},
+    // The last set of a version.
+    {u"entry_version", u"entry (version, moment) WHERE value_set IS NOT NULL"},
+    // The plant of an entry.
+    {u"assignment_entry", u"assignment (entry, moment, id, plant)"},
+    // Where a parameter changed.
+    {u"change_variable", u"change (variable, entry)"}};
+
 QString TypeName(ColumnType type, Dialect dialect) {
   const bool file = dialect == Dialect::SQLite;
   switch (type) {
@@ -136,11 +156,15 @@ QStringList CreateTables(Dialect dialect) {
   QStringList statements;
   for (const TableDescription& table : kTables)
     statements << CreateTable(table, dialect);
-  statements << u"CREATE INDEX entry_origin ON entry (origin, moment)"_s
-             << u"CREATE INDEX entry_plant ON entry (plant, moment)"_s
-             << u"CREATE INDEX change_variable ON change (variable, entry)"_s
-             << u"CREATE INDEX remark_entry ON remark (entry)"_s
-             << u"CREATE INDEX assignment_entry ON assignment (entry)"_s;
+  for (const Index& index : kIndexes)
+    statements << u"CREATE INDEX %1 ON %2"_s.arg(index.name, index.columns);
+  // On a server the role of its users can do neither.
+  if (dialect == Dialect::SQLite)
+    for (const TableDescription& table : kTables)
+      for (const QStringView change : {u"UPDATE", u"DELETE"})
+        statements
+            << u"CREATE TRIGGER %1_no_%2 BEFORE %2 ON %1 BEGIN SELECT RAISE(ABORT, 'rows are only added'); "
+               "END"_s.arg(table.name, change);
   return statements;
 }
 

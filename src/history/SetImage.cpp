@@ -4,6 +4,7 @@
 #include <QtEndian>
 #include <algorithm>
 #include <functional>
+#include <numeric>
 
 namespace kalivor::history {
 namespace {
@@ -29,13 +30,19 @@ QByteArray SetId(const QByteArray& image) {
   return QCryptographicHash::hash(image, QCryptographicHash::Sha256);
 }
 
-StoredSet PackSet(const QByteArray& image, const QByteArray& base) {
+StoredSet PackSet(const QByteArray& image, const QByteArray& base, qsizetype largestDifference) {
   const QByteArray id = SetId(image);
-  StoredSet whole{id, {}, qCompress(image)};
-  if (base.isEmpty() || base.size() != image.size()) return whole;
-  const QByteArray difference = qCompress(Differing(image, base));
-  if (difference.size() * 2 > whole.data.size()) return whole;
-  return {id, SetId(base), difference};
+  if (!base.isEmpty() && base.size() == image.size()) {
+    const QByteArray difference = qCompress(Differing(image, base));
+    if (difference.size() <= largestDifference) return {id, SetId(base), difference};
+  }
+  return {id, {}, qCompress(image)};
+}
+
+qsizetype DifferingBytes(const QByteArray& image, const QByteArray& base) {
+  if (image.size() != base.size()) return image.size();
+  return std::inner_product(image.cbegin(), image.cend(), base.cbegin(), qsizetype{0}, std::plus<>(),
+                            std::not_equal_to<>());
 }
 
 std::optional<QByteArray> UnpackSet(

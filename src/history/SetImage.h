@@ -26,12 +26,18 @@ inline constexpr qsizetype kLargestImage_bytes = 1 << 20;
 
 [[nodiscard]] QByteArray SetId(const QByteArray& image);
 
-/// The image of a value file as it is stored. `base` is the image of a set that is stored as a whole, or
-/// empty. It is used where both are of one length and that saves at least half.
-[[nodiscard]] StoredSet PackSet(const QByteArray& image, const QByteArray& base);
+/// The image of a value file as it is stored: by what it differs from `base`, the image of a set that is
+/// stored as a whole, where that takes no more than `largestDifference`; else as a whole. An empty base is
+/// none.
+[[nodiscard]] StoredSet PackSet(const QByteArray& image, const QByteArray& base = {},
+                                qsizetype largestDifference = 0);
+
+/// How many bytes differ between two images of one length; as many as there are where the lengths differ.
+[[nodiscard]] qsizetype DifferingBytes(const QByteArray& image, const QByteArray& base);
 
 /// The image, or nothing where the row is damaged: what does not give its `id` is no image. `baseImage`
-/// returns that of the base, nothing where it is not there. Memory is not taken on the word of the data.
+/// returns that of the base, nothing where it is not there; it need not have looked whether that one is
+/// whole.
 [[nodiscard]] std::optional<QByteArray> UnpackSet(
     const StoredSet& set, const std::function<std::optional<QByteArray>(const QByteArray& id)>& baseImage);
 

@@ -1,177 +1,46 @@
 #include "history/Store.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QHash>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QtEndian>
 #include <algorithm>
-#include <set>
 
-#include "commands/DamagedFile.h"
 #include "core/ValueFiles.h"
+#include "history/KnownValues.h"
 #include "history/RowCheck.h"
-#include "history/Schema.h"
-#include "history/SetImage.h"
+#include "history/Sql.h"
+#include "history/StoreFile.h"
+#include "history/StoredSets.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::history {
 namespace {
 
-// Long enough for whoever holds the file, as nobody waits for the writer; a window that reads waits less.
-constexpr int kBusyWriting_ms = 10000;
-constexpr int kBusyReading_ms = 1000;
-
-// How many entries back the value before is looked for.
-constexpr int kLookedBack = 20;
-
 // Ids that grow with time (version 7), so that rows of one time lie together.
 QUuid NewId(qint64 moment_ms) {
-  const QUuid random = QUuid::createUuid();
-  QByteArray bytes = random.toRfc4122();
+  QByteArray bytes = QUuid::createUuid().toRfc4122();
   const quint64 time = qToBigEndian(static_cast<quint64>(moment_ms) << 16);
   std::copy_n(reinterpret_cast<const char*>(&time), 6, bytes.begin());
   bytes[6] = static_cast<char>(0x70 | (bytes[6] & 0x0F));
   return QUuid::fromRfc4122(bytes);
 }
 
-QVariant IdValue(const QUuid& id) {
-  return id.isNull() ? QVariant(QMetaType::fromType<QByteArray>()) : QVariant(id.toRfc4122());
-}
-
-QVariant BytesValue(const QByteArray& bytes) {
-  return bytes.isEmpty() ? QVariant(QMetaType::fromType<QByteArray>()) : QVariant(bytes);
-}
-
-QVariant TextValue(const QString& text) {
-  return StorableText(text);
-}
-
-QUuid IdOf(const QVariant& value) {
-  return QUuid::fromRfc4122(value.toByteArray());
-}
-
 QString TimeText(const QDateTime& time) {
   return time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODate);
 }
 
-/// A statement on one database; every failure is kept.
-class Statement {
- public:
-  Statement(const QSqlDatabase& database, const QString& text) : query_(database) {
-    query_.setForwardOnly(true);
-    prepared_ = query_.prepare(text);
-  }
-
-  bool Run(const QVariantList& values = {}) {
-    for (int i = 0; i < values.size(); ++i)
-      query_.bindValue(i, values[i]);
-    return prepared_ && query_.exec();
-  }
-  bool Next() { return query_.next(); }
-  [[nodiscard]] QVariant At(int column) const { return query_.value(column); }
-  [[nodiscard]] QString Text(int column) const { return query_.value(column).toString(); }
-  [[nodiscard]] QUuid Id(int column) const { return IdOf(query_.value(column)); }
-  [[nodiscard]] qint64 Number(int column) const { return query_.value(column).toLongLong(); }
-  [[nodiscard]] QSqlError Error() const { return query_.lastError(); }
-
- private:
-  QSqlQuery query_;
-  bool prepared_ = false;
-};
-
-QString InsertText(const TableDescription& table) {
-  const QStringList marks(static_cast<qsizetype>(table.columns.size()), u"?"_s);
-  return u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(table.name, ColumnNames(table), marks.join(u','));
+QDateTime TimeOf(const QString& text) {
+  return QDateTime::fromString(text, Qt::ISODate);
 }
 
-/// Ends without a trace unless it is committed. Waits for other writers at its beginning, so that nobody has
-/// to give up in the middle.
-class Transaction {
- public:
-  explicit Transaction(const QSqlDatabase& database) : database_(database) {
-    Statement begin(database, u"BEGIN IMMEDIATE"_s);
-    open_ = begin.Run();
-    error_ = begin.Error();
-  }
-  ~Transaction() {
-    if (open_) (void)Statement(database_, u"ROLLBACK"_s).Run();
-  }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
-
-  /// Does nothing after a failure.
-  void Insert(QStringView table, const QVariantList& values) { Do(InsertText(TableNamed(table)), values); }
-  void Do(const QString& text, const QVariantList& values = {}) {
-    if (!open_ || failed_) return;
-    Statement statement(database_, text);
-    failed_ = !statement.Run(values);
-    if (failed_) error_ = statement.Error();
-  }
-  [[nodiscard]] bool Works() const { return open_ && !failed_; }
-
-  /// Returns "" or why nothing was added.
-  [[nodiscard]] QString Commit() {
-    if (Works()) {
-      Statement commit(database_, u"COMMIT"_s);
-      open_ = !commit.Run();
-      if (!open_) return {};
-      error_ = commit.Error();
-    }
-    return Sentence(error_);
-  }
-
-  static QString Sentence(const QSqlError& error) {
-    return u"Der Verlauf kann nicht geschrieben werden: "_s + error.databaseText();
-  }
-
- private:
-  QSqlDatabase database_;
-  QSqlError error_;
-  bool open_ = false;
-  bool failed_ = false;
-};
-
-// The stamp of the next row. The clock may have been set back since the last one.
-Stamp NextStamp(const QSqlDatabase& database, const QUuid& origin, const QDateTime& now,
-                const QString& technician) {
-  Statement last(database,
-                 u"SELECT max(m) FROM (SELECT max(moment) AS m FROM entry WHERE origin = ? UNION ALL "
-                 "SELECT max(moment) FROM plant_text WHERE origin = ? UNION ALL "
-                 "SELECT max(moment) FROM remark WHERE origin = ? UNION ALL "
-                 "SELECT max(moment) FROM assignment WHERE origin = ?)"_s);
-  const qint64 before = last.Run(QVariantList(4, IdValue(origin))) && last.Next() ? last.Number(0) : 0;
-  return {std::max(now.toMSecsSinceEpoch(), before + 1), now, technician};
-}
-
-void Prepare(const QSqlDatabase& database, Access access) {
-  for (const QString& pragma : {u"PRAGMA foreign_keys = ON"_s, u"PRAGMA journal_mode = WAL"_s,
-                                u"PRAGMA synchronous = FULL"_s, u"PRAGMA trusted_schema = OFF"_s})
-    if (access == Access::Write || !pragma.contains(u"journal_mode"_s))
-      (void)Statement(database, pragma).Run();
-}
-
-QString Unreadable(const QString& reason) {
-  return u"Der Verlauf kann nicht gelesen werden: "_s + reason;
-}
-
-int VersionOf(const QSqlDatabase& database) {
-  Statement version(database, u"PRAGMA user_version"_s);
-  return version.Run() && version.Next() ? static_cast<int>(version.Number(0)) : -1;
-}
-
-const QString kEntryColumns =
-    u"e.id, e.moment, e.time, e.technician, coalesce((SELECT a.plant FROM assignment a WHERE a.entry = e.id "
-    "ORDER BY a.moment DESC, a.id DESC LIMIT 1), e.plant), e.pc, e.version, e.plant_type, e.address, e.port, "
-    "e.program, e.kind, e.outcome, e.remark, e.quality, e.value_set, e.held, e.changes"_s;
+const QString kEntryColumns = u"e.id, e.moment, e.time, e.technician, "_s + kPlantNow +
+                              u", e.pc, e.version, e.plant_type, e.address, e.port, e.program, e.kind, "
+                              "e.outcome, e.remark, e.quality, e.value_set, e.held, e.changes"_s;
 
 Entry EntryAt(const Statement& row) {
   Entry entry;
   entry.id = row.Id(0);
-  entry.stamp = {row.Number(1), QDateTime::fromString(row.Text(2), Qt::ISODate), row.Text(3)};
+  entry.stamp = {row.Number(1), TimeOf(row.Text(2)), row.Text(3)};
   entry.plant = row.Id(4);
   entry.pc = row.Text(5);
   entry.version = row.Text(6);
@@ -183,209 +52,177 @@ Entry EntryAt(const Statement& row) {
   entry.outcome = row.Text(12);
   entry.remark = row.Text(13);
   entry.quality = row.Text(14);
-  entry.set = row.At(15).toByteArray();
+  entry.set = row.Bytes(15);
   entry.held = row.Text(16);
   entry.changes = static_cast<int>(row.Number(17));
   return entry;
 }
 
-std::optional<QByteArray> ImageOf(const QSqlDatabase& database, const QByteArray& id,
-                                  bool wholeOnly = false) {
-  Statement row(database, u"SELECT base, data FROM value_set WHERE id = ?"_s);
-  if (!row.Run({BytesValue(id)}) || !row.Next()) return std::nullopt;
-  const StoredSet set{id, row.At(0).toByteArray(), row.At(1).toByteArray()};
-  if (wholeOnly && !set.base.isEmpty()) return std::nullopt;
-  return UnpackSet(set, [&](const QByteArray& base) { return ImageOf(database, base, true); });
+void InsertEntry(Transaction& adding, const Entry& entry, const QUuid& origin) {
+  adding.Insert(
+      u"entry",
+      {IdValue(entry.id), IdValue(origin), entry.stamp.moment_ms, TimeText(entry.stamp.time),
+       StorableText(entry.stamp.technician), IdValue(entry.plant), StorableText(entry.pc),
+       StorableText(entry.version), StorableText(entry.plantType), static_cast<qint64>(entry.address),
+       StorableText(entry.port), StorableText(entry.program), KindText(entry.kind),
+       StorableText(entry.outcome), StorableText(entry.remark), StorableText(entry.quality),
+       BytesValue(entry.set), StorableText(entry.held), static_cast<qint64>(entry.changes)});
 }
 
-// The last whole set, which the next ones are likely to be like.
-QByteArray LastWholeSet(const QSqlDatabase& database) {
-  Statement row(database, u"SELECT id FROM value_set WHERE base IS NULL ORDER BY rowid DESC LIMIT 1"_s);
-  if (!row.Run() || !row.Next()) return {};
-  return ImageOf(database, row.At(0).toByteArray(), true).value_or(QByteArray());
+void InsertChanges(Transaction& adding, const QUuid& entry, const std::vector<Change>& changes) {
+  qint64 position = 0;
+  for (const Change& change : changes)
+    adding.Insert(u"change",
+                  {IdValue(entry), position++, static_cast<qint64>(change.number), StorableText(change.group),
+                   StorableText(change.name), StorableText(change.variable), StorableText(change.type),
+                   StorableText(change.address), StorableText(change.unit), StorableText(change.before),
+                   StorableText(change.after), StorableText(change.state)});
 }
 
-/// What the controller was last known to hold, from the newest entry back.
-class LastKnown {
- public:
-  LastKnown(const QSqlDatabase& database, const Entry& entry) {
-    Statement rows(database, u"SELECT "_s + kEntryColumns +
-                                 u" FROM entry e WHERE e.version = ? AND e.address = ? AND e.held <> '' "
-                                 "ORDER BY e.moment DESC LIMIT 1000"_s);
-    if (!rows.Run({TextValue(entry.version), entry.address})) return;
-    while (known_.size() < kLookedBack && rows.Next()) {
-      const Entry earlier = EntryAt(rows);
-      if (earlier.plant != entry.plant) continue;
-      const std::vector<int> held = HeldNumbers(earlier.held);
-      known_.push_back({earlier.set, {held.begin(), held.end()}, {}, false});
-    }
-    database_ = database;
-  }
+void KnowPlant(Transaction& adding, const QUuid& plant, const QUuid& origin, const Stamp& stamp) {
+  if (!plant.isNull()) adding.InsertMissing(u"plant", {IdValue(plant), IdValue(origin), stamp.moment_ms});
+}
 
-  std::optional<ParameterValue> Value(int number, const ParameterRecord& record) {
-    for (Known& known : known_) {
-      if (!known.held.contains(number)) continue;
-      if (!std::exchange(known.read, true))
-        known.records = ParseValueFile(ImageOf(database_, known.set).value_or(QByteArray())).records;
-      const auto at = static_cast<std::size_t>(number - 1);
-      if (at >= known.records.size() || known.records[at].Variable != record.Variable) continue;
-      return ParameterValue{known.records[at].Wert, known.records[at].WertText};
-    }
-    return std::nullopt;
-  }
+QString HeldBy(const Observation& observation) {
+  std::vector<int> held;
+  for (const ObservedValue& value : observation.values)
+    if (value.held) held.push_back(value.index);
+  return HeldText(held);
+}
 
- private:
-  struct Known {
-    QByteArray set;
-    std::set<int> held;
-    std::vector<ValueRecord> records;
-    bool read;
-  };
-  QSqlDatabase database_;
-  std::vector<Known> known_;
-};
-
-std::vector<Change> ChangesOf(const QSqlDatabase& database, const Observation& observation) {
-  std::vector<Change> changes;
-  if (!observation.table) return changes;
-  LastKnown known(database, observation.entry);
-  for (const ObservedValue& value : observation.values) {
-    const ParameterRecord& record = observation.table->Par[value.index];
-    const ParameterValue after{record.Wert, record.WertText};
-    const std::optional<ParameterValue> before =
-        value.before ? value.before : known.Value(value.index, record);
-    const bool changed = before && (value.held || value.before) && !SameValue(record, *before, after);
-    if (!changed && value.state.isEmpty()) continue;
-    // What a controller has come to hold is not known where it did not say so.
-    const bool isKnown = value.held || !ConcernsController(observation.entry.kind);
-    changes.push_back({value.index, record.Rubrik, record.Name, record.Variable, record.Typ.Trimmed(),
-                       record.VarAdresse, record.Einheit.Trimmed(),
-                       before ? ExactText(record, *before) : QString(),
-                       isKnown ? ExactText(record, after) : QString(), value.state});
+Store::Remedy RemedyFor(SqlFault fault) {
+  switch (fault) {
+    case SqlFault::Refused:
+      return Store::Remedy::Nothing;
+    case SqlFault::Damaged:
+    case SqlFault::Other:
+      return Store::Remedy::Reopening;
+    default:
+      return Store::Remedy::Waiting;
   }
-  return changes;
 }
 
 }  // namespace
 
-Store::Store(const StoreWorld& world)
-    : world_(world), connection_(u"history "_s + QUuid::createUuid().toString(QUuid::WithoutBraces)) {}
+Store::Store(const StoreWorld& world) : world_(world) {}
 
-Store::~Store() {
-  database_ = {};
-  QSqlDatabase::removeDatabase(connection_);
-}
+Store::~Store() = default;
 
 Store::Opened Store::Open(const StoreWorld& world, Access access) {
+  OpenedFile file = access == Access::Write ? OpenForWriting(world.file) : OpenForReading(world.file);
+  if (!file.connection) return {nullptr, file.note};
+  QSqlError error;
+  const QVariant origin = FirstAnswer(file.connection->Database(), u"SELECT origin FROM this_store"_s, error);
+  if (error.type() != QSqlError::NoError) return {nullptr, CannotRead(ReasonOf(error, world.file))};
   std::unique_ptr<Store> store(new Store(world));
-  if (access == Access::Write) {
-    QDir().mkpath(QFileInfo(world.file).absolutePath());
-  } else if (!QFile::exists(world.file)) {
-    return {};
-  }
-  store->database_ = QSqlDatabase::addDatabase(u"QSQLITE"_s, store->connection_);
-  QSqlDatabase& database = store->database_;
-  database.setDatabaseName(world.file);
-  const bool writes = access == Access::Write;
-  database.setConnectOptions(writes
-                                 ? u"QSQLITE_BUSY_TIMEOUT=%1"_s.arg(kBusyWriting_ms)
-                                 : u"QSQLITE_BUSY_TIMEOUT=%1;QSQLITE_OPEN_READONLY"_s.arg(kBusyReading_ms));
-  if (!database.open()) return {nullptr, Unreadable(database.lastError().databaseText())};
-  Prepare(database, access);
-  if (writes && VersionOf(database) == 0) {
-    Transaction creating(database);
-    for (const QString& statement : CreateTables(Dialect::SQLite))
-      creating.Do(statement);
-    creating.Do(u"CREATE TABLE this_store (origin BLOB NOT NULL) STRICT"_s);
-    creating.Do(u"INSERT INTO this_store VALUES (?)"_s, {IdValue(QUuid::createUuid())});
-    creating.Do(u"PRAGMA user_version = %1"_s.arg(kSchemaVersion));
-    const QString failure = creating.Commit();
-    if (!failure.isEmpty()) return {nullptr, failure};
-  }
-  Statement origin(database, u"SELECT origin FROM this_store"_s);
-  if (!origin.Run() || !origin.Next()) return {nullptr, Unreadable(origin.Error().databaseText())};
-  store->origin_ = origin.Id(0);
-  store->writable_ = writes;
-  return {std::move(store), {}};
+  store->connection_ = std::move(file.connection);
+  store->origin_ = QUuid::fromRfc4122(origin.toByteArray());
+  store->writable_ = access == Access::Write && !file.newer;
+  return {std::move(store), file.note};
 }
 
-QString Store::Add(Observation observation) {
-  Entry& entry = observation.entry;
-  Transaction adding(database_);
-  entry.stamp = NextStamp(database_, origin_, entry.stamp.time.isValid() ? entry.stamp.time : world_.now(),
-                          entry.stamp.technician);
-  entry.id = NewId(entry.stamp.moment_ms);
-  const std::vector<Change> changes = ChangesOf(database_, observation);
-  entry.set.clear();
-  if (observation.table) {
-    const QByteArray image = ValueFileImage(*observation.table, entry.version);
-    entry.set = SetId(image);
-    Statement there(database_, u"SELECT 1 FROM value_set WHERE id = ?"_s);
-    if (there.Run({entry.set}) && !there.Next()) {
-      const StoredSet set = PackSet(image, LastWholeSet(database_));
-      adding.Insert(u"value_set", {set.id, BytesValue(set.base), set.data});
-    }
-    std::vector<int> held;
-    for (const ObservedValue& value : observation.values)
-      if (value.held) held.push_back(value.index);
-    entry.held = HeldText(held);
+QString Store::Adding(const std::function<void(Transaction& adding)>& rows) {
+  remedy_ = writable_ ? Remedy::Waiting : Remedy::Nothing;
+  if (!writable_) return CannotWrite(u"Er ist nur zum Lesen offen."_s);
+  Transaction adding(connection_->Database());
+  // A newer program may have changed the tables since.
+  qint64 version = kSchemaVersion;
+  adding.Ask(u"PRAGMA user_version"_s, {}, [&](const Statement& row) { version = row.Number(0); });
+  if (version != kSchemaVersion) {
+    remedy_ = Remedy::Reopening;
+    return CannotWrite(u"Ein Programm einer anderen Version hat ihn umgestellt."_s);
   }
-  adding.Insert(
-      u"entry",
-      {IdValue(entry.id), IdValue(origin_), entry.stamp.moment_ms, TimeText(entry.stamp.time),
-       TextValue(entry.stamp.technician), IdValue(entry.plant), TextValue(entry.pc), TextValue(entry.version),
-       TextValue(entry.plantType), entry.address, TextValue(entry.port), TextValue(entry.program),
-       KindText(entry.kind), TextValue(entry.outcome), TextValue(entry.remark), TextValue(entry.quality),
-       BytesValue(entry.set), TextValue(entry.held), static_cast<qint64>(changes.size())});
-  qint64 position = 0;
-  for (const Change& change : changes)
-    adding.Insert(u"change", {IdValue(entry.id), position++, change.number, TextValue(change.group),
-                              TextValue(change.name), TextValue(change.variable), TextValue(change.type),
-                              TextValue(change.address), TextValue(change.unit), TextValue(change.before),
-                              TextValue(change.after), TextValue(change.state)});
-  return adding.Commit();
+  rows(adding);
+  if (adding.Commit()) return {};
+  remedy_ = RemedyFor(FaultOf(adding.Error()));
+  return CannotWrite(ReasonOf(adding.Error(), world_.file));
+}
+
+void Store::Read(const QString& question, const QVariantList& values,
+                 const std::function<void(const Statement& row)>& row) {
+  failure_.clear();
+  const QSqlError error = Ask(connection_->Database(), question, values, row);
+  if (error.type() != QSqlError::NoError) failure_ = CannotRead(ReasonOf(error, world_.file));
+}
+
+// The clock may have been set back since the last row.
+Stamp Store::NextStamp(Transaction& adding, const QDateTime& time, const QString& technician) const {
+  QStringList lasts;
+  for (const QStringView table : {u"entry", u"plant_text", u"remark", u"assignment"})
+    lasts << u"SELECT max(moment) AS last FROM %1 WHERE origin = ?"_s.arg(table);
+  qint64 last = 0;
+  adding.Ask(u"SELECT max(last) FROM (%1)"_s.arg(lasts.join(u" UNION ALL "_s)),
+             QVariantList(lasts.size(), IdValue(origin_)),
+             [&](const Statement& row) { last = row.Number(0); });
+  return {std::max(time.toMSecsSinceEpoch(), last + 1), time, technician};
+}
+
+QString Store::Add(const Observation& observation) {
+  return Adding([&](Transaction& adding) {
+    Entry entry = observation.entry;
+    entry.stamp = NextStamp(adding, entry.stamp.time.isValid() ? entry.stamp.time : world_.now(),
+                            entry.stamp.technician);
+    entry.id = NewId(entry.stamp.moment_ms);
+    KnowPlant(adding, entry.plant, origin_, entry.stamp);
+    std::vector<Change> changes;
+    entry.set.clear();
+    entry.held.clear();
+    if (observation.table) {
+      const QByteArray image = ValueFileImage(*observation.table, entry.version);
+      const std::vector<KnownSet> known = KnownSets(adding, entry);
+      std::vector<QByteArray> sets;
+      for (const KnownSet& each : known)
+        sets.push_back(each.set);
+      changes = ChangesOf(adding.Database(), observation, image, known);
+      entry.set = AddSet(adding, image, sets, StorableText(entry.version));
+      entry.held = HeldBy(observation);
+    }
+    entry.changes = static_cast<int>(changes.size());
+    InsertEntry(adding, entry, origin_);
+    InsertChanges(adding, entry.id, changes);
+  });
 }
 
 QString Store::Describe(Plant& plant, const QString& technician) {
-  Transaction adding(database_);
-  const Stamp stamp = NextStamp(database_, origin_, world_.now(), technician);
   QUuid id = plant.id;
-  if (id.isNull()) {
-    id = NewId(stamp.moment_ms);
-    adding.Insert(u"plant", {IdValue(id), IdValue(origin_), stamp.moment_ms});
-  }
-  adding.Insert(u"plant_text", {IdValue(NewId(stamp.moment_ms)), IdValue(id), IdValue(origin_),
-                                stamp.moment_ms, TimeText(stamp.time), TextValue(technician),
-                                TextValue(plant.name), TextValue(plant.place), TextValue(plant.remark)});
-  QString failure = adding.Commit();
+  const QString failure = Adding([&](Transaction& adding) {
+    const Stamp stamp = NextStamp(adding, world_.now(), technician);
+    if (id.isNull()) id = NewId(stamp.moment_ms);
+    KnowPlant(adding, id, origin_, stamp);
+    adding.Insert(u"plant_text",
+                  {IdValue(NewId(stamp.moment_ms)), IdValue(id), IdValue(origin_), stamp.moment_ms,
+                   TimeText(stamp.time), StorableText(technician), StorableText(plant.name),
+                   StorableText(plant.place), StorableText(plant.remark)});
+  });
   if (failure.isEmpty()) plant.id = id;
   return failure;
 }
 
 QString Store::AddRemark(const QUuid& entry, const QString& text, const QString& technician) {
-  Transaction adding(database_);
-  const Stamp stamp = NextStamp(database_, origin_, world_.now(), technician);
-  adding.Insert(u"remark", {IdValue(NewId(stamp.moment_ms)), IdValue(entry), IdValue(origin_),
-                            stamp.moment_ms, TimeText(stamp.time), TextValue(technician), TextValue(text)});
-  return adding.Commit();
+  return Adding([&](Transaction& adding) {
+    const Stamp stamp = NextStamp(adding, world_.now(), technician);
+    adding.Insert(u"remark",
+                  {IdValue(NewId(stamp.moment_ms)), IdValue(entry), IdValue(origin_), stamp.moment_ms,
+                   TimeText(stamp.time), StorableText(technician), StorableText(text)});
+  });
 }
 
 QString Store::Assign(const QUuid& entry, const QUuid& plant, const QString& technician) {
-  Transaction adding(database_);
-  const Stamp stamp = NextStamp(database_, origin_, world_.now(), technician);
-  adding.Insert(u"assignment",
-                {IdValue(NewId(stamp.moment_ms)), IdValue(entry), IdValue(plant), IdValue(origin_),
-                 stamp.moment_ms, TimeText(stamp.time), TextValue(technician)});
-  return adding.Commit();
+  return Adding([&](Transaction& adding) {
+    const Stamp stamp = NextStamp(adding, world_.now(), technician);
+    KnowPlant(adding, plant, origin_, stamp);
+    adding.Insert(u"assignment",
+                  {IdValue(NewId(stamp.moment_ms)), IdValue(entry), IdValue(plant), IdValue(origin_),
+                   stamp.moment_ms, TimeText(stamp.time), StorableText(technician)});
+  });
 }
 
 std::vector<Plant> Store::Plants() {
-  failure_.clear();
-  Statement rows(database_, u"SELECT plant, name, place, remark FROM plant_text ORDER BY moment, id"_s);
   QHash<QUuid, Plant> newest;
-  if (!rows.Run()) failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    newest.insert(rows.Id(0), {rows.Id(0), rows.Text(1), rows.Text(2), rows.Text(3)});
+  Read(u"SELECT plant, name, place, remark FROM plant_text ORDER BY moment, id"_s, {},
+       [&](const Statement& row) {
+         newest.insert(row.Id(0), {row.Id(0), row.Text(1), row.Text(2), row.Text(3)});
+       });
   std::vector<Plant> plants(newest.cbegin(), newest.cend());
   std::ranges::sort(plants, [](const Plant& left, const Plant& right) {
     const int order = QString::localeAwareCompare(left.name, right.name);
@@ -395,153 +232,173 @@ std::vector<Plant> Store::Plants() {
 }
 
 std::vector<Entry> Store::Entries() {
-  failure_.clear();
   std::vector<Entry> entries;
-  Statement rows(database_,
-                 u"SELECT "_s + kEntryColumns + u" FROM entry e ORDER BY e.moment DESC, e.id DESC"_s);
-  if (!rows.Run()) failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    entries.push_back(EntryAt(rows));
+  Read(u"SELECT "_s + kEntryColumns + u" FROM entry e ORDER BY e.moment DESC, e.id DESC"_s, {},
+       [&](const Statement& row) { entries.push_back(EntryAt(row)); });
   return entries;
 }
 
 std::vector<Change> Store::Changes(const QUuid& entry) {
-  failure_.clear();
   std::vector<Change> changes;
-  Statement rows(
-      database_,
+  Read(
       u"SELECT number, group_name, name, variable, type, address, unit, before, after, state FROM change "
-      "WHERE entry = ? ORDER BY position"_s);
-  if (!rows.Run({IdValue(entry)})) failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    changes.push_back({static_cast<int>(rows.Number(0)), rows.Text(1), rows.Text(2), rows.Text(3),
-                       rows.Text(4), rows.Text(5), rows.Text(6), rows.Text(7), rows.Text(8), rows.Text(9)});
+      "WHERE entry = ? ORDER BY position"_s,
+      {IdValue(entry)}, [&](const Statement& row) {
+        changes.push_back({static_cast<int>(row.Number(0)), row.Text(1), row.Text(2), row.Text(3),
+                           row.Text(4), row.Text(5), row.Text(6), row.Text(7), row.Text(8), row.Text(9)});
+      });
   return changes;
 }
 
 std::vector<Remark> Store::Remarks() {
-  failure_.clear();
   std::vector<Remark> remarks;
-  Statement rows(database_,
-                 u"SELECT id, entry, moment, time, technician, text FROM remark ORDER BY moment, id"_s);
-  if (!rows.Run()) failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    remarks.push_back({rows.Id(0),
-                       rows.Id(1),
-                       {rows.Number(2), QDateTime::fromString(rows.Text(3), Qt::ISODate), rows.Text(4)},
-                       rows.Text(5)});
+  Read(u"SELECT id, entry, moment, time, technician, text FROM remark ORDER BY moment, id"_s, {},
+       [&](const Statement& row) {
+         remarks.push_back(
+             {row.Id(0), row.Id(1), {row.Number(2), TimeOf(row.Text(3)), row.Text(4)}, row.Text(5)});
+       });
   return remarks;
 }
 
 QByteArray Store::Image(const QByteArray& set) {
-  return ImageOf(database_, set).value_or(QByteArray());
+  failure_.clear();
+  QSqlError error;
+  const std::optional<QByteArray> image = StoredImage(connection_->Database(), set, error);
+  if (error.type() != QSqlError::NoError) failure_ = CannotRead(ReasonOf(error, world_.file));
+  return image.value_or(QByteArray());
 }
 
 SetResult Store::Values(const Entry& entry, bool heldOnly) {
   const QByteArray image = Image(entry.set);
+  if (!failure_.isEmpty()) return {{}, failure_};
   if (image.isEmpty()) return {{}, u"Zu diesem Eintrag gibt es keine Werte, oder sie sind beschädigt."_s};
   SetResult result{FileValues(ParseValueFile(image), u"Verlauf "_s + TimeText(entry.stamp.time))};
   if (!heldOnly || entry.held.isEmpty()) return result;
-  const std::vector<int> held = HeldNumbers(entry.held);
-  const std::set<int> numbers(held.begin(), held.end());
   std::vector<SetValue> kept;
-  for (std::size_t i = 0; i < result.set.values.size(); ++i)
-    if (numbers.contains(static_cast<int>(i) + 1)) kept.push_back(std::move(result.set.values[i]));
+  for (const int number : HeldNumbers(entry.held)) {
+    const auto at = static_cast<std::size_t>(number - 1);
+    if (at < result.set.values.size()) kept.push_back(std::move(result.set.values[at]));
+  }
   result.set.values = std::move(kept);
   result.set.partial = true;
   return result;
 }
 
 std::vector<QUuid> Store::EntriesWith(const QString& parameter) {
-  failure_.clear();
   std::vector<QUuid> entries;
-  Statement rows(database_, u"SELECT DISTINCT entry FROM change WHERE variable = ? OR name = ?"_s);
-  if (!rows.Run({TextValue(parameter), TextValue(parameter)}))
-    failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    entries.push_back(rows.Id(0));
+  Read(
+      u"SELECT entry FROM change WHERE variable = ? UNION SELECT entry FROM change WHERE variable IN "
+      "(SELECT variable FROM parameter_name WHERE name = ?) AND name = ?"_s,
+      QVariantList(3, StorableText(parameter)), [&](const Statement& row) { entries.push_back(row.Id(0)); });
   return entries;
 }
 
 std::vector<CurvePoint> Store::Curve(const QUuid& plant, const ParameterKey& parameter) {
-  failure_.clear();
   std::vector<CurvePoint> points;
-  Statement rows(
-      database_,
-      u"SELECT e.id, e.time, e.moment, c.before, c.after FROM change c JOIN entry e ON e.id = c.entry "
-      "WHERE c.variable = ? AND c.address = ? AND coalesce((SELECT a.plant FROM assignment a WHERE "
-      "a.entry = e.id ORDER BY a.moment DESC, a.id DESC LIMIT 1), e.plant) IS ? "
-      "ORDER BY e.moment, e.id"_s);
-  if (!rows.Run({TextValue(parameter.variable), TextValue(parameter.address), IdValue(plant)}))
-    failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next()) {
+  const auto take = [&](const Statement& row) {
     bool isNumber = false;
-    CurvePoint point{rows.Id(0), QDateTime::fromString(rows.Text(1), Qt::ISODate), rows.Number(2),
-                     rows.Text(4).toDouble(&isNumber)};
-    if (!isNumber) continue;
-    const double before = rows.Text(3).toDouble(&isNumber);
+    CurvePoint point{row.Id(0), TimeOf(row.Text(1)), row.Number(2), row.Text(4).toDouble(&isNumber)};
+    if (!isNumber) return;
+    const double before = row.Text(3).toDouble(&isNumber);
     if (points.empty() && isNumber) points.push_back({point.entry, point.time, point.moment_ms, before});
     points.push_back(point);
-  }
+  };
+  Read(
+      u"SELECT e.id, e.time, e.moment, c.before, c.after FROM change c JOIN entry e ON e.id = c.entry "
+      "WHERE c.variable = ? AND c.address = ? AND %1 IS ? ORDER BY e.moment, e.id"_s.arg(kPlantNow),
+      {StorableText(parameter.variable), StorableText(parameter.address), IdValue(plant)}, take);
   return points;
 }
 
 QStringList Store::Check() {
   QStringList faults;
-  for (const QString& pragma : {u"PRAGMA integrity_check"_s, u"PRAGMA foreign_key_check"_s}) {
-    Statement rows(database_, pragma);
-    if (!rows.Run()) faults << rows.Error().databaseText();
-    while (rows.Next())
-      if (rows.Text(0) != u"ok") faults << rows.Text(0);
-  }
+  Read(u"PRAGMA integrity_check"_s, {}, [&](const Statement& row) {
+    if (row.Text(0) != u"ok") faults << u"Die Datei ist beschädigt: "_s + row.Text(0);
+  });
+  if (!failure_.isEmpty()) faults << failure_;
+  Read(u"PRAGMA foreign_key_check"_s, {}, [&](const Statement& row) {
+    faults << u"In %1 verweist eine Zeile auf eine, die in %2 fehlt."_s.arg(row.Text(0), row.Text(2));
+  });
+  if (!failure_.isEmpty()) faults << failure_;
+  for (const TableDescription& table : Tables())
+    faults << FaultsOf(table);
+  return faults;
+}
+
+// What each row says for itself, and of the sets that they are what they are called.
+QStringList Store::FaultsOf(const TableDescription& table) {
+  QStringList faults;
+  std::vector<QByteArray> sets;
+  Read(u"SELECT %1 FROM %2"_s.arg(ColumnNames(table), table.name), {}, [&](const Statement& row) {
+    QVariantList values;
+    for (std::size_t i = 0; i < table.columns.size(); ++i)
+      values << row.At(static_cast<int>(i));
+    const QString fault = RowFault(table, values);
+    if (!fault.isEmpty()) faults << fault;
+    if (table.name == u"value_set") sets.push_back(row.Bytes(0));
+  });
+  if (!failure_.isEmpty()) faults << failure_;
+  for (const QByteArray& set : sets)
+    if (Image(set).isEmpty())
+      faults << u"Der Wertesatz %1 ist beschädigt."_s.arg(QLatin1StringView(set.toHex()));
   return faults;
 }
 
 QString Store::Import(const std::vector<TableRows>& tables) {
+  remedy_ = Remedy::Nothing;
   for (const TableRows& rows : tables)
     for (const QVariantList& row : rows.rows) {
       const QString fault = RowFault(TableNamed(rows.table), row);
       if (!fault.isEmpty()) return u"Eine Zeile ist beschädigt und wird nicht übernommen: "_s + fault;
     }
-  Transaction adding(database_);
-  // A set may come before the one that it differs from.
-  adding.Do(u"PRAGMA defer_foreign_keys = ON"_s);
+  QString wrongSet;
+  const QString failure = Adding([&](Transaction& adding) {
+    // A set may come before the one that it differs from.
+    adding.Do(u"PRAGMA defer_foreign_keys = ON"_s);
+    for (const TableRows& rows : tables)
+      for (const QVariantList& row : rows.rows)
+        adding.InsertMissing(rows.table, row);
+    wrongSet = WrongSet(adding, tables);
+    if (!wrongSet.isEmpty()) adding.GiveUp();
+  });
+  if (wrongSet.isEmpty()) return failure;
+  remedy_ = Remedy::Nothing;
+  return wrongSet;
+}
+
+// A set that is another than its id says would keep the true one out for ever.
+QString Store::WrongSet(const Transaction& adding, const std::vector<TableRows>& tables) {
   for (const TableRows& rows : tables)
     for (const QVariantList& row : rows.rows)
-      adding.Do(InsertText(TableNamed(rows.table)) + u" ON CONFLICT DO NOTHING"_s, row);
-  for (const TableRows& rows : tables)
-    for (const QVariantList& row : rows.rows)
-      if (rows.table == u"value_set" && adding.Works() && !ImageOf(database_, row[0].toByteArray()))
+      if (rows.table == u"value_set" && adding.Works() && Image(row[0].toByteArray()).isEmpty())
         return u"Ein Wertesatz ist beschädigt und wird nicht übernommen."_s;
-  return adding.Commit();
+  return {};
 }
 
 std::vector<QByteArray> Store::Ids(QStringView table) {
-  failure_.clear();
   const TableDescription& description = TableNamed(table);
-  const QStringView key = description.columns.front().name;
   std::vector<QByteArray> ids;
-  Statement rows(database_, u"SELECT DISTINCT %1 FROM %2 ORDER BY %1"_s.arg(key, description.name));
-  if (!rows.Run()) failure_ = Unreadable(rows.Error().databaseText());
-  while (rows.Next())
-    ids.push_back(rows.At(0).toByteArray());
+  Read(u"SELECT DISTINCT %1 FROM %2 ORDER BY %1"_s.arg(description.columns.front().name, description.name),
+       {}, [&](const Statement& row) { ids.push_back(row.Bytes(0)); });
   return ids;
 }
 
 TableRows Store::Rows(QStringView table, const std::vector<QByteArray>& ids) {
-  failure_.clear();
   const TableDescription& description = TableNamed(table);
   TableRows found{description.name, {}};
-  Statement rows(database_,
+  failure_.clear();
+  Statement rows(connection_->Database(),
                  u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(ColumnNames(description), description.name,
                                                          description.columns.front().name));
   for (const QByteArray& id : ids) {
-    if (!rows.Run({id})) failure_ = Unreadable(rows.Error().databaseText());
-    while (rows.Next()) {
+    bool works = rows.Run({id});
+    while (works && rows.Next()) {
       QVariantList& row = found.rows.emplace_back();
       for (std::size_t i = 0; i < description.columns.size(); ++i)
         row << rows.At(static_cast<int>(i));
     }
+    works = rows.Error().type() == QSqlError::NoError;
+    if (!works) failure_ = CannotRead(ReasonOf(rows.Error(), world_.file));
   }
   return found;
 }

@@ -1,8 +1,8 @@
 // The user's history: a file of the SQLite kind, to which rows are added and from which they are read.
 #pragma once
 
-#include <QSqlDatabase>
 #include <QString>
+#include <QVariantList>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -11,6 +11,11 @@
 #include "history/Entry.h"
 
 namespace kalivor::history {
+
+class FileConnection;
+class Statement;
+class Transaction;
+struct TableDescription;
 
 /// A value as it was observed or changed by a deed.
 struct ObservedValue {
@@ -83,20 +88,31 @@ class Store {
     QString note;                  ///< what the user is to be told once, with a store too; else ""
   };
 
-  /// Opens the file. For writing, one that is missing is made, one of an older version brought to this one,
-  /// one that is damaged set aside under DamagedName() and begun anew; that of a newer program can only be
-  /// read. For reading, one that is missing has no store and no note, and one that is damaged a note.
+  /// Opens the file. For writing, it is looked at as a whole, which takes its time; one that is missing is
+  /// made, one of an older version brought to this one, one that is damaged set aside under DamagedName()
+  /// (with a number where there is one) and begun anew; that of a newer program can only be read. For
+  /// reading, one that is missing has no store and no note, and one that is damaged a note.
   [[nodiscard]] static Opened Open(const StoreWorld& world, Access access);
 
   /// False where rows cannot be added.
   [[nodiscard]] bool Writable() const { return writable_; }
 
+  /// What may help after an adding has failed.
+  enum class Remedy {
+    Waiting,    ///< until the file is free, or can be written again
+    Reopening,  ///< it is damaged
+    Nothing,    ///< it can never be added to this file
+  };
+  [[nodiscard]] Remedy LastRemedy() const { return remedy_; }
+
   // Each returns "" or why nothing was added.
+
+  // A plant of that id that the file does not know, as it was begun anew, is added without a description.
 
   /// Adds an entry with its changed values and its set. What was there before an observed value, where that
   /// is not known, is looked up in the entries of the same plant (where none is named: without one), version
   /// and address.
-  [[nodiscard]] QString Add(Observation observation);
+  [[nodiscard]] QString Add(const Observation& observation);
 
   /// Adds a plant (with a null id, which it gets then) or another description of it.
   [[nodiscard]] QString Describe(Plant& plant, const QString& technician);
@@ -158,15 +174,23 @@ class Store {
  private:
   explicit Store(const StoreWorld& world);
 
+  [[nodiscard]] QString Adding(const std::function<void(Transaction& adding)>& rows);
+  [[nodiscard]] Stamp NextStamp(Transaction& adding, const QDateTime& time, const QString& technician) const;
+  void Read(const QString& question, const QVariantList& values,
+            const std::function<void(const Statement& row)>& row);
+
+  [[nodiscard]] QStringList FaultsOf(const TableDescription& table);
+  [[nodiscard]] QString WrongSet(const Transaction& adding, const std::vector<TableRows>& tables);
+
   StoreWorld world_;
-  QString connection_;
-  QSqlDatabase database_;
+  std::unique_ptr<FileConnection> connection_;
   QUuid origin_;
   bool writable_ = false;
+  Remedy remedy_ = Remedy::Waiting;
   QString failure_;
 };
 
-/// Records "1-12,14" and back; what is no such text is none.
+/// Records "1-12,14" and back; what is no such text, with numbers that grow, is none.
 [[nodiscard]] QString HeldText(const std::vector<int>& numbers);
 [[nodiscard]] std::vector<int> HeldNumbers(const QString& text);
 

@@ -105,7 +105,7 @@ TEST_F(RowCheck, WithOneBadRowNothingIsAdded) {
   EXPECT_TRUE(refuses([](auto& rows) { rows[3].rows.back()[0] = QByteArray(1, 'x'); }));
   EXPECT_TRUE(refuses([](auto& rows) { rows[0].rows.clear(); }));  // an entry's plant is missing
   // A set that is another than its id says would keep the true one out for ever.
-  EXPECT_TRUE(refuses([](auto& rows) { rows[2].rows[0][2] = PackSet("other", {}).data; }));
+  EXPECT_TRUE(refuses([](auto& rows) { rows[2].rows[0][2] = PackSet("other").data; }));
 }
 
 TEST_F(RowCheck, TextsAreStoredAsEveryDatabaseTakesThem) {

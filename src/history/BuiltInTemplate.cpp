@@ -11,10 +11,11 @@ constexpr char kBuiltIn[] = R"(<!DOCTYPE html>
 <title>{{titel}}</title>
 <style>
 body { font-family: Arial, Helvetica, sans-serif; font-size: 9.5pt; color: #000; }
-h1 { font-size: 17pt; margin-top: 14px; margin-bottom: 8px; }
-h2 { font-size: 11pt; margin-top: 18px; margin-bottom: 5px; }
+h2 { margin-top: 16px; margin-bottom: 0; }
+h3 { margin-top: 16px; margin-bottom: 4px; }
+table.unter { margin-top: 5px; }
 p { margin-top: 0; margin-bottom: 4px; }
-table.werte { font-size: 8.5pt; border-collapse: collapse; }
+table.werte { margin-top: 5px; font-size: 8.5pt; border-collapse: collapse; }
 table.werte th { text-align: left; font-weight: bold; border-bottom: 1px solid #000; }
 table.werte td { border-bottom: 1px solid #bbb; }
 .klein { font-size: 8pt; color: #333; }
@@ -29,9 +30,9 @@ table.werte td { border-bottom: 1px solid #bbb; }
 </tr>
 </table>
 
-<h1>{{titel}}</h1>
+<h2>{{titel}}</h2>
 
-<table width="100%" cellspacing="0" cellpadding="2">
+<table class="unter" width="100%" cellspacing="0" cellpadding="2">
 <tr><td width="18%">Anlage</td><td><b>{{anlage}}</b>{{^anlage}}–{{/anlage}}</td></tr>
 {{?ort}}<tr><td>Ort</td><td>{{ort}}</td></tr>{{/ort}}
 {{?zuranlage}}<tr><td>Zur Anlage</td><td>{{zuranlage}}</td></tr>{{/zuranlage}}
@@ -42,11 +43,11 @@ table.werte td { border-bottom: 1px solid #bbb; }
 </table>
 
 {{?bemerkung}}
-<h2>Bemerkung</h2>
+<h3>Bemerkung</h3>
 <p>{{bemerkung}}</p>
 {{/bemerkung}}
 
-<h2>Vorgefundene und hinterlassene Werte</h2>
+<h3>Vorgefundene und hinterlassene Werte</h3>
 {{?werte}}
 <table class="werte" width="100%" cellspacing="0" cellpadding="3">
 <thead><tr><th width="22%">Gruppe</th><th width="38%">Parameter</th><th width="16%">vorgefunden</th><th width="16%">hinterlassen</th><th width="8%">Einheit</th></tr></thead>
@@ -59,7 +60,7 @@ table.werte td { border-bottom: 1px solid #bbb; }
 {{^werte}}<p>Es wurde kein Wert geändert.</p>{{/werte}}
 
 {{?aenderungen}}
-<h2>Änderungen der Reihe nach</h2>
+<h3>Änderungen der Reihe nach</h3>
 <table class="werte" width="100%" cellspacing="0" cellpadding="3">
 <thead><tr><th width="16%">Zeit</th><th width="17%">Vorgang</th><th width="27%">Parameter</th><th width="12%">vorher</th><th width="12%">nachher</th><th width="16%">Zustand</th></tr></thead>
 <tbody>
@@ -70,7 +71,7 @@ table.werte td { border-bottom: 1px solid #bbb; }
 {{/aenderungen}}
 
 {{?bemerkungen}}
-<h2>Bemerkungen</h2>
+<h3>Bemerkungen zu den Vorgängen</h3>
 <table class="werte" width="100%" cellspacing="0" cellpadding="3">
 <tbody>
 {{#bemerkungen}}<tr><td width="16%">{{zeit}}</td><td width="22%">{{techniker}}</td><td>{{text}}</td></tr>
@@ -79,7 +80,7 @@ table.werte td { border-bottom: 1px solid #bbb; }
 </table>
 {{/bemerkungen}}
 
-<h2>Ablauf und Leitung</h2>
+<h3>Ablauf und Leitung</h3>
 {{?eintraege}}
 <table class="werte" width="100%" cellspacing="0" cellpadding="3">
 <thead><tr><th width="16%">Zeit</th><th width="17%">Vorgang</th><th width="27%">Ergebnis</th><th width="40%">Leitung</th></tr></thead>

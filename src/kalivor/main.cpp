@@ -102,6 +102,11 @@ struct Process {
     return demo != nullptr ? demo->StateFolder() : platform::native::StateFolder();
   }
 
+  [[nodiscard]] history::StoreWorld HistoryStore() const {
+    const QString folder = demo != nullptr ? demo->StateFolder() : platform::native::DataFolder();
+    return {history::FileIn(folder), QStringLiteral(KALIVOR_VERSION), QSysInfo::machineHostName()};
+  }
+
   Demo* demo;
   platform::IniSettingsStore settings;
   platform::QtMessageBox box;
@@ -195,7 +200,8 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
       {process.StateFolder(), QStringLiteral(KALIVOR_VERSION),
        [&process](int number) { return process.Ports().Shown(number); },
        [&process](const QString& path) { return process.locks.Take(path); }},
-      &Process::Computer};
+      &Process::Computer,
+      process.HistoryStore()};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
     if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);

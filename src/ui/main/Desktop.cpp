@@ -47,6 +47,9 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   main.OnUnload = [this] {
     EndRecovery();
     StoreSettings();
+    recorder.Settle();
+    // What it has to say comes as an event, and this is the last moment for it.
+    QCoreApplication::sendPostedEvents(&main, QEvent::MetaCall);
   };
   rest_.setSingleShot(true);
   rest_.setInterval(world.recovery.rest);
@@ -182,6 +185,7 @@ void Desktop::LoadMain(const RunSettings& run) {
   // The form that reading the version table gives the folder.
   if (run.iniPath) module.Inipath = WithSeparator(*run.iniPath);
   begun_ = static_cast<const Settings&>(module);
+  recorder.Use(history::LoadHistorySettings(world.settings));
   FromBusy(core);
 }
 
@@ -216,6 +220,7 @@ void Desktop::Settled() {
   const bool isUnfinished = safeStore.Unfinished().has_value();
   if (std::exchange(offersUnfinished_, isUnfinished) || isUnfinished) OfferUnfinished();
   if (list) list->Update();
+  TellOfHistory();
 }
 
 void Desktop::StoreSettings() {
@@ -229,6 +234,29 @@ void Desktop::StoreSettings() {
 void Desktop::Tell(const QString& failure) {
   // Nobody answers a box any more when the session ends.
   if (!failure.isEmpty() && !main.EndsSession()) world.box.Show(failure);
+}
+
+// --- history ---
+
+void Desktop::UseHistory(const history::HistorySettings& settings) {
+  recorder.Use(settings);
+  SaveHistorySettings(settings, world.settings);
+  Tell(world.settings.Flush());
+}
+
+void Desktop::HearOfHistory(const QString& failure) {
+  const auto hear = [this, failure] {
+    historyFailures_.append(failure);
+    guard([this] { TellOfHistory(); });
+  };
+  QMetaObject::invokeMethod(&main, hear, Qt::QueuedConnection);
+}
+
+// A box would hold up a transfer.
+void Desktop::TellOfHistory() {
+  if (module.BusyDepth > 0) return;
+  for (const QString& failure : std::exchange(historyFailures_, {}))
+    Tell(failure);
 }
 
 KeptTable Desktop::Kept() const {

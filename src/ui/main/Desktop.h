@@ -15,6 +15,7 @@
 #include "core/ListTable.h"
 #include "core/Report.h"
 #include "core/Wiring.h"
+#include "history/Recorder.h"
 #include "platform/Clock.h"
 #include "platform/Help.h"
 #include "platform/PortDirectory.h"
@@ -62,6 +63,7 @@ struct World {
   std::function<void(const ListTable& table)> printTable{};      ///< asks for a printer and prints it
   SafeWorld safe{};                                              ///< of backups and unfinished sendings
   std::function<Computer()> computer{};                          ///< for the report for a support desk
+  history::StoreWorld historyStore{};                            ///< without a file no history can be kept
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.
@@ -83,6 +85,9 @@ struct Desktop {
   /// RuntimeError that escapes it; false then. `guard` does the same.
   bool Run(const std::function<void()>& handler);
 
+  /// These settings of the history hold from now on, and are stored.
+  void UseHistory(const history::HistorySettings& settings);
+
   World world;
   platform::EventGuard guard;
   Module1 module;
@@ -100,6 +105,8 @@ struct Desktop {
   Selections selections{world.files, world.selectionsFile};
   Recovery recovery{world.files, world.recovery};
   SafeStore safeStore{world.files, world.safe};
+  history::Recorder recorder{{core, wiring.host.Exchanges, world.safe.deviceOfPort, world.historyStore,
+                              [this](const QString& failure) { HearOfHistory(failure); }}};
   frmOptions options;
   UndoStack undo{core, changes};
   HelpKey helpKey{world.help, guard};
@@ -127,6 +134,9 @@ struct Desktop {
   void Restore();
   /// A failure of the program's own files, unless there is none or nobody to read it.
   void Tell(const QString& failure);
+  /// Called in the writer's thread.
+  void HearOfHistory(const QString& failure);
+  void TellOfHistory();
 
   void ShowAbout();
   void ShowOptions(int page);
@@ -160,6 +170,7 @@ struct Desktop {
   int settled_ = -1;               // the revision of the table that the windows show
   bool offersUnfinished_ = false;  // the menu has an unfinished sending
   QTimer rest_;                    // runs while a change waits to be kept
+  QStringList historyFailures_;    // that wait until nothing is under way
 };
 
 /// Starts the program, in the order that the user sees: shows the splash screen, loads the main window

@@ -10,8 +10,11 @@
 #include "core/DefinitionFiles.h"
 #include "core/ParameterList.h"
 #include "core/Refresh.h"
+#include "core/TransferReport.h"
 #include "core/TreeTexts.h"
 #include "core/ValueFiles.h"
+#include "history/Filter.h"
+#include "history/Recorder.h"
 #include "platform/posix/PosixFileSystem.h"
 
 namespace kalivor::bench {
@@ -125,6 +128,54 @@ void ListRowSorting(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(ListRowSorting)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oNLogN);
+
+// For how long a transfer's end is held up by its entry in the history, which is added elsewhere.
+void DeedRecording(benchmark::State& state) {
+  ValueSite site(static_cast<int>(state.range(0)));
+  const QTemporaryDir folder;
+  history::Recorder recorder({site.core,
+                              site.wiring.host.Exchanges,
+                              {},
+                              {history::FileIn(folder.path()), {}, {}},
+                              [](const QString&) {}});
+  history::HistorySettings settings;
+  settings.keeps = true;
+  recorder.Use(settings);
+  WalkResult walk;
+  for (int i = 1; i < site.module.ParCount; ++i)
+    walk.results.push_back({i, ParameterResult::Outcome::Received});
+  for (auto _ : state) {
+    site.core.OnDeed.Tell({.kind = DeedKind::Received, .walk = &walk});
+    state.PauseTiming();
+    recorder.Settle();
+    state.ResumeTiming();
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(DeedRecording)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Complexity(benchmark::oN);
+
+// A keystroke in the search of so many entries.
+void EntryFiltering(benchmark::State& state) {
+  std::vector<history::Entry> entries(static_cast<std::size_t>(state.range(0)));
+  for (history::Entry& entry : entries) {
+    entry.id = QUuid::createUuid();
+    entry.stamp.time = QDateTime(QDate(2026, 3, 4), QTime(5, 6, 7), Qt::UTC);
+    entry.version = u"HZL-012.0"_s;
+    entry.outcome = u"1990 Werte, 9 nicht gelesen"_s;
+    entry.port = u"COM1 /dev/ttyUSB0"_s;
+  }
+  const std::vector<QString> texts = history::SearchedTexts(entries, {}, {});
+  history::EntryFilter filter;
+  filter.words = SearchWords(u"werte meier"_s);
+  for (auto _ : state) {
+    qsizetype shown = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+      shown += Shows(filter, entries[i], texts[i]) ? 1 : 0;
+    benchmark::DoNotOptimize(shown);
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(EntryFiltering)->Arg(1250)->Arg(2500)->Arg(5000)->Arg(10000)->Complexity(benchmark::oN);
 
 }  // namespace
 }  // namespace kalivor::bench

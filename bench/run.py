@@ -173,6 +173,10 @@ class Bench:
         self.growth("rows of the list made, with a comparison", best, fits, "ListRowMaking", parameters, "parameters")
         self.growth("rows of the list sorted by name", best, fits, "ListRowSorting", parameters, "parameters",
                     [(2000, 16)])
+        self.growth("a transfer handed to the history", best, fits, "DeedRecording", parameters, "parameters",
+                    [(2000, 5)])
+        self.growth("search in the history", best, fits, "EntryFiltering", (1250, 2500, 5000, 10000), "entries",
+                    [(10000, 5)])
 
     def windows(self):
         best, fits = google_benchmark(self.bench("windows"), "--benchmark_filter=-^List", "--benchmark_min_time=0.1")

@@ -134,7 +134,7 @@ class Program:
         self._own_folder = settings_folder is None
         self.settings_folder = settings_folder or tempfile.mkdtemp(prefix="kalivor-settings-")
         environment = dict(os.environ, XDG_CONFIG_HOME=self.settings_folder,
-                           XDG_STATE_HOME=self.settings_folder)
+                           XDG_STATE_HOME=self.settings_folder, XDG_DATA_HOME=self.settings_folder)
         # Whoever turns to the network is killed; the display is reached by a local socket.
         command = [os.environ["KALIVOR_WITHOUT_NETWORK"], os.environ["KALIVOR"], *arguments]
         command += ["--ini-path", ini_path] if ini_path else []

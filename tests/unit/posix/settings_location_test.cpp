@@ -59,5 +59,19 @@ TEST(StateLocation, IsNamedAfterTheProgramAndNotMade) {
   EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }
 
+TEST(DataLocation, IsNamedAfterTheProgramAndNotMade) {
+  const QTemporaryDir folder;
+  const Variable home("HOME");
+  const Variable data("XDG_DATA_HOME");
+  qputenv("HOME", folder.path().toUtf8());
+  qunsetenv("XDG_DATA_HOME");
+  EXPECT_EQ(native::DataFolder(), folder.filePath(u".local/share/KALIVOR"_s));
+  qputenv("XDG_DATA_HOME", "relative");
+  EXPECT_EQ(native::DataFolder(), folder.filePath(u".local/share/KALIVOR"_s)) << "counts as not set";
+  qputenv("XDG_DATA_HOME", "/data");
+  EXPECT_EQ(native::DataFolder(), u"/data/KALIVOR");
+  EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
+
 }  // namespace
 }  // namespace kalivor::platform

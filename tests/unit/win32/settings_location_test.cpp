@@ -34,6 +34,7 @@ TEST(StateLocation, IsThatOfTheSettings) {
   const auto restore = qScopeGuard([] { QStandardPaths::setTestModeEnabled(false); });
   EXPECT_EQ(native::StateFolder(),
             QDir::fromNativeSeparators(qEnvironmentVariable("LOCALAPPDATA")) + u"/qttest/KALIVOR"_s);
+  EXPECT_EQ(native::DataFolder(), native::StateFolder());
 }
 
 }  // namespace

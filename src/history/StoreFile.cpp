@@ -62,6 +62,13 @@ Look Failed(const QSqlError& error, const QString& file) {
   return look;
 }
 
+QStringList TableNames() {
+  QStringList names{u"this_store"_s, u"parameter_name"_s};
+  for (const TableDescription& table : Tables())
+    names << table.name.toString();
+  return names;
+}
+
 // Which version it is of, and whether it is a history at all.
 Look LookAt(std::unique_ptr<FileConnection> connection, const QString& file, const SchemaVersions& schema) {
   QSqlError error = connection->Error();
@@ -72,13 +79,21 @@ Look LookAt(std::unique_ptr<FileConnection> connection, const QString& file, con
   bool empty = false;
   if (error.type() == QSqlError::NoError)
     empty = FirstAnswer(database, u"SELECT count(*) FROM sqlite_schema"_s, error).toInt() == 0;
+  bool whole = true;
+  for (const QString& table : TableNames())
+    if (error.type() == QSqlError::NoError && !empty)
+      whole =
+          whole &&
+          FirstAnswer(database, u"SELECT count(*) FROM sqlite_schema WHERE name = '%1'"_s.arg(table), error)
+                  .toInt() == 1;
   if (error.type() != QSqlError::NoError) return Failed(error, file);
   Look look;
   look.empty = empty && version == 0;
   look.newer = version > schema.version;
   const auto known = [&](const SchemaStep& step) { return step.from == version; };
-  look.damaged = !look.empty && version != schema.version && !look.newer &&
-                 (version == 0 || std::ranges::none_of(schema.steps, known));
+  look.damaged =
+      !look.empty && !look.newer &&
+      (!whole || version == 0 || (version != schema.version && std::ranges::none_of(schema.steps, known)));
   look.connection = std::move(connection);
   return look;
 }
@@ -127,6 +142,8 @@ Look LookForWriting(const QString& file, const SchemaVersions& schema) {
 
 // Somebody who has it open would go on adding to a file that nobody looks for.
 bool IsOpenElsewhere(const QString& file) {
+  // To open a file that is gone would throw away what is left of it.
+  if (SizeOf(file) == 0) return false;
   const FileConnection connection(file, u"QSQLITE_BUSY_TIMEOUT=%1"_s.arg(kBusyWriting_ms));
   QSqlError error;
   (void)FirstAnswer(connection.Database(), u"PRAGMA locking_mode = EXCLUSIVE"_s, error);

@@ -67,7 +67,7 @@ QString ReasonOf(const QSqlError& error, const QString& file) {
     case SqlFault::ReadOnly:
       return u"Die Datei oder ihr Ordner ist schreibgeschützt (%1)."_s.arg(file);
     case SqlFault::Unreachable:
-      return u"Die Datei lässt sich nicht öffnen; bitte den Ordner und seine Rechte prüfen (%1)."_s.arg(file);
+      return u"Die Datei lässt sich nicht öffnen; bitte Platz und Rechte in ihrem Ordner prüfen (%1)."_s.arg(file);
     case SqlFault::Device:
       return u"Der Datenträger meldet einen Fehler; bitte prüfen, ob er noch da und in Ordnung ist (%1)."_s
           .arg(file);

@@ -1,9 +1,11 @@
 #include "history/StoreFile.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QThread>
 #include <QUrl>
 #include <algorithm>
 
@@ -20,6 +22,7 @@ constexpr int kBusyReading_ms = 500;
 
 // So long another program may look at a large file.
 constexpr int kLongestOpening_ms = 10000;
+constexpr int kLookAgain_ms = 10;
 
 // The files that belong to one database: what was written last may stand in the second one alone.
 const QString kParts[] = {u""_s, u"-wal"_s, u"-shm"_s};
@@ -151,6 +154,17 @@ bool IsOpenElsewhere(const QString& file) {
   return FaultOf(error) == SqlFault::Busy;
 }
 
+// The lock itself would look again after ever longer times.
+bool TakeSoon(QLockFile& lock) {
+  QElapsedTimer waiting;
+  waiting.start();
+  while (!lock.tryLock(0)) {
+    if (lock.error() != QLockFile::LockFailedError || waiting.elapsed() > kLongestOpening_ms) return false;
+    QThread::msleep(kLookAgain_ms);
+  }
+  return true;
+}
+
 bool SomethingIsAt(const QString& path) {
   return std::ranges::any_of(kParts, [&](const QString& part) { return QFile::exists(path + part); });
 }
@@ -216,7 +230,7 @@ OpenedFile OpenForWriting(const QString& file, const SchemaVersions& schema) {
         CannotWrite(u"Sein Ordner kann nicht angelegt werden (%1)."_s.arg(QFileInfo(file).absolutePath()))};
   // One program at a time: what one sets aside another would take for missing.
   QLockFile opening(file + u".lock"_s);
-  if (!opening.tryLock(kLongestOpening_ms)) {
+  if (!TakeSoon(opening)) {
     const bool held = opening.error() == QLockFile::LockFailedError;
     return {nullptr, false,
             CannotWrite(held ? u"Ein anderes Programm öffnet ihn gerade."_s

@@ -35,8 +35,9 @@ const std::vector<Layer>& Layers() {
     const QStringList pages = commands + QStringList{u"print/pages"_s};
     const QStringList painter = pages + QStringList{u"platform/gui"_s};
     const QStringList print = painter + QStringList{u"print/painter"_s, u"platform/qt"_s};
-    const QStringList ui = commands + QStringList{u"check"_s,   u"commands"_s,     u"diagnosis"_s,
-                                                  u"history"_s, u"platform/gui"_s, u"platform/qt"_s};
+    const QStringList ui =
+        commands + QStringList{u"check"_s,          u"commands"_s,     u"diagnosis"_s,  u"history"_s,
+                               u"history/server"_s, u"platform/gui"_s, u"platform/qt"_s};
     const QStringList real{u"platform/plain"_s, u"platform/posix"_s, u"platform/win32"_s};
     return std::vector<Layer>{
         {u"platform"_s, {}},
@@ -53,6 +54,7 @@ const std::vector<Layer>& Layers() {
         {u"commands"_s, commands},
         {u"diagnosis"_s, commands + QStringList{u"check"_s, u"commands"_s}},
         {u"history"_s, commands + QStringList{u"commands"_s}, false, false, false, true},
+        {u"history/server"_s, commands + QStringList{u"commands"_s, u"history"_s, u"platform/net"_s}, true},
         {u"print/pages"_s, commands},
         {u"print/painter"_s, painter, false, true},
         {u"print"_s, print, false, true},
@@ -60,7 +62,8 @@ const std::vector<Layer>& Layers() {
         {u"sim"_s, commands + real, true, false, true},
         {u"cli"_s,
          painter + real +
-             QStringList{u"commands"_s, u"check"_s, u"history"_s, u"platform/net"_s, u"print/painter"_s},
+             QStringList{u"commands"_s, u"check"_s, u"history"_s, u"history/server"_s, u"platform/net"_s,
+                         u"print/painter"_s},
          false, false, false, true},
         {u"kalivor"_s, ui + real + QStringList{u"ui"_s, u"print"_s, u"sim"_s, u"platform/net"_s}, false,
          true},
@@ -105,6 +108,7 @@ const QSet<QString>& CoreHeaders() {
                                      u"QLatin1Char"_s,
                                      u"QLatin1String"_s,
                                      u"QLatin1StringView"_s,
+                                     u"QLibrary"_s,
                                      u"QLibraryInfo"_s,
                                      u"QList"_s,
                                      u"QLocale"_s,
@@ -304,6 +308,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Planted{u"print/A.cpp"_s, u"\"base/Module1.h\""_s, true},
                     Planted{u"print/A.cpp"_s, u"\"print/painter/PdfPrint.h\""_s, true},
                     Planted{u"check/A.cpp"_s, u"\"core/DefinitionFiles.h\""_s, true},
+                    Planted{u"history/server/A.cpp"_s, u"\"history/Store.h\""_s, true},
                     Planted{u"cli/A.cpp"_s, u"\"check/DefinitionCheck.h\""_s, true},
                     Planted{u"platform/qt/A.cpp"_s, u"\"platform/gui/PdfFile.h\""_s, true},
                     Planted{u"kalivor/main.cpp"_s, u"\"ui/main/frmMain.h\""_s, true},
@@ -323,6 +328,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Planted{u"core/A.cpp"_s, u"\"commands/StartUp.h\""_s, false},
                     Planted{u"core/A.cpp"_s, u"\"platform/plain/IniSettingsStore.h\""_s, false},
                     Planted{u"commands/A.cpp"_s, u"\"cli/Cli.h\""_s, false},
+                    Planted{u"history/A.cpp"_s, u"\"history/server/Sync.h\""_s, false},
                     Planted{u"commands/A.cpp"_s, u"\"check/DefinitionCheck.h\""_s, false},
                     Planted{u"check/A.cpp"_s, u"\"commands/StartUp.h\""_s, false},
                     Planted{u"platform/gui/A.cpp"_s, u"\"platform/qt/ShownText.h\""_s, false},

@@ -176,6 +176,7 @@ constexpr ValueOption<Arguments> kValueOptions[] = {
     {u"--from", TakeDate<&Arguments::from>},
     {u"--to", TakeDate<&Arguments::to>},
     {u"--parameter", TakeText<&Arguments::parameter>},
+    {u"--server", TakeText<&Arguments::server>},
 };
 
 constexpr Switch<Arguments> kSwitches[] = {
@@ -196,40 +197,45 @@ QString MisplacedOption(const Arguments& arguments, bool json) {
   const bool find = arguments.command == u"find";
   const bool history = arguments.command.startsWith(u"history ");
   const bool historyExport = arguments.command == u"history export";
+  const bool initServer = arguments.command == u"history init-server";
   const bool entries = historyExport || arguments.command == u"history list";
   const bool writes = safeSend || arguments.command == u"restore";
   const struct {
     QStringView option;
     bool given = false;
     bool understood = false;
-  } options[] = {{u"--json", arguments.json, json},
-                 {u"--save", arguments.save.has_value(), !history || arguments.command == u"history show"},
-                 {u"--landscape", arguments.landscape, pages || print},
-                 {u"--status-path", arguments.statusPath.has_value(), pages},
-                 {u"--date", arguments.date.has_value(), pages || list},
-                 {u"--pdf", arguments.pdf.has_value(), print},
-                 {u"--copies", arguments.copies.has_value(), print},
-                 {u"--page", arguments.page.has_value(), print},
-                 {u"--filter", arguments.filter.has_value(), list || entries},
-                 {u"--only", arguments.only.has_value(), list},
-                 {u"--against", arguments.against.has_value(), list},
-                 {u"--format", arguments.format.has_value(), list || historyExport},
-                 {u"--out", arguments.out.has_value(), list || historyExport},
-                 {u"--dry-run", arguments.dryRun, writes},
-                 {u"--yes", arguments.yes, writes},
-                 {u"--repeat", arguments.repeat.has_value(), safeSend},
-                 {u"--ports", !arguments.ports.isEmpty(), find},
-                 {u"--addresses", arguments.addresses.has_value(), find},
-                 {u"--plant-name", arguments.plantName.has_value(), entries},
-                 {u"--kind", arguments.kind.has_value(), entries},
-                 {u"--technician", arguments.technician.has_value(), entries},
-                 {u"--from", arguments.from.has_value(), entries},
-                 {u"--to", arguments.to.has_value(), entries},
-                 {u"--parameter", arguments.parameter.has_value(), entries}};
+  } options[] = {
+      {u"--json", arguments.json, json},
+      {u"--save", arguments.save.has_value(), !history || arguments.command == u"history show"},
+      {u"--landscape", arguments.landscape, pages || print},
+      {u"--status-path", arguments.statusPath.has_value(), pages},
+      {u"--date", arguments.date.has_value(), pages || list},
+      {u"--pdf", arguments.pdf.has_value(), print},
+      {u"--copies", arguments.copies.has_value(), print},
+      {u"--page", arguments.page.has_value(), print},
+      {u"--filter", arguments.filter.has_value(), list || entries},
+      {u"--only", arguments.only.has_value(), list},
+      {u"--against", arguments.against.has_value(), list},
+      {u"--format", arguments.format.has_value(), list || historyExport},
+      {u"--out", arguments.out.has_value(), list || historyExport},
+      {u"--dry-run", arguments.dryRun, writes},
+      {u"--yes", arguments.yes, writes},
+      {u"--repeat", arguments.repeat.has_value(), safeSend},
+      {u"--ports", !arguments.ports.isEmpty(), find},
+      {u"--addresses", arguments.addresses.has_value(), find},
+      {u"--plant-name", arguments.plantName.has_value(), entries},
+      {u"--kind", arguments.kind.has_value(), entries},
+      {u"--technician", arguments.technician.has_value(), entries},
+      {u"--from", arguments.from.has_value(), entries},
+      {u"--to", arguments.to.has_value(), entries},
+      {u"--parameter", arguments.parameter.has_value(), entries},
+      {u"--server", arguments.server.has_value(), initServer || arguments.command == u"history sync"}};
   for (const auto& [option, given, understood] : options) {
     if (given && !understood)
       return u"Option %1 gilt nicht für den Befehl %2."_s.arg(option, arguments.command);
   }
+  if (initServer && !arguments.server)
+    return u"Es fehlt die Option --server zum Befehl history init-server."_s;
   if (print && !arguments.pdf) return u"Es fehlt die Option --pdf zum Befehl print."_s;
   return {};
 }
@@ -260,7 +266,7 @@ void CheckCommand(const QStringList& words, Arguments& arguments) {
   }
   arguments.command = words.first();
   if (arguments.command == kHistory) {
-    arguments.error = u"Es fehlt list, show, export oder check zum Befehl history."_s;
+    arguments.error = u"Es fehlt list, show, export, check, sync oder init-server zum Befehl history."_s;
     return;
   }
   const Command* command = FindCommand(arguments.command);
@@ -291,6 +297,9 @@ Befehle:
                       Kennung genügt
   export              die Einträge als Tabelle (--format csv oder html)
   check               die Datei auf Fehler prüfen
+  sync                mit dem Verlauf der Abteilung auf einem Server abgleichen: was einer
+                      Seite fehlt, bekommt sie von der anderen
+  init-server         einen PostgreSQL-Server für den Verlauf einer Abteilung einrichten
 
 Optionen:
   --plant-name TEXT          nur Einträge dieser Anlage, '' ohne Anlage (list, export)
@@ -306,8 +315,11 @@ Optionen:
   --format csv | html        Form der Tabelle, sonst csv (export)
   --out DATEI                wohin die Tabelle geschrieben wird (export)
   --save DATEI               die Werte des Eintrags als Wertedatei schreiben (show)
+  --server TEXT              der Server: eine Verbindungszeichenkette von libpq ohne Kennwort
+                             oder der Name eines Dienstes; sync nimmt sonst den
+                             eingestellten (sync, init-server)
   --history DATEI            Datei des Verlaufs statt der eigenen
-  --json                     Ausgabe als JSON (list, show, check)
+  --json                     Ausgabe als JSON (alle außer export)
 )"_s;
 }
 

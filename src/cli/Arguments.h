@@ -80,6 +80,7 @@ struct Arguments {
   std::optional<QDate> from;
   std::optional<QDate> to;
   std::optional<QString> parameter;  ///< a variable or a name
+  std::optional<QString> server;     ///< a connection string, a URI or the name of a service
   QStringList set;                   ///< "VARIABLE=VALUE"
   std::vector<MarkChange> marks;
   std::vector<qint16> answers;  ///< 1: first, 2: second

@@ -10,6 +10,7 @@
 #include "cli/Edits.h"
 #include "cli/FindRun.h"
 #include "cli/HistoryRun.h"
+#include "cli/HistoryServerRun.h"
 #include "cli/Output.h"
 #include "cli/SafeRuns.h"
 #include "cli/TextForms.h"
@@ -216,6 +217,8 @@ class Session {
   int HistoryShow() { return HistoryRun(world_, box_, arguments_).Show(); }
   int HistoryExport() { return HistoryRun(world_, box_, arguments_).Export(); }
   int HistoryCheck() { return HistoryRun(world_, box_, arguments_).Check(); }
+  int HistorySync() { return RunHistorySync(world_, box_, arguments_); }
+  int HistoryInitServer() { return RunHistoryInitServer(world_, box_, arguments_); }
 
  private:
   // The options that stand for stored settings.
@@ -441,6 +444,8 @@ constexpr Command kCommands[] = {
     {u"history show", &Session::HistoryShow, Needs::Nothing, true, 1, u"der Eintrag"},
     {u"history export", &Session::HistoryExport, Needs::Nothing},
     {u"history check", &Session::HistoryCheck, Needs::Nothing, true},
+    {u"history sync", &Session::HistorySync, Needs::Nothing, true},
+    {u"history init-server", &Session::HistoryInitServer, Needs::Nothing, true},
 };
 
 }  // namespace

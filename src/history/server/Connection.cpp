@@ -306,6 +306,15 @@ bool Connection::Encrypted() const {
   return handle_->pq.sslInUse(handle_->connection) != 0;
 }
 
+ServerFailure ServerFault(const QString& server) {
+  QString missing;
+  const std::optional<LibPq> pq = OpenLibPq(missing);
+  if (!pq) return {ServerFailure::NotReached, missing};
+  ServerFailure failure;
+  (void)WordsOf(*pq, server, failure);
+  return failure;
+}
+
 QByteArray Connection::Encoding() const {
   return handle_->pq.parameterStatus(handle_->connection, "server_encoding");
 }

@@ -95,4 +95,7 @@ struct Connection::Opened {
   ServerFailure failure;
 };
 
+/// Why this text cannot name a server, or must not be stored; asks no server.
+[[nodiscard]] ServerFailure ServerFault(const QString& server);
+
 }  // namespace kalivor::history

@@ -367,6 +367,10 @@ QString RowsText(QStringView table) {
   return u"Zuordnungen zu Anlagen"_s;
 }
 
+QString LeftOutText(const SyncResult& result) {
+  return u"Ausgelassen, weil beschädigt: %1 (%2)."_s.arg(result.leftOut).arg(result.reasons.join(u"; "_s));
+}
+
 QString SyncText(const SyncResult& result) {
   int sent = 0;
   int received = 0;
@@ -389,9 +393,7 @@ QString SyncText(const SyncResult& result) {
                .arg(receivedEntries)
                .arg(received - receivedEntries);
   }
-  if (result.leftOut > 0)
-    text +=
-        u" Ausgelassen, weil beschädigt: %1 (%2)."_s.arg(result.leftOut).arg(result.reasons.join(u"; "_s));
+  if (result.leftOut > 0) text += u' ' + LeftOutText(result);
   if (!result.failure) return text.trimmed();
   text = result.failure.text + u' ' + text;
   if (sent + received > 0) text += u" Der nächste Abgleich macht da weiter."_s;

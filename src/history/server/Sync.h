@@ -38,7 +38,10 @@ struct SyncWatch {
 /// "Einträge", "Anlagen" …: what a row of this table is for the user.
 [[nodiscard]] QString RowsText(QStringView table);
 
-/// What came of it in a sentence: "312 Einträge gesendet, 18 empfangen." or why not.
+/// How many damaged rows were left out, and why.
+[[nodiscard]] QString LeftOutText(const SyncResult& result);
+
+/// What came of it in a sentence: "Gesendet: 312 Einträge …" or why not.
 [[nodiscard]] QString SyncText(const SyncResult& result);
 
 }  // namespace kalivor::history

@@ -13,15 +13,14 @@ namespace {
 constexpr int kCharacters = 40;
 constexpr int kMinute_s = 60;
 
-// To the second, from two minutes on to the minute.
+}  // namespace
+
 QString RemainingText(double remaining_s) {
   if (remaining_s < 0) return {};
   const int seconds = static_cast<int>(std::ceil(std::min(remaining_s, 86400.0)));
   if (seconds < 2 * kMinute_s) return u"noch %1 s"_s.arg(seconds);
   return u"noch %1 min"_s.arg((seconds + kMinute_s - 1) / kMinute_s);
 }
-
-}  // namespace
 
 ProgressDialog::ProgressDialog(Conversation& conversation)
     : Form(u"ProgressDialog"_s, u"KALIVOR"_s),

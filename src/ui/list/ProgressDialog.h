@@ -11,6 +11,9 @@
 
 namespace kalivor::ui {
 
+/// "noch 12 s", from two minutes on "noch 3 min"; "" where it is negative: unknown.
+[[nodiscard]] QString RemainingText(double remaining_s);
+
 /// "Abbrechen", Esc and the window's frame request the abort; the work hides the dialog when it has ended.
 class ProgressDialog final : public Form, public ProgressForm {
  public:

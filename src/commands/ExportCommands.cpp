@@ -68,14 +68,18 @@ QString Write(const ExportContext& context, const QString& path, const QByteArra
   return {};
 }
 
+// A table is never empty, and neither is a document.
+QString FaultOf(const QByteArray& content) {
+  return content.isEmpty() ? u"Das PDF-Dokument lässt sich nicht erzeugen."_s : QString();
+}
+
 }  // namespace
 
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind) {
   const QString path = AskForFile(context, u"Exportieren"_s, FileOf(kind));
   if (path.isEmpty()) return {};
   const QByteArray content = ContentOf(context, table, kind);
-  return Write(context, path, content,
-               content.isEmpty() ? u"Das PDF-Dokument lässt sich nicht erzeugen."_s : QString());
+  return Write(context, path, content, FaultOf(content));
 }
 
 QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text) {
@@ -86,6 +90,11 @@ QString ExportText(const ExportContext& context, const QString& title, const QBy
 QString ExportHtml(const ExportContext& context, const QString& title, const QByteArray& html) {
   const QString path = AskForFile(context, title, FileOf(ExportKind::Html));
   return path.isEmpty() ? path : Write(context, path, html, {});
+}
+
+QString ExportPdf(const ExportContext& context, const QString& title, const QByteArray& pdf) {
+  const QString path = AskForFile(context, title, FileOf(ExportKind::Pdf));
+  return path.isEmpty() ? path : Write(context, path, pdf, FaultOf(pdf));
 }
 
 }  // namespace kalivor

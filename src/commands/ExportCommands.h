@@ -28,8 +28,10 @@ struct ExportContext {
 /// there is none.
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind);
 
-/// The same with a text (*.txt) or a page (*.html); `title` stands above the question for the file.
+/// The same with a text (*.txt), a page (*.html) or a document (*.pdf, empty where it could not be made);
+/// `title` stands above the question for the file.
 QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text);
 QString ExportHtml(const ExportContext& context, const QString& title, const QByteArray& html);
+QString ExportPdf(const ExportContext& context, const QString& title, const QByteArray& pdf);
 
 }  // namespace kalivor

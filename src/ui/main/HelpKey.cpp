@@ -35,16 +35,28 @@ const QHash<QString, QString>& Pages() {
                                              {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"DiagnosisWindow"_s, u"diagnose"_s},
                                              {u"TelegramsWindow"_s, u"telegrammfenster"_s},
+                                             {u"ServiceReportWindow"_s, u"serviceprotokoll"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};
   return pages;
 }
 
+// Those of the questions for files by their titles.
+const QHash<QString, QString>& FilePages() {
+  static const QHash<QString, QString> pages{
+      {u"Exportieren"_s, u"parameterliste"_s},
+      {u"Telegramme speichern"_s, u"telegrammfenster"_s},
+      {u"Parameterfile"_s, u"optionen#dateien"_s},
+      {u"Bild des Briefkopfs"_s, u"serviceprotokoll"_s},
+      {u"Vorlage des Protokolls"_s, u"serviceprotokoll#vorlage"_s},
+      {u"Eingebaute Vorlage speichern"_s, u"serviceprotokoll#vorlage"_s},
+      {u"Protokoll speichern"_s, u"serviceprotokoll"_s}};
+  return pages;
+}
+
 QString PageOfWindow(const QWidget& window) {
   if (const auto* files = qobject_cast<const QFileDialog*>(&window)) {
-    if (files->windowTitle() == u"Exportieren") return u"parameterliste"_s;
-    if (files->windowTitle() == u"Telegramme speichern") return u"telegrammfenster"_s;
-    return files->windowTitle() == u"Parameterfile" ? u"optionen#dateien"_s : u"wertedateien"_s;
+    return FilePages().value(files->windowTitle(), u"wertedateien"_s);
   }
   QString page = Pages().value(window.objectName());
   if (page != u"optionen") return page;

@@ -47,6 +47,18 @@ TEST_F(ExportCommands, EachKindIsWrittenIntoTheFileThatTheUserNames) {
   EXPECT_EQ(dialogs.shown[2].filter, u"PDF-Dokument (*.pdf)|*.pdf|Alle Dateien (*.*)|*.*"_s);
 }
 
+TEST_F(ExportCommands, ADocumentIsWrittenUnderItsTitle) {
+  dialogs.answers = {u"/a/protokoll"_s, u"/a/leer.pdf"_s};
+  EXPECT_EQ(ExportPdf(context, u"Protokoll speichern"_s, "%PDF-1"), u"/a/protokoll.pdf"_s);
+  EXPECT_EQ(Written(u"/a/protokoll.pdf"_s), QByteArray("%PDF-1"));
+  EXPECT_EQ(dialogs.shown[0].title, u"Protokoll speichern"_s);
+  EXPECT_EQ(ExportPdf(context, u"Protokoll speichern"_s, {}), QString());
+  const std::vector<FakeMessageBox::Box> shown = box.Take();
+  ASSERT_EQ(shown.size(), 1);
+  EXPECT_TRUE(shown[0].text.contains(u"Das PDF-Dokument lässt sich nicht erzeugen."_s));
+  EXPECT_FALSE(files.files.contains(u"/a/leer.pdf"_s));
+}
+
 TEST_F(ExportCommands, ANameWithoutSuffixGetsTheOneOfItsKind) {
   const std::vector<std::pair<QString, QString>> names{
       {u"/a/liste"_s, u"/a/liste.csv"_s},

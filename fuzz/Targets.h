@@ -37,6 +37,7 @@ void Numbers(QByteArrayView input);
 void Pages(QByteArrayView input);
 void RecoveryFile(QByteArrayView input);
 void SelectionsFile(QByteArrayView input);
+void ServiceTemplatePage(QByteArrayView input);
 void Settings(QByteArrayView input);
 void ValueFile(QByteArrayView input);
 void VersionTable(QByteArrayView input);
@@ -60,6 +61,7 @@ inline constexpr Target kTargets[] = {
     {"pages", Pages},
     {"recovery_file", RecoveryFile},
     {"selections_file", SelectionsFile},
+    {"service_template", ServiceTemplatePage},
     {"settings", Settings},
     {"value_file", ValueFile},
     {"version_table", VersionTable},

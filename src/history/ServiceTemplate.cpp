@@ -210,7 +210,10 @@ ServiceTemplate::Parsed ServiceTemplate::Parse(const QByteArray& html, const Tem
   // Line by line, to say where what is no UTF-8 stands.
   for (const QByteArray& bytes : html.split('\n')) {
     if (line > 1) text += u'\n';
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    // The mark of UTF-8 stands at the beginning of the file only.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                     (line > 1 ? QStringDecoder::Flag::ConvertInitialBom
+                                                               : QStringDecoder::Flag::Default));
     const QString decoded = decoder(bytes);
     text += decoded;
     if (decoder.hasError()) return {{}, u"Zeile %1: Das ist kein Text in UTF-8."_s.arg(line)};

@@ -73,7 +73,7 @@ class Session {
     TakeSettings();
     if (arguments_.trace) BeginTrace();
     recorder_.Use(history::LoadHistorySettings(world_.settings));
-    const auto settle = qScopeGuard([this] { SettleHistory(); });
+    const auto finish = qScopeGuard([this] { FinishHistory(); });
     if (command.needs == Needs::Nothing) return (this->*command.run)();
     LoadDefinitions();
     if (arguments_.load) LoadValues();
@@ -234,9 +234,8 @@ class Session {
   }
 
   // What could not be kept is said at the end; the status is that of the command.
-  void SettleHistory() {
-    recorder_.Settle();
-    const std::lock_guard lock(historyMutex_);
+  void FinishHistory() {
+    recorder_.Finish();
     for (const QString& failure : std::as_const(historyFailures_))
       core_.box.Show(failure);
   }

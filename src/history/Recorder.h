@@ -47,6 +47,9 @@ class Recorder {
   /// Waits until all is added or has failed, at most so long.
   void Settle(int longest_ms = Writer::kLongestEnd_ms);
 
+  /// Ends the writer, as at the end of the program: what it has to say has been said then.
+  void Finish() { writer_.reset(); }
+
  private:
   void Record(const Deed& deed) noexcept;
   void TakeHead(Entry& entry) const;

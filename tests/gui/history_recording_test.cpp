@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "fakes/Installation.h"
 #include "gui/GuiFixture.h"
 
 namespace kalivor::test {
@@ -92,8 +93,13 @@ TEST_F(HistoryRecording, AFailureOfTheLastMomentIsSaidBeforeTheWindowCloses) {
   Block();
   StartHere();
   Receive();
-  desktop->main.close();
+  desktop->recorder.Settle();
+  QCoreApplication::processEvents();
   EXPECT_EQ(box.Take().size(), 1u);
+  desktop->main.close();
+  const QStringList said = TakeBoxes(box);
+  ASSERT_EQ(said.size(), 1);
+  EXPECT_TRUE(said[0].contains(u"Es fehlen darin: 1."_s)) << said[0].toStdString();
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ Desktop::Desktop(const World& theWorld, const RunSettings& run)
   main.OnUnload = [this] {
     EndRecovery();
     StoreSettings();
-    recorder.Settle();
+    recorder.Finish();
     // What it has to say comes as an event, and this is the last moment for it.
     QCoreApplication::sendPostedEvents(&main, QEvent::MetaCall);
   };

@@ -189,6 +189,25 @@ TEST_F(RecorderTest, ASafeSendingKnowsWhatWasThere) {
   EXPECT_EQ(changes, (QStringList{u"1: 150.0 -> 123.4 geprüft"_s, u"4: ABCD -> WXYZ geprüft"_s}));
 }
 
+TEST_F(RecorderTest, ARepeatedSendingSaysOnlyWhatItHasDone) {
+  module.ParNode[2] = module.ParNode[3] = kFalse;
+  SafeRun run = ReadToSend(context);
+  model.OnResponse = [](const QByteArray& request, sim::Response& response) {
+    if (!request.contains("W1F08")) return;
+    response.chunks.clear();
+    response.ignoresWrite = true;
+  };
+  WriteChosen(context, run);
+  EXPECT_EQ(Newest().changes, 2);
+  EXPECT_EQ(changes.first(), u"1: 123.4 -> 150.0 geprüft"_s);
+  model.OnResponse = [](const QByteArray&, sim::Response&) {};
+  EXPECT_EQ(ChooseFailed(run), 1);
+  WriteChosen(context, run);
+  EXPECT_EQ(Newest().changes, 1);
+  EXPECT_TRUE(changes.first().startsWith(u"4: "_s)) << changes.first().toStdString();
+  EXPECT_EQ(Entries(), 2);
+}
+
 TEST_F(RecorderTest, ASafeReceivingIsOneOfReceiving) {
   CommandEmpfangen_Click(core);
   memory.SetWord(0x1F00, 1235);

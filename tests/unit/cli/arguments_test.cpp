@@ -194,7 +194,8 @@ TEST(CommandLine, TheHistoryHasCommandsOfTwoWords) {
 
 TEST(CommandLine, WhatIsWrongWithACommandOfTheHistory) {
   const auto error = [](const QStringList& words) { return ParseArguments(words).error; };
-  EXPECT_EQ(error({u"history"_s}), u"Es fehlt list, show, export oder check zum Befehl history."_s);
+  EXPECT_EQ(error({u"history"_s}),
+            u"Es fehlt list, show, export, check, sync oder init-server zum Befehl history."_s);
   EXPECT_EQ(error({u"history"_s, u"drop"_s}), u"Unbekannter Befehl: history drop"_s);
   EXPECT_EQ(error({u"history"_s, u"show"_s}), u"Es fehlt der Eintrag zum Befehl history show."_s);
   EXPECT_EQ(error({u"history"_s, u"check"_s, u"x"_s}), u"Überzähliges Argument: x"_s);

@@ -58,6 +58,10 @@ SqlFault FaultOf(const QSqlError& error) {
   }
 }
 
+QString ProtectedReason(const QString& file) {
+  return u"Die Datei oder ihr Ordner ist schreibgeschützt (%1)."_s.arg(file);
+}
+
 QString ReasonOf(const QSqlError& error, const QString& file) {
   switch (FaultOf(error)) {
     case SqlFault::Busy:
@@ -65,9 +69,10 @@ QString ReasonOf(const QSqlError& error, const QString& file) {
     case SqlFault::Full:
       return u"Auf dem Datenträger ist kein Platz mehr; bitte Platz schaffen."_s;
     case SqlFault::ReadOnly:
-      return u"Die Datei oder ihr Ordner ist schreibgeschützt (%1)."_s.arg(file);
+      return ProtectedReason(file);
     case SqlFault::Unreachable:
-      return u"Die Datei lässt sich nicht öffnen; bitte Platz und Rechte in ihrem Ordner prüfen (%1)."_s.arg(file);
+      return u"Die Datei lässt sich nicht öffnen; bitte Platz und Rechte in ihrem Ordner prüfen (%1)."_s.arg(
+          file);
     case SqlFault::Device:
       return u"Der Datenträger meldet einen Fehler; bitte prüfen, ob er noch da und in Ordnung ist (%1)."_s
           .arg(file);

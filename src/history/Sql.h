@@ -31,6 +31,7 @@ enum class SqlFault {
 
 /// The failure for the user, in one German sentence.
 [[nodiscard]] QString ReasonOf(const QSqlError& error, const QString& file);
+[[nodiscard]] QString ProtectedReason(const QString& file);
 [[nodiscard]] QString CannotWrite(const QString& reason);
 [[nodiscard]] QString CannotRead(const QString& reason);
 

@@ -126,6 +126,12 @@ Look LookForWriting(const QString& file, const SchemaVersions& schema) {
   look = LookAt(std::make_unique<FileConnection>(file, u"QSQLITE_BUSY_TIMEOUT=%1"_s.arg(kBusyWriting_ms)),
                 file, schema);
   if (!look.connection || look.damaged || look.newer) return look;
+  // The library opens a protected one for reading, and says so with the first row only.
+  if (!QFileInfo(file).isWritable()) {
+    look.connection.reset();
+    look.reason = ProtectedReason(file);
+    return look;
+  }
   QSqlError error;
   // What the disk has lost is noticed before anything is added to it.
   const QString state = FirstAnswer(look.Database(), u"PRAGMA quick_check(1)"_s, error).toString();

@@ -1,7 +1,6 @@
 // Storing the settings while the program is killed at every call of the system, or the disk takes nothing.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -16,13 +15,16 @@
 #include "fakes/QtPrinters.h"
 #include "platform/plain/IniSettingsStore.h"
 #include "unit/posix/AsOrdinaryUser.h"
+#include "unit/posix/KilledAtCall.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kalivor::platform {
 namespace {
 
+using test::CallEnd;
 using test::HoldsAsOrdinaryUser;
+using test::KillAtCall;
 
 class StoredSettings : public testing::Test {
  protected:
@@ -63,27 +65,10 @@ class StoredSettings : public testing::Test {
       EXPECT_TRUE(own.remove(stray));
   }
 
-  enum class End { Killed, Finished, NotTraced };
-
   // A program that stores the settings is killed as it enters call number `at` of the system.
-  [[nodiscard]] End StoreAndKill(const QString& address, int at) const {
-    const pid_t child = fork();
-    if (child == 0) {
-      if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) _exit(2);
-      (void)raise(SIGSTOP);
-      _exit(Store(address).isEmpty() ? 0 : 1);
-    }
-    int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) return End::NotTraced;
-    // Each call stops the program twice, as it begins and as it ends.
-    for (int stop = 0; WIFSTOPPED(status); ++stop) {
-      const bool kill = stop == 2 * at + 1;
-      if ((kill ? ::kill(child, SIGKILL) : ptrace(PTRACE_SYSCALL, child, nullptr, nullptr)) != 0) break;
-      if (waitpid(child, &status, 0) != child) break;
-    }
-    if (WIFSIGNALED(status)) return End::Killed;
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-    return End::Finished;
+  [[nodiscard]] CallEnd StoreAndKill(const QString& address, int at) const {
+    return KillAtCall(
+        at, [] { return true; }, [&] { return Store(address).isEmpty(); });
   }
 
   QTemporaryDir folder;
@@ -102,9 +87,9 @@ TEST_F(StoredSettings, AreTheOldOrTheNewOnesWhereverTheProgramIsKilled) {
     SCOPED_TRACE(at);
     ASSERT_TRUE(StoreAnew(u"17"_s)) << "after a program that was killed";
     ASSERT_EQ(Bytes(), old);
-    const End end = StoreAndKill(u"18"_s, at);
-    if (end == End::NotTraced) GTEST_SKIP() << "a program cannot be watched here (ptrace)";
-    if (end == End::Finished) break;
+    const CallEnd end = StoreAndKill(u"18"_s, at);
+    if (end == CallEnd::NotTraced) GTEST_SKIP() << "a program cannot be watched here (ptrace)";
+    if (end == CallEnd::Finished) break;
     LetTimePass();
     const QByteArray bytes = Bytes();
     ASSERT_TRUE(bytes == old || bytes == changed) << bytes.toStdString();
@@ -119,9 +104,9 @@ TEST_F(StoredSettings, AFirstStartIsKilledAnywhere) {
   const QString own = folder.filePath(u"KALIVOR"_s);
   for (int at = 0;; ++at) {
     ASSERT_TRUE(QDir(own).removeRecursively());
-    const End end = StoreAndKill(u"17"_s, at);
-    if (end == End::NotTraced) GTEST_SKIP() << "a program cannot be watched here (ptrace)";
-    if (end == End::Finished) break;
+    const CallEnd end = StoreAndKill(u"17"_s, at);
+    if (end == CallEnd::NotTraced) GTEST_SKIP() << "a program cannot be watched here (ptrace)";
+    if (end == CallEnd::Finished) break;
     LetTimePass();
     const QByteArray bytes = Bytes();
     ASSERT_TRUE(bytes.isEmpty() || bytes.count('\n') == 4) << at << bytes.toStdString();

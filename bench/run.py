@@ -232,6 +232,33 @@ class Bench:
             dead.close()
             display.close()
 
+    def history(self):
+        """Histories of years, each entry with a complete set of values."""
+        sizes = (1000, 10000) if self.options.quick else (1000, 10000, 100000)
+        found = {}
+        for entries in sizes:
+            output = subprocess.run([self.bench("history"), str(entries)], check=True, capture_output=True, text=True)
+            found[entries] = {name: float(value) for name, value in map(str.split, output.stdout.splitlines())}
+        for work, name, limit, unit in (("history, an entry of 1999 values added", "add_ms", None, "ms"),
+                                        ("  room for a changed value, with all that belongs to it",
+                                         "bytes_per_change", 300, "bytes")):
+            smallest, largest = (found[entries][name] for entries in (sizes[0], sizes[-1]))
+            met = largest / smallest <= LINEAR and (limit is None or largest <= limit)
+            aim = f"growth ≤ {LINEAR}" + (f", ≤ {limit} {unit}" if limit else "")
+            self.table.add(f"{work}, {sizes[0]} to {sizes[-1]} entries", "", f"{largest:.1f} {unit}",
+                           f"{largest / smallest:.2f}", aim, met)
+        for work, name, limit_ms in (("history of 10,000 entries, opened and read", "entries_ms", 150),
+                                     ("  a parameter looked for", "entries_with_ms", 50),
+                                     ("  a curve", "curve_ms", 50),
+                                     ("  the values of an entry", "values_ms", 50)):
+            ours = found[10000][name]
+            if name == "entries_ms":
+                ours += found[10000]["open_reading_ms"] + found[10000]["plants_ms"]
+            self.table.add(work, "", f"{ours:.1f} ms", "", f"≤ {limit_ms} ms", ours <= limit_ms)
+        checked = found[10000]
+        self.table.add("  looked at as a whole at the writer's start", "", f"{checked['open_writing_ms']:.0f} ms")
+        self.table.add("  every row and set looked at (history check)", "", f"{checked['check_ms'] / 1000:.1f} s")
+
     # Whole processes
 
     def start(self):
@@ -442,7 +469,7 @@ class Bench:
                 file.write("\n")
 
 
-SECTIONS = ("exchange", "files", "windows", "list", "start", "waiting", "transfers", "counts")
+SECTIONS = ("exchange", "files", "windows", "list", "history", "start", "waiting", "transfers", "counts")
 
 
 def main():

@@ -75,10 +75,10 @@ class DiagnosisPreview final : public QTextBrowser {
 
  private:
   [[nodiscard]] QString Picture(const LineQuality& quality) {
-    QualityPictureView view;
+    PictureView view;
     view.setPalette(Paper());
     view.setAutoFillBackground(true);
-    view.Show(quality);
+    view.Show(QualityPicture(quality), {kPictureWidth, kPictureHeight}, {});
     view.resize(view.sizeHint());
     pictures_.append(view.grab());
     return u"<img src=\"bild:%1\" width=\"%2\" height=\"%3\">"_s.arg(

@@ -247,15 +247,6 @@ QString ReadingFailure(const QString& path, const QString& description) {
   return u"Fehler beim lesen von\r\n"_s + path + u"\r\n"_s + description;
 }
 
-// A file keeps the beginning of a text only; whether it was longer can be seen where nothing of it is free.
-bool IsCut(const ParameterRecord& record, const SetValue& value, Origin origin) {
-  if (!value.read || TypeOf(record.Typ).kind != ValueKind::Text) return false;
-  const qsizetype length = WithoutPadding(value.value.text).size();
-  return length > Counting(record, value.value.text).size() ||
-         (origin == Origin::File && length == kFileTextWidth &&
-          StringLength(RecordOf(value)) > kFileTextWidth);
-}
-
 // The places of a number's digits: `decimals` are behind the point, and `shown` of them always.
 struct Places {
   int decimals = 0;
@@ -369,6 +360,14 @@ std::vector<ComparedValue> CompareSets(const ParameterTable& definitions, const 
     if (partners[i] < 0) add(0, -1, placedRight.unknown[i]);
   }
   return rows;
+}
+
+bool IsCut(const ParameterRecord& record, const SetValue& value, Origin origin) {
+  if (!value.read || TypeOf(record.Typ).kind != ValueKind::Text) return false;
+  const qsizetype length = WithoutPadding(value.value.text).size();
+  return length > Counting(record, value.value.text).size() ||
+         (origin == Origin::File && length == kFileTextWidth &&
+          StringLength(RecordOf(value)) > kFileTextWidth);
 }
 
 ConversionAccount AccountOf(const ParameterTable& definitions, const ValueSet& set) {

@@ -93,6 +93,10 @@ struct ComparedValue {
 [[nodiscard]] std::vector<ComparedValue> CompareSets(const ParameterTable& definitions, const ValueSet& left,
                                                      const ValueSet& right);
 
+/// True where the parameter has not got all of the set's text: it is longer than the parameter's type, or a
+/// file has kept the beginning of a longer one, which can be seen where nothing of its place is free.
+[[nodiscard]] bool IsCut(const ParameterRecord& record, const SetValue& value, Origin origin);
+
 /// How a set of another version fits the definitions: counts of variables.
 struct ConversionAccount {
   int matched = 0;    ///< variable and type agree

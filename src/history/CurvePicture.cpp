@@ -70,13 +70,13 @@ class Scale {
     // A value that never changed stands in the middle.
     const double air = high_ > low_ ? (high_ - low_) * 0.05 : std::max(1.0, std::abs(high_) * 0.1);
     step_ = RoundStep((high_ - low_ + 2 * air) * kValueRoom / std::max(kValueRoom, Height()));
-    low_ = std::floor((low_ - air) / step_) * step_;
-    high_ = std::ceil((high_ + air) / step_) * step_;
+    low_ -= air;
+    high_ += air;
     from_ = curve.points.front().moment_ms;
     span_ms_ = std::clamp<qint64>(curve.points.back().moment_ms - from_, kMinute_ms, kLongestSpan_ms);
     span_ms_ += static_cast<qint64>(static_cast<double>(span_ms_) * kBehindLast);
     qsizetype longest = 0;
-    for (double tick = low_; tick <= high_ + step_ / 2; tick += step_)
+    for (int tick = 0; tick < Ticks(); ++tick)
       longest = std::max(longest, TickText(tick).size());
     left_ = std::min(size.width() / 2, kDigit * static_cast<double>(longest) + 14);
   }
@@ -93,15 +93,19 @@ class Scale {
   }
   [[nodiscard]] double Y(double value) const { return Bottom() - Height() * (value - low_) / (high_ - low_); }
 
-  [[nodiscard]] double Low() const { return low_; }
-  [[nodiscard]] double High() const { return high_; }
-  [[nodiscard]] double Step() const { return step_; }
   [[nodiscard]] qint64 From() const { return from_; }
   [[nodiscard]] qint64 Span_ms() const { return span_ms_; }
 
-  [[nodiscard]] QString TickText(double tick) const {
+  // The lines of the scale, from the lowest one up.
+  [[nodiscard]] int Ticks() const {
+    return std::clamp(static_cast<int>(std::floor(high_ / step_) - std::ceil(low_ / step_)) + 1, 0,
+                      kMostTicks);
+  }
+  [[nodiscard]] double Tick(int tick) const { return (std::ceil(low_ / step_) + tick) * step_; }
+  [[nodiscard]] QString TickText(int tick) const {
     // No "-0".
-    return QString::number(std::abs(tick) < step_ / 2 ? 0 : tick, 'f', DecimalsOf(step_));
+    const double value = Tick(tick);
+    return QString::number(std::abs(value) < step_ / 2 ? 0 : value, 'f', DecimalsOf(step_));
   }
 
  private:
@@ -202,12 +206,10 @@ class Drawing {
   }
 
   void DrawValues(const Scale& scale) {
-    const int ticks = static_cast<int>(std::lround((scale.High() - scale.Low()) / scale.Step()));
-    for (int i = 0; i <= std::min(ticks, kMostTicks); ++i) {
-      const double value = scale.Low() + i * scale.Step();
-      const double y = scale.Y(value);
+    for (int tick = 0; tick < scale.Ticks(); ++tick) {
+      const double y = scale.Y(scale.Tick(tick));
       Box({scale.Left() - 4, y, scale.Right() - scale.Left() + 4, 0.5}, PictureInk::Faint);
-      Text({0, y - kPictureText / 2 - 1, scale.Left() - 8, kPictureText}, scale.TickText(value),
+      Text({0, y - kPictureText / 2 - 1, scale.Left() - 8, kPictureText}, scale.TickText(tick),
            PictureInk::Faint, Align::Right);
     }
   }

@@ -97,4 +97,14 @@ QString ExportPdf(const ExportContext& context, const QString& title, const QByt
   return path.isEmpty() ? path : Write(context, path, pdf, FaultOf(pdf));
 }
 
+QString ExportPicture(const ExportContext& context, const QString& title, const QByteArray& svg) {
+  const QString path = AskForFile(context, title, {u"SVG-Bild (*.svg)", u".svg"});
+  return path.isEmpty() ? path : Write(context, path, svg, {});
+}
+
+QString ExportValueFile(const ExportContext& context, const QString& title, const QByteArray& image) {
+  const QString path = AskForFile(context, title, {u"MERVA Parameterfile (*.qpf)", u".qpf"});
+  return path.isEmpty() ? path : Write(context, path, image, {});
+}
+
 }  // namespace kalivor

@@ -28,10 +28,12 @@ struct ExportContext {
 /// there is none.
 QString ExportTable(const ExportContext& context, const ListTable& table, ExportKind kind);
 
-/// The same with a text (*.txt), a page (*.html) or a document (*.pdf, empty where it could not be made);
-/// `title` stands above the question for the file.
+/// The same with a text (*.txt), a page (*.html), a document (*.pdf, empty where it could not be made), a
+/// picture (*.svg) or the image of a value file (*.qpf); `title` stands above the question for the file.
 QString ExportText(const ExportContext& context, const QString& title, const QByteArray& text);
 QString ExportHtml(const ExportContext& context, const QString& title, const QByteArray& html);
 QString ExportPdf(const ExportContext& context, const QString& title, const QByteArray& pdf);
+QString ExportPicture(const ExportContext& context, const QString& title, const QByteArray& svg);
+QString ExportValueFile(const ExportContext& context, const QString& title, const QByteArray& image);
 
 }  // namespace kalivor

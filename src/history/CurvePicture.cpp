@@ -329,7 +329,11 @@ int CurvePointAt(const Curve& curve, const QSizeF& size, double x) {
   if (curve.points.empty()) return -1;
   const Scale scale(curve, size);
   const auto distance = [&](const CurvePoint& point) { return std::abs(scale.X(point.moment_ms) - x); };
-  return static_cast<int>(std::ranges::min_element(curve.points, {}, distance) - curve.points.begin());
+  // Of several at one moment the newest.
+  const auto nearest = std::min_element(
+      curve.points.rbegin(), curve.points.rend(),
+      [&](const CurvePoint& left, const CurvePoint& right) { return distance(left) < distance(right); });
+  return static_cast<int>(curve.points.rend() - nearest) - 1;
 }
 
 }  // namespace kalivor::history

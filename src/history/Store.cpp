@@ -418,6 +418,12 @@ TableRows Store::Rows(QStringView table, const std::vector<QByteArray>& ids) {
   return found;
 }
 
+qint64 Store::Generation() {
+  qint64 generation = 0;
+  Read(u"PRAGMA data_version"_s, {}, [&](const Statement& row) { generation = row.Number(0); });
+  return generation;
+}
+
 QString HeldText(const std::vector<int>& numbers) {
   QStringList ranges;
   for (std::size_t from = 0; from < numbers.size();) {

@@ -155,6 +155,9 @@ class Store {
 
   [[nodiscard]] const QString& Failure() const { return failure_; }
 
+  /// Another number than before when anybody else has added something since.
+  [[nodiscard]] qint64 Generation();
+
   // Copying. Rows are found by their first column: their own id, of `change` that of the entry.
 
   /// Adds rows that were made elsewhere, all of them in one transaction or none; those that are there already

@@ -168,7 +168,8 @@ class GuiTest : public testing::Test {
             {},
             {},
             safe,
-            computer};
+            computer,
+            historyStore};
   }
 
   void Load(const RunSettings& run = {}) { desktop = std::make_unique<ui::Desktop>(World(), run); }
@@ -260,6 +261,7 @@ class GuiTest : public testing::Test {
   RecoveryWorld recovery;                  ///< nothing is kept
   SafeWorld safe;                          ///< no journal can be kept, so nothing is written safely
   std::function<ui::Computer()> computer;  ///< nothing is known about it
+  history::StoreWorld historyStore;        ///< no history can be kept
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
   std::unique_ptr<ui::Desktop> desktop;

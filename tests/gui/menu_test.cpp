@@ -51,6 +51,8 @@ const QList<Item>& Items() {
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeVerbindung"_s, u"&Verbindung…"_s, {}, true},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeTelegramme"_s, u"&Telegramme"_s, {}, true},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeDiagnose"_s, u"Diagnose&bericht…"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeBar4"_s, u"-"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeVerlauf"_s, u"Ver&lauf"_s, {}, true},
       {u"mnuHelp"_s, u"mnuHelpContents"_s, u"&Inhalt"_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpSearchForHelpOn"_s, u"&Suchen in der Hilfe..."_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpBar0"_s, u"-"_s, {}, false},

@@ -89,6 +89,7 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeVerbindung"_s, [this] { ShowConnection(); }},
       {u"mnuWerkzeugeTelegramme"_s, [this] { ShowTelegrams(); }},
       {u"mnuWerkzeugeDiagnose"_s, [this] { ShowDiagnosis(); }},
+      {u"mnuWerkzeugeVerlauf"_s, [this] { ShowHistory(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -167,6 +168,13 @@ std::vector<ListExport> Desktop::Exports() {
   return exports;
 }
 
+// The printed page has the list's name on it.
+std::vector<ListExport> Desktop::ExportsWithoutPrinting() {
+  std::vector<ListExport> exports = Exports();
+  std::erase_if(exports, [](const ListExport& item) { return item.name == u"exportPrint"; });
+  return exports;
+}
+
 // What is being typed in the list would be stored behind the step.
 void Desktop::TakeBack(void (UndoStack::*step)()) {
   if (list) list->CloseEditor();
@@ -220,6 +228,7 @@ void Desktop::Settled() {
   const bool isUnfinished = safeStore.Unfinished().has_value();
   if (std::exchange(offersUnfinished_, isUnfinished) || isUnfinished) OfferUnfinished();
   if (list) list->Update();
+  if (history) history->Update();
   TellOfHistory();
 }
 
@@ -259,6 +268,50 @@ void Desktop::TellOfHistory() {
     Tell(failure);
 }
 
+void Desktop::AddToHistory(history::Writer::Task task, std::function<void()> added) {
+  if (!recorder.Works()) return;
+  recorder.GetWriter().Do([this, task = std::move(task), added = std::move(added)](history::Store& store) {
+    const QString failure = task(store);
+    if (failure.isEmpty() && added)
+      QMetaObject::invokeMethod(
+          &main, [this, added] { guard(added); }, Qt::QueuedConnection);
+    return failure;
+  });
+}
+
+HistoryWindow& Desktop::History() {
+  if (!history) {
+    const ExportContext exporting{world.files, world.box, world.dialogs, {}};
+    HistorySurroundings surroundings{core, world.settings, guard, world.historyStore};
+    surroundings.used = [this] { return recorder.Used(); };
+    surroundings.use = [this](const history::HistorySettings& settings) { UseHistory(settings); };
+    surroundings.add = [this](history::Writer::Task task, std::function<void()> added) {
+      AddToHistory(std::move(task), std::move(added));
+    };
+    surroundings.exports = ExportsWithoutPrinting();
+    surroundings.compare = [this](ValueSet values) {
+      if (!list) MakeList();
+      list->OpenCompared(std::move(values));
+    };
+    surroundings.saveValues = [exporting](const QByteArray& image) {
+      ExportValueFile(exporting, u"Wertedatei speichern"_s, image);
+    };
+    surroundings.savePicture = [exporting](const QString& svg) {
+      ExportPicture(exporting, u"Verlauf des Wertes speichern"_s, svg.toUtf8());
+    };
+    surroundings.restore = [this](const Backup& backup) { Safe().Restore(backup); };
+    history = std::make_unique<HistoryWindow>(std::move(surroundings));
+    Add(*history, true);
+    for (Form* form : history->Companions())
+      main.AddCompanion(*form, true);
+  }
+  return *history;
+}
+
+void Desktop::ShowHistory() {
+  if (module.BusyDepth == 0) History().Open();
+}
+
 KeptTable Desktop::Kept() const {
   return KeptTableOf(
       module, [this](int index) { return changes.Unsaved(index); }, world.recovery.now());
@@ -296,14 +349,11 @@ void Desktop::Restore() {
 
 SafeWindow& Desktop::Safe() {
   if (!safe) {
-    std::vector<ListExport> exports = Exports();
-    // The printed page has the list's name on it.
-    std::erase_if(exports, [](const ListExport& item) { return item.name == u"exportPrint"; });
     const auto onWritten = [this] {
       if (backups) backups->Update();
     };
     safe = std::make_unique<SafeWindow>(
-        SafeSurroundings{core, safeStore, world.settings, guard, std::move(exports), main, onWritten});
+        SafeSurroundings{core, safeStore, world.settings, guard, ExportsWithoutPrinting(), main, onWritten});
     Add(*safe, true);
     main.AddCompanion(safe->Progress(), false);
   }

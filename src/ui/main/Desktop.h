@@ -27,6 +27,7 @@
 #include "ui/dialogs/DlgAuswahl.h"
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
+#include "ui/history/HistoryWindow.h"
 #include "ui/line/ConnectionWindow.h"
 #include "ui/line/DiagnosisWindow.h"
 #include "ui/line/TelegramsWindow.h"
@@ -119,6 +120,7 @@ struct Desktop {
   std::unique_ptr<ConnectionWindow> connection;  ///< made when it is first opened
   std::unique_ptr<TelegramsWindow> telegrams;    ///< made when it is first opened
   std::unique_ptr<DiagnosisWindow> diagnosis;
+  std::unique_ptr<HistoryWindow> history;  ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -145,6 +147,7 @@ struct Desktop {
   void ShowList(void (ParameterListWindow::*open)());
   void MakeList();
   [[nodiscard]] std::vector<ListExport> Exports();
+  [[nodiscard]] std::vector<ListExport> ExportsWithoutPrinting();
 
   [[nodiscard]] SafeWindow& Safe();
   void SendSafely();
@@ -152,6 +155,10 @@ struct Desktop {
   void ShowBackups();
   void ShowTelegrams();
   void ShowDiagnosis();
+  void ShowHistory();
+  [[nodiscard]] HistoryWindow& History();
+  /// `added` runs afterwards, in the window's thread.
+  void AddToHistory(history::Writer::Task task, std::function<void()> added);
   [[nodiscard]] Computer ThisComputer() const;
   [[nodiscard]] LeftOut PrivateTexts() const;
   void MakeUnfinished();

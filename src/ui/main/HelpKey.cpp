@@ -35,6 +35,10 @@ const QHash<QString, QString>& Pages() {
                                              {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"DiagnosisWindow"_s, u"diagnose"_s},
                                              {u"TelegramsWindow"_s, u"telegrammfenster"_s},
+                                             {u"HistoryWindow"_s, u"verlauf"_s},
+                                             {u"CurveWindow"_s, u"verlauf#kurve"_s},
+                                             {u"PlantDialog"_s, u"verlauf#anlagen"_s},
+                                             {u"PlantForm"_s, u"verlauf#anlagen"_s},
                                              {u"ServiceReportWindow"_s, u"serviceprotokoll"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};
@@ -47,6 +51,7 @@ const QHash<QString, QString>& FilePages() {
       {u"Exportieren"_s, u"parameterliste"_s},
       {u"Telegramme speichern"_s, u"telegrammfenster"_s},
       {u"Parameterfile"_s, u"optionen#dateien"_s},
+      {u"Verlauf des Wertes speichern"_s, u"verlauf#kurve"_s},
       {u"Bild des Briefkopfs"_s, u"serviceprotokoll"_s},
       {u"Vorlage des Protokolls"_s, u"serviceprotokoll#vorlage"_s},
       {u"Eingebaute Vorlage speichern"_s, u"serviceprotokoll#vorlage"_s},

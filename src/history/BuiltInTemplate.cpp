@@ -13,6 +13,7 @@ constexpr char kBuiltIn[] = R"(<!DOCTYPE html>
 body { font-family: Arial, Helvetica, sans-serif; font-size: 9.5pt; color: #000; }
 h2 { margin-top: 16px; margin-bottom: 0; }
 h3 { margin-top: 16px; margin-bottom: 4px; }
+table.kopf { margin-bottom: 12px; }
 table.unter { margin-top: 5px; }
 p { margin-top: 0; margin-bottom: 4px; }
 table.werte { margin-top: 5px; font-size: 8.5pt; border-collapse: collapse; }
@@ -23,7 +24,7 @@ table.werte td { border-bottom: 1px solid #bbb; }
 </head>
 <body>
 
-<table width="100%" cellspacing="0" cellpadding="0">
+<table class="kopf" width="100%" cellspacing="0" cellpadding="0">
 <tr>
 <td>{{briefkopf}}</td>
 <td align="right">{{?briefbild}}<img src="{{briefbild}}" width="{{bildbreite}}" height="{{bildhoehe}}">{{/briefbild}}</td>

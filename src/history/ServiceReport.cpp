@@ -5,12 +5,14 @@
 #include <iterator>
 #include <utility>
 
+#include "core/ValueSets.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kalivor::history {
 namespace {
 
-constexpr QStringView kTimeFormat = u"dd.MM.yyyy hh:mm";
+constexpr QStringView kTimeFormat = u"dd.MM.yyyy HH:mm";
 constexpr QStringView kDateFormat = u"dd.MM.yyyy";
 
 // In the order in which the values are put together below.
@@ -156,19 +158,20 @@ std::vector<FoundAndLeft> FoundAndLeftValues(const ServiceVisit& visit) {
     const Entry& entry = each->entry;
     if (!ConcernsController(entry.kind)) continue;
     const QString controller = ControllerText(entry);
+    const bool observes = Observes(entry.kind);
     for (const Change& change : each->changes) {
-      const bool observed = Observes(entry.kind);
       // Something that was not read, for example, tells nothing of the controller.
-      if (observed && !change.state.isEmpty()) continue;
+      const bool read = change.state.isEmpty() || change.state == DifferenceText(Difference::Different);
+      if (observes && !read) continue;
+      const QString state = observes ? QString() : change.state;
       const QStringList key{controller, change.variable, change.address, QString::number(change.number)};
       const auto place = places.constFind(key);
       if (place == places.constEnd()) {
         places.insert(key, values.size());
-        values.push_back(
-            {controller, change, observed ? change.after : change.before, change.after, change.state});
+        values.push_back({controller, change, observes ? change.after : change.before, change.after, state});
       } else {
         values[*place].left = change.after;
-        values[*place].state = change.state;
+        values[*place].state = state;
       }
     }
   }

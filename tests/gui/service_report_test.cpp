@@ -38,12 +38,13 @@ class ServiceReportTest : public testing::Test {
   ServiceReportTest() { Make(); }
 
   void Make() {
-    window = std::make_unique<ui::ServiceReportWindow>(
-        ui::ServiceReportSurroundings{settings, files, dialogs, box, guard,
-                                      [this](const QString& title, const platform::HtmlDocument& document) {
-                                        printed << title;
-                                        printedHtml = document.html;
-                                      }});
+    window = std::make_unique<ui::ServiceReportWindow>(ui::ServiceReportSurroundings{
+        settings, files, dialogs, box, guard, [this] { return history::LoadHistorySettings(settings); },
+        [this](const history::HistorySettings& used) { history::SaveHistorySettings(used, settings); },
+        [this](const QString& title, const platform::HtmlDocument& document) {
+          printed << title;
+          printedHtml = document.html;
+        }});
   }
 
   template <typename Widget>

@@ -174,7 +174,7 @@ QHBoxLayout* ServiceReportWindow::NewButtons() {
 void ServiceReportWindow::Open(history::ServiceVisit visit) {
   if (isVisible()) StoreSettings();
   visit_ = std::move(visit);
-  settings_ = history::LoadHistorySettings(surroundings_.settings);
+  settings_ = surroundings_.used();
   title_->setText(u"Serviceprotokoll"_s);
   remark_->clear();
   letterhead_->setPlainText(settings_.letterhead);
@@ -318,14 +318,14 @@ void ServiceReportWindow::Print() {
   surroundings_.print(u"Serviceprotokoll"_s, document_);
 }
 
-// Others may have changed the rest of the settings meanwhile.
+// The rest of the settings may be others by now.
 void ServiceReportWindow::StoreSettings() {
-  settings_.letterhead = letterhead_->toPlainText();
-  history::HistorySettings stored = history::LoadHistorySettings(surroundings_.settings);
-  stored.letterhead = settings_.letterhead;
-  stored.letterPicture = settings_.letterPicture;
-  stored.reportTemplate = settings_.reportTemplate;
-  history::SaveHistorySettings(stored, surroundings_.settings);
+  const history::HistorySettings stored = surroundings_.used();
+  history::HistorySettings wanted = stored;
+  wanted.letterhead = letterhead_->toPlainText();
+  wanted.letterPicture = settings_.letterPicture;
+  wanted.reportTemplate = settings_.reportTemplate;
+  if (wanted != stored) surroundings_.use(wanted);
 }
 
 ExportContext ServiceReportWindow::Exporting() {

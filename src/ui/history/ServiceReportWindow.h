@@ -27,11 +27,13 @@ namespace kalivor::ui {
 
 /// What the window works with. All must outlive it.
 struct ServiceReportSurroundings {
-  platform::SettingsStore& settings;
+  platform::SettingsStore& settings;  ///< for the place of the window
   platform::FileSystem& files;
   platform::FileDialogs& dialogs;
   platform::MessageBox& box;
-  const platform::EventGuard& guard;
+  platform::EventGuard guard;  ///< runs what the user sets off
+  std::function<history::HistorySettings()> used;
+  std::function<void(const history::HistorySettings& settings)> use;
   /// Asks for a printer; empty: there is no button.
   std::function<void(const QString& title, const platform::HtmlDocument& document)> print;
 };

@@ -73,6 +73,8 @@ TEST(FoundAndLeft, WhatWasReadFirstWasFound) {
                              Done(2, DeedKind::Sent, {Changed(1, u"20"_s, u"25"_s)})})),
               QStringList{u"1: 20 > 25"_s});
   }
+  EXPECT_EQ(Summary(Visit({Done(1, DeedKind::Compared, {Changed(1, u"10"_s, u"20"_s, u"verschieden"_s)})})),
+            QStringList{u"1: 20 > 20"_s});
   EXPECT_EQ(Summary(Visit({Done(1, DeedKind::Received, {Changed(1, u"10"_s, u"20"_s, u"nicht gelesen"_s)})})),
             QStringList())
       << "what was not read tells nothing";

@@ -12,15 +12,16 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$1"
 options="-std=c++20 -Wall -Wextra -Wconversion -Wshadow -Werror -DKALIVOR_VERSION=\"0\" -DQT_NO_KEYWORDS
-  -DQT_NO_CAST_FROM_ASCII -DQT_NO_CAST_TO_ASCII -DQT_NO_FOREACH -I. -isystem$2 -isystem$2/QtCore -isystem$2/QtNetwork"
+  -DQT_NO_CAST_FROM_ASCII -DQT_NO_CAST_TO_ASCII -DQT_NO_FOREACH -I. -isystem$2 -isystem$2/QtCore -isystem$2/QtNetwork
+  -isystem$2/QtSql"
 # What all of them include, read once.
 printf '#include <%s>\n' QByteArray QHash QList QString QStringList functional memory optional vector >"$work/common.h"
 # shellcheck disable=SC2086
 "$compiler" $options -x c++-header "$work/common.h" -o "$work/common.h.gch"
-for folder in platform platform/plain platform/win32 platform/net base comm core check diagnosis commands print/pages cli kalivor sim; do
+for folder in platform platform/plain platform/win32 platform/net base comm core check diagnosis commands history history/server print/pages cli kalivor sim; do
   find "$folder" -maxdepth 1 -name '*.cpp'
 done |
   # The window, painted pages, what is for POSIX alone, and what needs the header of another library.
-  grep -vxE 'kalivor/main.cpp|cli/(Cli|main).cpp|sim/(PosixHost|PtyLine).cpp|platform/net/(ComPort|PosixSocketCalls).cpp' |
+  grep -vxE 'kalivor/main.cpp|cli/(Cli|main).cpp|sim/(PosixHost|PtyLine).cpp|platform/net/(ComPort|PosixSocketCalls).cpp|history/server/(Connection|LibPq).cpp' |
   # shellcheck disable=SC2086
   xargs -P 2 -n 1 "$compiler" $options -include "$work/common.h" -fsyntax-only

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "history/Store.h"
 #include "kalivor/DemoHistory.h"
 #include "kalivor/System.h"
 #include "sim/Faults.h"
@@ -60,6 +61,8 @@ QString Demo::Start() {
   if (!fault.isEmpty()) return fault;
   // As at a plant, not all values are the standard ones: there is something to compare and to take over.
   (void)controller_->station.memory.LoadValues(controller_->station.module, DemoValues());
+  plant_ = WriteDemoHistory(history::FileIn(StateFolder()), controller_->station.module,
+                            QDateTime::currentDateTime());
   controller_->model.emplace(*controller_->station.controller, controller_->faults);
   controller_->model->SetOther(*controller_->station.other);
   controller_->line.emplace(controller_->clock, *controller_->model);

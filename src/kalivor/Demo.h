@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QTemporaryDir>
+#include <QUuid>
 #include <memory>
 
 #include "platform/SerialControl.h"
@@ -40,6 +41,10 @@ class Demo {
   /// A settings file for this run alone.
   [[nodiscard]] QString SettingsFile() const { return settings_.filePath(QStringLiteral("KALIVOR.ini")); }
 
+  /// The plant of the controller, in the history that the demonstration brings; null without one. After
+  /// Start().
+  [[nodiscard]] const QUuid& Plant() const { return plant_; }
+
   /// The folder of everything else that the program writes for itself in this run.
   [[nodiscard]] QString StateFolder() const { return settings_.path(); }
 
@@ -50,6 +55,7 @@ class Demo {
   DemoPorts ports_;
   std::unique_ptr<Controller> controller_;
   QString folder_;
+  QUuid plant_;
 };
 
 }  // namespace kalivor

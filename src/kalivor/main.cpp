@@ -54,7 +54,13 @@ struct Process {
         port([this](int number) { return devices.Device(number); }),
         line(port, [this](int number) { return devices.Device(number); }) {
     // What a demonstration leaves goes with it, the backups below this folder too.
-    if (demo != nullptr) settings.Save(u"Settings"_s, u"Userpath"_s, demo->StateFolder());
+    if (demo == nullptr) return;
+    settings.Save(u"Settings"_s, u"Userpath"_s, demo->StateFolder());
+    history::HistorySettings history;
+    history.keeps = true;
+    history.technician = u"M. Muster"_s;
+    history.plant = demo->Plant();
+    history::SaveHistorySettings(history, settings);
   }
 
   [[nodiscard]] platform::SerialControl& Line() { return demo != nullptr ? demo->Line() : line; }

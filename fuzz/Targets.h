@@ -31,6 +31,7 @@ void CommandLine(QByteArrayView input);
 void ControllerReply(QByteArrayView input);
 void DefinitionCheck(QByteArrayView input);
 void DefinitionFile(QByteArrayView input);
+void HistoryRow(QByteArrayView input);
 void Journal(QByteArrayView input);
 void NetworkAddressText(QByteArrayView input);
 void Numbers(QByteArrayView input);
@@ -55,6 +56,7 @@ inline constexpr Target kTargets[] = {
     {"controller_reply", ControllerReply},
     {"definition_check", DefinitionCheck},
     {"definition_file", DefinitionFile},
+    {"history_row", HistoryRow},
     {"journal", Journal},
     {"network_address", NetworkAddressText},
     {"numbers", Numbers},

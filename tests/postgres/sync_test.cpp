@@ -43,14 +43,17 @@ class SyncTest : public test::PostgresTest {
 TEST_F(SyncTest, WhatIsMissingIsCopiedInBothDirections) {
   const auto left = History(u"left"_s);
   const auto right = History(u"right"_s);
-  test::FillHistory(*left, 60, 1);
-  test::FillHistory(*right, 40, 2);
+  test::FillHistory(*left, 60, 1, 300);
+  test::FillHistory(*right, 40, 2, 300);
   test::Contents all = ContentsOf(*left);
   test::Unite(all, ContentsOf(*right));
 
   SyncResult result = Synchronize(*left, Local(), {});
   EXPECT_EQ(SyncText(result).section(u' ', 0, 1), u"Gesendet: 60"_s);
   EXPECT_EQ(CountOf(result, u"entry").received, 0);
+  // Sets that differ from others are among them, in whatever order their ids are.
+  EXPECT_NE(Ask(u"SELECT count(*) FROM kalivor.value_set WHERE base > id"_s), QByteArray(8, '\0'));
+  EXPECT_NE(Ask(u"SELECT count(*) FROM kalivor.value_set WHERE base < id"_s), QByteArray(8, '\0'));
   int lastDone = -1;
   int lastTotal = 0;
   result = Synchronize(*right, Local(), {Always, [&](int done, int total) {
@@ -123,15 +126,12 @@ TEST_F(SyncTest, ASetThatIsNotWhatItsIdSaysIsNotTaken) {
   const auto left = History(u"left"_s);
   test::FillHistory(*left, 10, 1);
   ASSERT_FALSE(Synchronize(*left, Local(), {}).failure);
-  // The content of another set, well formed in itself.
-  ASSERT_EQ(
-      Do({u"UPDATE kalivor.value_set SET data = (SELECT data FROM kalivor.value_set WHERE base IS NOT NULL "
-          "ORDER BY id LIMIT 1), base = (SELECT base FROM kalivor.value_set WHERE base IS NOT NULL ORDER BY "
-          "id "
-          "LIMIT 1) WHERE id = (SELECT id FROM kalivor.value_set WHERE base IS NOT NULL ORDER BY id DESC "
-          "LIMIT "
-          "1)"_s}),
-      QString());
+  // The content of another set, well formed in itself, in one that no other refers to.
+  ASSERT_EQ(Do({u"UPDATE kalivor.value_set SET (base, data) = (SELECT base, data FROM kalivor.value_set "
+                u"ORDER BY id "
+                "LIMIT 1) WHERE id = (SELECT id FROM kalivor.value_set WHERE id NOT IN (SELECT base FROM "
+                "kalivor.value_set WHERE base IS NOT NULL) ORDER BY id DESC LIMIT 1)"_s}),
+            QString());
   const auto right = History(u"right"_s);
   const SyncResult result = Synchronize(*right, Local(), {});
   EXPECT_FALSE(result.failure) << result.failure.text.toStdString();

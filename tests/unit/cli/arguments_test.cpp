@@ -190,6 +190,10 @@ TEST(CommandLine, TheHistoryHasCommandsOfTwoWords) {
   const Arguments show = ParseArguments({u"history"_s, u"show"_s, u"01a2"_s, u"--json"_s});
   EXPECT_EQ(show.error, QString());
   EXPECT_EQ(show.words, QStringList{u"01a2"_s});
+  const Arguments sync =
+      ParseArguments({u"history"_s, u"sync"_s, u"--server"_s, u"abteilung"_s, u"--json"_s});
+  EXPECT_EQ(sync.error, QString());
+  EXPECT_EQ(sync.server, u"abteilung"_s);
 }
 
 TEST(CommandLine, WhatIsWrongWithACommandOfTheHistory) {
@@ -205,6 +209,10 @@ TEST(CommandLine, WhatIsWrongWithACommandOfTheHistory) {
             u"Option --save gilt nicht für den Befehl history list."_s);
   EXPECT_EQ(error({u"history"_s, u"export"_s, u"--format"_s, u"pdf"_s}),
             u"Für history export gibt es --format csv und html."_s);
+  EXPECT_EQ(error({u"history"_s, u"init-server"_s}),
+            u"Es fehlt die Option --server zum Befehl history init-server."_s);
+  EXPECT_EQ(error({u"history"_s, u"check"_s, u"--server"_s, u"x"_s}),
+            u"Option --server gilt nicht für den Befehl history check."_s);
   EXPECT_EQ(error({u"list"_s, u"--kind"_s, u"gesendet"_s}),
             u"Option --kind gilt nicht für den Befehl list."_s);
   EXPECT_TRUE(error({u"history"_s, u"list"_s, u"--kind"_s, u"gelöscht"_s})

@@ -1,7 +1,8 @@
 // The dialog that exchanges the history with that of the department.
 #include "ui/history/SyncDialog.h"
 
-#include <QSignalSpy>
+#include <QAction>
+#include <QTemporaryDir>
 #include <atomic>
 
 #include "gui/GuiFixture.h"
@@ -117,6 +118,40 @@ TEST_F(SyncDialogTest, EveryControlHasAName) {
     }
   }
   EXPECT_FALSE(In<QProgressBar>(u"bar"_s).accessibleName().isEmpty());
+}
+
+/// In the program, with the library and no server.
+class SyncInProgramTest : public GuiTest {
+ protected:
+  SyncInProgramTest() { historyStore.file = folder_.filePath(u"Verlauf.sqlite"_s); }
+
+  QTemporaryDir folder_;
+};
+
+TEST_F(SyncInProgramTest, IsOpenedFromTheHistoryAndKeepsTheServer) {
+  Start();
+  Main<QAction>(u"mnuWerkzeugeVerlauf"_s).trigger();
+  In<QPushButton>(*desktop->history, u"synchronize"_s).click();
+  ASSERT_TRUE(desktop->sync);
+  ui::SyncDialog& dialog = *desktop->sync;
+  EXPECT_TRUE(dialog.isVisible());
+
+  auto& server = In<QLineEdit>(dialog, u"server"_s);
+  server.setText(u"host=127.0.0.1 password=geheim"_s);
+  In<QPushButton>(dialog, u"exchange"_s).click();
+  EXPECT_TRUE(In<QLabel>(dialog, u"result"_s).text().contains(u"kein Kennwort"_s));
+  EXPECT_EQ(history::LoadHistorySettings(settings).server, QString());
+
+  const QString nobody = u"host=127.0.0.1 port=1"_s;
+  server.setText(nobody);
+  In<QPushButton>(dialog, u"exchange"_s).click();
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    return In<QLabel>(dialog, u"result"_s).text().startsWith(u"Der Server ist nicht zu erreichen"_s);
+  }));
+  EXPECT_EQ(history::LoadHistorySettings(settings).server, nobody);
+  dialog.close();
+  In<QPushButton>(*desktop->history, u"synchronize"_s).click();
+  EXPECT_EQ(server.text(), nobody);
 }
 
 }  // namespace

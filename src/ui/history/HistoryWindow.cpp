@@ -446,7 +446,6 @@ void HistoryWindow::ShowKeeping() {
   if (used.keeps) (void)ProposedPlant(doubt);
   doubt_->setText(doubt);
   doubt_->setVisible(!doubt.isEmpty());
-  synchronize_->setVisible(surroundings_.synchronize && !used.server.isEmpty());
 }
 
 QUuid HistoryWindow::ProposedPlant(QString& doubt) {

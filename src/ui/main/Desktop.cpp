@@ -300,12 +300,27 @@ HistoryWindow& Desktop::History() {
       ExportPicture(exporting, u"Verlauf des Wertes speichern"_s, svg.toUtf8());
     };
     surroundings.restore = [this](const Backup& backup) { Safe().Restore(backup); };
+    surroundings.synchronize = [this] { ShowSync(); };
     history = std::make_unique<HistoryWindow>(std::move(surroundings));
     Add(*history, true);
     for (Form* form : history->Companions())
       main.AddCompanion(*form, true);
   }
   return *history;
+}
+
+void Desktop::ShowSync() {
+  if (!sync) {
+    sync = std::make_unique<SyncDialog>(WorkOn(world.historyStore), guard);
+    sync->OnServer = [this](const QString& server) {
+      history::HistorySettings settings = recorder.Used();
+      settings.server = server;
+      UseHistory(settings);
+    };
+    sync->OnExchanged = [this] { guard([this] { History().Update(); }); };
+    Add(*sync, false);
+  }
+  sync->Open(recorder.Used().server);
 }
 
 void Desktop::ShowHistory() {

@@ -28,6 +28,7 @@
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
 #include "ui/history/HistoryWindow.h"
+#include "ui/history/SyncDialog.h"
 #include "ui/line/ConnectionWindow.h"
 #include "ui/line/DiagnosisWindow.h"
 #include "ui/line/TelegramsWindow.h"
@@ -121,6 +122,7 @@ struct Desktop {
   std::unique_ptr<TelegramsWindow> telegrams;    ///< made when it is first opened
   std::unique_ptr<DiagnosisWindow> diagnosis;
   std::unique_ptr<HistoryWindow> history;  ///< made when it is first opened
+  std::unique_ptr<SyncDialog> sync;        ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -157,6 +159,7 @@ struct Desktop {
   void ShowDiagnosis();
   void ShowHistory();
   [[nodiscard]] HistoryWindow& History();
+  void ShowSync();
   /// `added` runs afterwards, in the window's thread.
   void AddToHistory(history::Writer::Task task, std::function<void()> added);
   [[nodiscard]] Computer ThisComputer() const;

@@ -21,6 +21,7 @@
 #include "platform/plain/IniSettingsStore.h"
 #include "platform/plain/LastResort.h"
 #include "platform/plain/StoredDevices.h"
+#include "platform/qt/DocumentPrinter.h"
 #include "platform/qt/ManualHelp.h"
 #include "platform/qt/QtEvents.h"
 #include "platform/qt/QtFileDialogs.h"
@@ -207,7 +208,10 @@ int RunProgram(QApplication& application, Process& process, const RunSettings& r
        [&process](int number) { return process.Ports().Shown(number); },
        [&process](const QString& path) { return process.locks.Take(path); }},
       &Process::Computer,
-      process.HistoryStore()};
+      process.HistoryStore(),
+      [](const QString& title, const platform::HtmlDocument& document) {
+        platform::AskAndPrintDocument(title, document);
+      }};
   const std::unique_ptr<ui::Desktop> desktop = ui::Launch(splash, world, run, [&](ui::Desktop& loaded) {
     printing = std::make_unique<Printing>(loaded);
     if (!device.isEmpty()) process.devices.Override(loaded.module.Schnittstelle, device);

@@ -30,6 +30,9 @@ class HistoryTest : public GuiTest {
     safe.now = [this] { return now_; };
   }
 
+  // Its writer wants the folder.
+  ~HistoryTest() override { desktop.reset(); }
+
   // --- what is in the file ---
 
   std::unique_ptr<Store> Writing() {
@@ -553,6 +556,40 @@ TEST_F(HistoryTest, NoTextOfARowIsTakenForMarkup) {
   Click(Window(), u"curve"_s);
   EXPECT_EQ(In<QLabel>(Companion<ui::CurveWindow>(), u"sentence"_s).textFormat(), Qt::PlainText);
   QCoreApplication::processEvents();
+}
+
+// --- what belongs to others ---
+
+TEST_F(HistoryTest, AReportIsAboutTheMarkedEntriesOfOnePlant) {
+  AddSome();
+  Start();
+  Show();
+  SelectPlant(u"Kesselhaus Nord"_s);
+  Entries().selectAll();
+  Click(Window(), u"report"_s);
+  ASSERT_TRUE(desktop->serviceReport && desktop->serviceReport->isVisible());
+  desktop->serviceReport->close();
+  SelectPlant(u"Alle Anlagen"_s);
+  Entries().selectAll();
+  Click(Window(), u"report"_s);
+  EXPECT_FALSE(desktop->serviceReport->isVisible());
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_TRUE(boxes[0].text.startsWith(u"Die markierten Einträge gehören zu verschiedenen Anlagen."_s));
+}
+
+TEST_F(HistoryTest, TheMenusReportIsAboutToday) {
+  AddSome();
+  Start();
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  const auto boxes = box.Take();
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_TRUE(boxes[0].text.startsWith(u"Heute ist an der gewählten Anlage nichts aufgezeichnet."_s));
+  now_ = QDateTime::currentDateTime();
+  Add(Observed(DeedKind::Received, 1500, 1000));
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  ASSERT_TRUE(desktop->serviceReport);
+  EXPECT_TRUE(desktop->serviceReport->isVisible());
 }
 
 // --- how it behaves among the others ---

@@ -53,6 +53,7 @@ const QList<Item>& Items() {
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeDiagnose"_s, u"Diagnose&bericht…"_s, {}, true},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeBar4"_s, u"-"_s, {}, true},
       {u"mnuWerkzeuge"_s, u"mnuWerkzeugeVerlauf"_s, u"Ver&lauf"_s, {}, true},
+      {u"mnuWerkzeuge"_s, u"mnuWerkzeugeServiceprotokoll"_s, u"Servicepr&otokoll…"_s, {}, true},
       {u"mnuHelp"_s, u"mnuHelpContents"_s, u"&Inhalt"_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpSearchForHelpOn"_s, u"&Suchen in der Hilfe..."_s, {}, false},
       {u"mnuHelp"_s, u"mnuHelpBar0"_s, u"-"_s, {}, false},

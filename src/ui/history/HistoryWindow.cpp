@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStringListModel>
 #include <QToolButton>
@@ -30,7 +31,7 @@ namespace kalivor::ui {
 namespace {
 
 // The size of the first time: so many characters and lines; no more than most of the screen.
-constexpr int kWidth_digits = 150;
+constexpr int kWidth_digits = 165;
 constexpr int kHeight_lines = 44;
 constexpr double kMostOfScreen = 0.9;
 constexpr int kDate_digits = 13;
@@ -93,6 +94,9 @@ HistoryWindow::HistoryWindow(HistorySurroundings surroundings)
   const QSize wanted(fontMetrics().horizontalAdvance(u'0') * kWidth_digits,
                      fontMetrics().lineSpacing() * kHeight_lines);
   resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  const int plants_px = plantsView_->horizontalHeader()->length() +
+                        plantsView_->verticalScrollBar()->sizeHint().width() + 2 * plantsView_->frameWidth();
+  sides_->setSizes({plants_px, width() - plants_px});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
   entry_->Load(surroundings_.settings);
@@ -178,8 +182,9 @@ QWidget* HistoryWindow::NewPlantsSide() {
   PrepareTable(*plantsView_);
   plantsView_->setSelectionMode(QAbstractItemView::SingleSelection);
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  plantsView_->horizontalHeader()->resizeSection(0, 17 * digit_px);
-  plantsView_->horizontalHeader()->resizeSection(1, 10 * digit_px);
+  constexpr int digits[] = {19, 10, 9};
+  for (int column = 0; column < 3; ++column)
+    plantsView_->horizontalHeader()->resizeSection(column, digits[column] * digit_px);
   plantsView_->setMinimumWidth(24 * digit_px);
   connect(plantsView_->selectionModel(), &QItemSelectionModel::currentChanged, this,
           [this] { TakeFilter(); });
@@ -260,7 +265,7 @@ QWidget* HistoryWindow::NewEntriesSide() {
   table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  constexpr int digits[] = {20, 20, 17, 15, 12, 26, 11, 20};
+  constexpr int digits[] = {19, 17, 16, 12, 11, 20, 10, 15};
   for (int column = 0; column < EntriesModel::Columns; ++column)
     table_->horizontalHeader()->resizeSection(column, digits[column] * digit_px);
   connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { ShowEntry(); });
@@ -322,6 +327,7 @@ QLayout* HistoryWindow::NewCommandRow() {
   export_->setMenu(menu);
   synchronize_ = NewCommand(u"synchronize"_s, u"Abgleichen…"_s, [this] { surroundings_.synchronize(); });
   synchronize_->setToolTip(u"Tauscht die Einträge mit dem Server der Abteilung aus."_s);
+  synchronize_->setVisible(static_cast<bool>(surroundings_.synchronize));
   close_ = NewButton(this, u"CloseButton"_s, u"&Schließen"_s);
   connect(close_, &QPushButton::clicked, this, &QDialog::reject);
   auto* row = new QHBoxLayout;

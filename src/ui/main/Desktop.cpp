@@ -90,6 +90,7 @@ MenuActions Desktop::Actions() {
       {u"mnuWerkzeugeTelegramme"_s, [this] { ShowTelegrams(); }},
       {u"mnuWerkzeugeDiagnose"_s, [this] { ShowDiagnosis(); }},
       {u"mnuWerkzeugeVerlauf"_s, [this] { ShowHistory(); }},
+      {u"mnuWerkzeugeServiceprotokoll"_s, [this] { ShowTodaysReport(); }},
       {u"mnuHelpContents"_s, [this] { mnuHelpContents_Click(world.box, world.help); }},
       {u"mnuHelpSearchForHelpOn"_s, [this] { mnuHelpSearchForHelpOn_Click(world.box, world.help); }},
       {u"mnuHelpAbout"_s, [this] { ShowAbout(); }},
@@ -300,6 +301,7 @@ HistoryWindow& Desktop::History() {
       ExportPicture(exporting, u"Verlauf des Wertes speichern"_s, svg.toUtf8());
     };
     surroundings.restore = [this](const Backup& backup) { Safe().Restore(backup); };
+    surroundings.report = [this](const history::ServiceVisit& visit) { ShowReport(visit); };
     surroundings.synchronize = [this] { ShowSync(); };
     history = std::make_unique<HistoryWindow>(std::move(surroundings));
     Add(*history, true);
@@ -325,6 +327,28 @@ void Desktop::ShowSync() {
 
 void Desktop::ShowHistory() {
   if (module.BusyDepth == 0) History().Open();
+}
+
+void Desktop::ShowTodaysReport() {
+  if (module.BusyDepth > 0) return;
+  const history::ServiceVisit visit = History().VisitOf(QDate::currentDate());
+  if (!visit.entries.empty()) {
+    ShowReport(visit);
+    return;
+  }
+  world.box.Show(
+      u"Heute ist an der gewählten Anlage nichts aufgezeichnet.\r\n"
+      "Für einen anderen Besuch bitte im Verlauf seine Einträge markieren."_s);
+}
+
+void Desktop::ShowReport(const history::ServiceVisit& visit) {
+  if (!serviceReport) {
+    serviceReport = std::make_unique<ServiceReportWindow>(ServiceReportSurroundings{
+        world.settings, world.files, world.dialogs, world.box, guard, [this] { return recorder.Used(); },
+        [this](const history::HistorySettings& settings) { UseHistory(settings); }, world.printDocument});
+    Add(*serviceReport, true);
+  }
+  serviceReport->Open(visit);
 }
 
 KeptTable Desktop::Kept() const {

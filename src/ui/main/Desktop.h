@@ -28,6 +28,7 @@
 #include "ui/dialogs/Editors.h"
 #include "ui/findings/FindingsWindow.h"
 #include "ui/history/HistoryWindow.h"
+#include "ui/history/ServiceReportWindow.h"
 #include "ui/history/SyncDialog.h"
 #include "ui/line/ConnectionWindow.h"
 #include "ui/line/DiagnosisWindow.h"
@@ -66,6 +67,8 @@ struct World {
   SafeWorld safe{};                                              ///< of backups and unfinished sendings
   std::function<Computer()> computer{};                          ///< for the report for a support desk
   history::StoreWorld historyStore{};                            ///< without a file no history can be kept
+  /// Asks for a printer and prints the report of a visit; empty: there is no button for it.
+  std::function<void(const QString& title, const platform::HtmlDocument& document)> printDocument{};
 };
 
 /// The order of the members is that of their needs. Construction loads the main window: settings and place.
@@ -121,8 +124,9 @@ struct Desktop {
   std::unique_ptr<ConnectionWindow> connection;  ///< made when it is first opened
   std::unique_ptr<TelegramsWindow> telegrams;    ///< made when it is first opened
   std::unique_ptr<DiagnosisWindow> diagnosis;
-  std::unique_ptr<HistoryWindow> history;  ///< made when it is first opened
-  std::unique_ptr<SyncDialog> sync;        ///< made when it is first opened
+  std::unique_ptr<HistoryWindow> history;              ///< made when it is first opened
+  std::unique_ptr<ServiceReportWindow> serviceReport;  ///< made when it is first needed
+  std::unique_ptr<SyncDialog> sync;                    ///< made when it is first opened
 
  private:
   /// Shows what came of an action of the user, after the outermost one has ended.
@@ -159,6 +163,8 @@ struct Desktop {
   void ShowDiagnosis();
   void ShowHistory();
   [[nodiscard]] HistoryWindow& History();
+  void ShowTodaysReport();
+  void ShowReport(const history::ServiceVisit& visit);
   void ShowSync();
   /// `added` runs afterwards, in the window's thread.
   void AddToHistory(history::Writer::Task task, std::function<void()> added);

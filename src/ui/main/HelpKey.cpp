@@ -36,10 +36,10 @@ const QHash<QString, QString>& Pages() {
                                              {u"DiagnosisWindow"_s, u"diagnose"_s},
                                              {u"TelegramsWindow"_s, u"telegrammfenster"_s},
                                              {u"HistoryWindow"_s, u"verlauf"_s},
-                                             {u"SyncDialog"_s, u"abgleich"_s},
                                              {u"CurveWindow"_s, u"verlauf#kurve"_s},
                                              {u"PlantDialog"_s, u"verlauf#anlagen"_s},
                                              {u"PlantForm"_s, u"verlauf#anlagen"_s},
+                                             {u"SyncDialog"_s, u"abgleich"_s},
                                              {u"ServiceReportWindow"_s, u"serviceprotokoll"_s},
                                              {u"MessageBox"_s, u"meldungen"_s},
                                              {u"CDlg"_s, u"drucken"_s}};

@@ -38,7 +38,7 @@ MENUS = {
     "Optionen": ["Schnittstelle", "Regler", "Dateien"],
     "Werkzeuge": ["Parameterliste", "Suchen", "Rückgängig", "Wiederholen", "Definitionen prüfen",
                   "Sicher senden…", "Sicher empfangen…", "Sicherungen…", "Verbindung…", "Telegramme",
-                  "Diagnosebericht…"],
+                  "Diagnosebericht…", "Verlauf", "Serviceprotokoll…"],
     "?": ["Info "],
 }
 REPORT_CONTROLS = [(BOX, "Report"), (BUTTON, "Abbrechen"), (BUTTON, "Print"), (BUTTON, "OK")]

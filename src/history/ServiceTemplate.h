@@ -42,7 +42,7 @@ struct TemplateRow {
 class ServiceTemplate {
  public:
   static constexpr qsizetype kLargest_bytes = qsizetype{256} * 1024;
-  static constexpr qsizetype kLongestPage = qsizetype{16} * 1024 * 1024;  ///< characters
+  static constexpr qsizetype kLongestPage = qsizetype{4} * 1024 * 1024;  ///< characters
   static constexpr int kDeepest = 8;                                      ///< sections in each other
 
   struct Parsed;

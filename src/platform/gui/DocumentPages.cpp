@@ -40,7 +40,7 @@ constexpr double kFooter_pt = 8;
 
 // The toolkit's time doubles with each table in another.
 constexpr int kMostTablesInEachOther = 6;
-constexpr int kMostLines = 100'000;
+constexpr int kMostLines = 60'000;
 constexpr std::size_t kMostPages = 5000;
 
 // A border that lies between two rows is drawn as a whole.

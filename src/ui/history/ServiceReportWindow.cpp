@@ -1,5 +1,6 @@
 #include "ui/history/ServiceReportWindow.h"
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QMenu>
 #include <QScreen>
@@ -85,7 +86,6 @@ ServiceReportWindow::ServiceReportWindow(ServiceReportSurroundings surroundings)
   for (QPlainTextEdit* field : {remark_, letterhead_})
     connect(field, &QPlainTextEdit::textChanged, this, &ServiceReportWindow::UpdateSoon);
   rest_.setSingleShot(true);
-  rest_.setInterval(kRest_ms);
   connect(&rest_, &QTimer::timeout, this, [this] { surroundings_.guard([this] { Update(); }); });
   const QSize wanted(fontMetrics().averageCharWidth() * kWidth_characters,
                      fontMetrics().lineSpacing() * kHeight_lines);
@@ -269,6 +269,8 @@ void ServiceReportWindow::UpdateSoon() {
 // A template that is in order by itself may still be filled in to something that cannot be printed.
 void ServiceReportWindow::Update() {
   rest_.stop();
+  QElapsedTimer since;
+  since.start();
   QString fault = templateFault_;
   if (template_) fault = FillIn(*template_);
   const QString failure = template_ && fault.isEmpty() ? QString() : FillIn(BuiltIn());
@@ -284,6 +286,8 @@ void ServiceReportWindow::Update() {
   for (QPushButton* button : {save_, print_})
     button->setEnabled(failure.isEmpty());
   view_->ShowPages(layout_, platform::kUprightA4_cm);
+  // Who types is not to wait for a long report at every pause.
+  rest_.setInterval(std::max(kRest_ms, static_cast<int>(since.elapsed())));
 }
 
 // Returns why there are no pages, "" where there are.

@@ -1,5 +1,6 @@
 #include "history/Store.h"
 
+#include <QCollator>
 #include <QHash>
 #include <QtEndian>
 #include <algorithm>
@@ -239,8 +240,11 @@ std::vector<Plant> Store::Plants() {
          newest.insert(row.Id(0), {row.Id(0), row.Text(1), row.Text(2), row.Text(3)});
        });
   std::vector<Plant> plants(newest.cbegin(), newest.cend());
-  std::ranges::sort(plants, [](const Plant& left, const Plant& right) {
-    const int order = QString::localeAwareCompare(left.name, right.name);
+  // As the names of selections are, whatever the system's language is.
+  QCollator german{QLocale(QLocale::German)};
+  german.setNumericMode(true);
+  std::ranges::sort(plants, [&german](const Plant& left, const Plant& right) {
+    const int order = german.compare(left.name, right.name);
     return order != 0 ? order < 0 : left.id < right.id;
   });
   return plants;

@@ -169,7 +169,8 @@ class GuiTest : public testing::Test {
             {},
             safe,
             computer,
-            historyStore};
+            historyStore,
+            {}};
   }
 
   void Load(const RunSettings& run = {}) { desktop = std::make_unique<ui::Desktop>(World(), run); }

@@ -1,9 +1,11 @@
 // The window with the report of a visit for the customer.
 #include "ui/history/ServiceReportWindow.h"
 
+#include <QAction>
 #include <QBuffer>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTemporaryDir>
 
 #include "gui/GuiFixture.h"
 #include "ui/history/LetterPicture.h"
@@ -277,6 +279,77 @@ TEST_F(ServiceReportTest, HasItsPageOfTheManualComesBackAndGoesWithEscape) {
   Make();
   Open();
   EXPECT_EQ(window->geometry(), QRect(40, 30, 700, 500));
+}
+
+// What the program has of today.
+class ReportOfTodayTest : public GuiTest {
+ protected:
+  ReportOfTodayTest() { historyStore.file = folder_.filePath(u"Verlauf.sqlite"_s); }
+
+  // An entry of the selected controller, of today.
+  void Add(const history::Plant& plant, const QString& outcome) {
+    history::Store::Opened opened = history::Store::Open(historyStore, history::Access::Write);
+    history::Observation observation;
+    observation.entry.plant = plant.id;
+    observation.entry.outcome = outcome;
+    ASSERT_EQ(opened.store->Add(observation), QString());
+  }
+  history::Plant Described(const QString& name) {
+    history::Plant plant{{}, name, {}, {}};
+    EXPECT_EQ(history::Store::Open(historyStore, history::Access::Write).store->Describe(plant, {}),
+              QString());
+    return plant;
+  }
+  QString Shown() { return In<ui::PagesView>(*desktop->serviceReport, u"Preview"_s).accessibleDescription(); }
+
+ private:
+  QTemporaryDir folder_;
+};
+
+TEST_F(ReportOfTodayTest, IsAboutTheChosenPlant) {
+  const history::Plant north = Described(u"Kesselhaus Nord"_s);
+  Add(north, u"zuerst"_s);
+  Add(Described(u"Halle Süd"_s), u"anderswo"_s);
+  Add(north, u"danach"_s);
+  history::HistorySettings used;
+  used.plant = north.id;
+  history::SaveHistorySettings(used, settings);
+  Start();
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  ASSERT_TRUE(desktop->serviceReport->isVisible());
+  EXPECT_TRUE(Shown().contains(u"Kesselhaus Nord"_s));
+  EXPECT_LT(Shown().indexOf(u"zuerst"_s), Shown().indexOf(u"danach"_s));
+  EXPECT_TRUE(Shown().contains(u"zuerst"_s));
+  EXPECT_FALSE(Shown().contains(u"anderswo"_s));
+}
+
+TEST_F(ReportOfTodayTest, WithoutEntriesThereIsAReportAllTheSame) {
+  Start();
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  ASSERT_TRUE(desktop->serviceReport->isVisible());
+  EXPECT_TRUE(Shown().contains(u"Kein Eintrag gewählt."_s));
+}
+
+// Who changes the rest of the settings later must not put the old letterhead back.
+TEST_F(ReportOfTodayTest, TheLetterheadBelongsToTheSettingsThatTheProgramHas) {
+  Start();
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  In<QPlainTextEdit>(*desktop->serviceReport, u"Letterhead"_s).setPlainText(u"Muster GmbH"_s);
+  desktop->serviceReport->close();
+  history::HistorySettings used = desktop->recorder.Used();
+  EXPECT_EQ(used.letterhead, u"Muster GmbH"_s);
+  used.technician = u"Anna"_s;
+  desktop->UseHistory(used);
+  EXPECT_EQ(settings.values.value(u"Verlauf/Briefkopf"_s), u"Muster GmbH"_s);
+}
+
+TEST_F(ReportOfTodayTest, TakesNoInputWhileALineIsBusy) {
+  Start();
+  Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
+  ToBusy(desktop->core);
+  EXPECT_FALSE(desktop->serviceReport->isEnabled());
+  FromBusy(desktop->core);
+  EXPECT_TRUE(desktop->serviceReport->isEnabled());
 }
 
 TEST(LetterPicture, IsAsLargeAsThePrinterNeedsAndNoLarger) {

@@ -48,6 +48,19 @@ TEST_F(StoreTest, ChangesAreThoseSinceTheControllerWasLastSeen) {
   EXPECT_EQ(curve[1].value, -0.5);
 }
 
+TEST_F(StoreTest, PlantsStandInTheOrderOfTheGermanAlphabet) {
+  const auto store = Opened();
+  ASSERT_TRUE(store);
+  for (const QString& name : {u"Turnhalle"_s, u"Haus 10"_s, u"Ärztehaus"_s, u"Haus 2"_s}) {
+    Plant plant{{}, name, {}, {}};
+    ASSERT_EQ(store->Describe(plant, {}), QString());
+  }
+  QStringList names;
+  for (const Plant& plant : store->Plants())
+    names << plant.name;
+  EXPECT_EQ(names.join(u'|'), u"Ärztehaus|Haus 2|Haus 10|Turnhalle"_s);
+}
+
 TEST_F(StoreTest, APlantIsCalledAsItWasCalledLast) {
   const auto store = Opened();
   ASSERT_TRUE(store);

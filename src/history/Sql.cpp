@@ -2,6 +2,15 @@
 
 using namespace Qt::StringLiterals;
 
+#ifdef Q_OS_WIN
+// The toolkit's driver asks SQLite of which table a column is, which SQLite tells only where it was built for
+// that. It is not, and nobody here wants to know: the driver takes null for "none".
+struct sqlite3_stmt;
+extern "C" const void* sqlite3_column_table_name16(sqlite3_stmt* /*statement*/, int /*column*/) {
+  return nullptr;
+}
+#endif
+
 namespace kalivor::history {
 namespace {
 

@@ -43,7 +43,7 @@ class ServiceTemplate {
  public:
   static constexpr qsizetype kLargest_bytes = qsizetype{256} * 1024;
   static constexpr qsizetype kLongestPage = qsizetype{4} * 1024 * 1024;  ///< characters
-  static constexpr int kDeepest = 8;                                      ///< sections in each other
+  static constexpr int kDeepest = 8;                                     ///< sections in each other
 
   struct Parsed;
 

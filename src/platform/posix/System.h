@@ -34,7 +34,8 @@ inline constexpr QStringView kManual = u"../share/doc/kalivor/handbuch";
 /// The user's folder for what the program collects for the user. Nothing is made.
 [[nodiscard]] inline QString DataFolder() {
   const QString data = qEnvironmentVariable("XDG_DATA_HOME");
-  const QString folder = QDir::isAbsolutePath(data) ? data : QDir::homePath() + QStringLiteral("/.local/share");
+  const QString folder =
+      QDir::isAbsolutePath(data) ? data : QDir::homePath() + QStringLiteral("/.local/share");
   return folder + QStringLiteral("/KALIVOR");
 }
 

@@ -70,8 +70,17 @@ class CliTest : public testing::Test {
   int Run(const QStringList& arguments) {
     out.str({});
     err.str({});
-    World world{out, err, settings, files, line, clock, u"/programm"_s, ports, [this] { return interrupted; },
-                safe, historyStore};
+    World world{out,
+                err,
+                settings,
+                files,
+                line,
+                clock,
+                u"/programm"_s,
+                ports,
+                [this] { return interrupted; },
+                safe,
+                historyStore};
     return cli::Run(arguments, world);
   }
 

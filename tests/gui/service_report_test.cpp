@@ -323,15 +323,18 @@ TEST_F(ReportOfTodayTest, IsAboutTheChosenPlant) {
   EXPECT_FALSE(Shown().contains(u"anderswo"_s));
 }
 
-TEST_F(ReportOfTodayTest, WithoutEntriesThereIsAReportAllTheSame) {
+TEST_F(ReportOfTodayTest, WithoutEntriesTheWayToOthersIsTold) {
   Start();
   Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
-  ASSERT_TRUE(desktop->serviceReport->isVisible());
-  EXPECT_TRUE(Shown().contains(u"Kein Eintrag gewählt."_s));
+  EXPECT_EQ(desktop->serviceReport, nullptr);
+  const std::vector<FakeMessageBox::Box> shown = box.Take();
+  ASSERT_EQ(shown.size(), 1);
+  EXPECT_TRUE(shown[0].text.startsWith(u"Heute ist an der gewählten Anlage nichts aufgezeichnet."_s));
 }
 
 // Who changes the rest of the settings later must not put the old letterhead back.
 TEST_F(ReportOfTodayTest, TheLetterheadBelongsToTheSettingsThatTheProgramHas) {
+  Add({}, u"heute"_s);
   Start();
   Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
   In<QPlainTextEdit>(*desktop->serviceReport, u"Letterhead"_s).setPlainText(u"Muster GmbH"_s);
@@ -344,6 +347,7 @@ TEST_F(ReportOfTodayTest, TheLetterheadBelongsToTheSettingsThatTheProgramHas) {
 }
 
 TEST_F(ReportOfTodayTest, TakesNoInputWhileALineIsBusy) {
+  Add({}, u"heute"_s);
   Start();
   Main<QAction>(u"mnuWerkzeugeServiceprotokoll"_s).trigger();
   ToBusy(desktop->core);

@@ -139,7 +139,10 @@ class Years {
       table.SetNumber(index, left.number, ValueSource::Edited);
     }
     observation.table = std::make_shared<const ParameterTable>(table);
-    return store_->Add(std::move(observation)).isEmpty();
+    if (!store_->Add(std::move(observation)).isEmpty()) return false;
+    if (visit.remark.isEmpty()) return true;
+    const QUuid entry = store_->Entries().front().id;
+    return store_->AddRemark(entry, visit.remark.toString(), visit.technician.toString()).isEmpty();
   }
 
   [[nodiscard]] QDateTime TimeOf(const Visit& visit) const {
@@ -158,7 +161,6 @@ class Years {
     entry.kind = visit.kind;
     entry.outcome =
         visit.left.empty() ? u"%1 Werte"_s.arg(module_.ParCount - 1) : u"%1 geprüft"_s.arg(visit.left.size());
-    entry.remark = visit.remark.toString();
     if (history::ConcernsController(visit.kind)) entry.port = u"COM1"_s;
     return entry;
   }

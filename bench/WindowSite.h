@@ -24,8 +24,8 @@ class NoDialogs final : public platform::FileDialogs {
 };
 
 struct WindowSite {
-  /// Started and shown, with this many parameters.
-  explicit WindowSite(int parameters);
+  /// Started and shown, with this many parameters; "": without a history.
+  explicit WindowSite(int parameters, const QString& historyFile = {});
 
   /// Paints the main window now.
   void Repaint();

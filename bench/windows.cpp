@@ -7,9 +7,12 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <optional>
 
+#include "HistoryFile.h"
 #include "WindowSite.h"
 #include "core/Refresh.h"
+#include "history/CurvePicture.h"
 #include "print/painter/PdfPrint.h"
 
 namespace kalivor::bench {
@@ -280,6 +283,82 @@ void PreviewTurn(benchmark::State& state) {
   }
 }
 BENCHMARK(PreviewTurn);
+
+// The window with a history of this many entries. The file is the one of KALIVOR_BENCH_HISTORY, as
+// bench-history leaves it, because making it takes longer than all measurements; else a small one.
+struct HistorySite {
+  HistorySite() {
+    if (!qEnvironmentVariableIsSet("KALIVOR_BENCH_HISTORY")) AddHistory(file, kFewEntries);
+    site.emplace(kHistoryParameters, file);
+    Open();
+  }
+
+  void Open() const {
+    site->desktop->main.findChild<QAction*>(u"mnuWerkzeugeVerlauf"_s)->trigger();
+    QApplication::processEvents();
+  }
+
+  [[nodiscard]] QLineEdit& Search() const {
+    return *site->desktop->history->findChild<QLineEdit*>(u"search"_s);
+  }
+
+  static constexpr int kFewEntries = 100;
+  QTemporaryDir folder;
+  QString file = qEnvironmentVariable("KALIVOR_BENCH_HISTORY", folder.filePath(u"Verlauf.sqlite"_s));
+  std::optional<WindowSite> site;
+};
+
+// From the menu until the window is painted.
+void HistoryOpening(benchmark::State& state) {
+  const HistorySite history;
+  for (auto _ : state) {
+    state.PauseTiming();
+    history.site->desktop->history.reset();
+    state.ResumeTiming();
+    history.Open();
+  }
+}
+BENCHMARK(HistoryOpening)->Unit(benchmark::kMillisecond);
+
+// A letter that narrows the search, and taking it back.
+void HistoryTyping(benchmark::State& state) {
+  const HistorySite history;
+  history.Search().setText(u"heizwerk"_s);
+  QApplication::processEvents();
+  bool longer = true;
+  for (auto _ : state) {
+    history.Search().setText(longer ? u"heizwerk 1"_s : u"heizwerk"_s);
+    QApplication::processEvents();
+    longer = !longer;
+  }
+}
+BENCHMARK(HistoryTyping)->Unit(benchmark::kMillisecond);
+
+// The first letter makes the texts that are searched.
+void HistoryFirstLetter(benchmark::State& state) {
+  const HistorySite history;
+  for (auto _ : state) {
+    state.PauseTiming();
+    history.site->desktop->history.reset();
+    history.Open();
+    state.ResumeTiming();
+    history.Search().setText(u"h"_s);
+    QApplication::processEvents();
+  }
+}
+BENCHMARK(HistoryFirstLetter)->Unit(benchmark::kMillisecond);
+
+void CurveOfManyPoints(benchmark::State& state) {
+  history::Curve curve{u"Solltemperatur"_s, u"°C"_s, 1};
+  const QDateTime first(QDate(2020, 1, 1), QTime(0, 0));
+  for (int i = 0; i < state.range(0); ++i) {
+    const QDateTime time = first.addSecs(i * 3600LL);
+    curve.points.push_back({{}, time, time.toMSecsSinceEpoch(), i * 7919 % 1000 / 10.0});
+  }
+  for (auto _ : state)
+    benchmark::DoNotOptimize(history::CurvePicture(curve, {760, 360}, 5));
+}
+BENCHMARK(CurveOfManyPoints)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kalivor::bench

@@ -165,6 +165,7 @@ QLayout* TelegramsWindow::NewButtons() {
 }
 
 void TelegramsWindow::Open() {
+  StylePlaceholders(*this);
   ShowAboveOwner();
   if (tabs_->currentIndex() == 0) table_->setFocus();
 }

@@ -63,4 +63,18 @@ void StyleBox(QAbstractButton& box) {
   box.setPalette(palette);
 }
 
+void StylePlaceholders(QWidget& window) {
+  constexpr float kFaint = 0.55F;
+  for (QWidget* box : window.findChildren<QWidget*>()) {
+    if (box->property("placeholderText").toString().isEmpty()) continue;
+    QPalette own;
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+      QColor colour = window.palette().color(group, QPalette::Text);
+      if (group != QPalette::Disabled) colour.setAlphaF(kFaint);
+      own.setColor(group, QPalette::PlaceholderText, colour);
+    }
+    box->setPalette(own);
+  }
+}
+
 }  // namespace kalivor::ui

@@ -43,4 +43,8 @@ void SetRowHeight(QTableView& table, int air_px = kRowAir_px);
 /// window is shown.
 void StyleBox(QAbstractButton& box);
 
+/// Makes the words of the empty text boxes of a window readable: some colour schemes leave them as dark as
+/// their background. To be called whenever the window is shown.
+void StylePlaceholders(QWidget& window);
+
 }  // namespace kalivor::ui

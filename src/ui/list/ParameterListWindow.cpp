@@ -17,6 +17,7 @@
 #include "platform/qt/WindowPlacing.h"
 #include "ui/Resources.h"
 #include "ui/dialogs/Controls.h"
+#include "ui/list/CellStyle.h"
 #include "ui/list/SelectionMenu.h"
 #include "ui/main/StoredPlace.h"
 
@@ -65,6 +66,7 @@ ParameterListWindow::ParameterListWindow(ListWorld world)
   layout->addLayout(NewMarkRow());
   layout->addLayout(NewCountRow());
   OrderTabs();
+  StylePlaceholders(*this);
 
   model_.OnMark = [this](int index, bool checked) { Mark({index}, checked); };
   model_.OnEdit = [this](int index, const QString& text) {
@@ -102,7 +104,6 @@ QLayout* ParameterListWindow::NewSearchRow() {
   search_ = NewTextBox(this, u"search"_s, u"Suche"_s);
   search_->setPlaceholderText(u"Name, Gruppe, Variable, Hilfetext oder Adresse"_s);
   search_->setClearButtonEnabled(true);
-  ColourPlaceholder();
   search_->installEventFilter(this);
   connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
   search_->findChild<QToolButton*>()->setAccessibleName(u"Suche leeren"_s);
@@ -439,21 +440,10 @@ void ParameterListWindow::Store(platform::SettingsStore& settings) const {
   SaveColumns(*view_->horizontalHeader(), settings, u"ListeSpalten"_s);
 }
 
-// Some colour schemes leave the words of an empty field as dark as its background.
-void ParameterListWindow::ColourPlaceholder() {
-  QPalette own;
-  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-    QColor colour = palette().color(group, QPalette::Text);
-    if (group != QPalette::Disabled) colour.setAlphaF(0.55F);
-    own.setColor(group, QPalette::PlaceholderText, colour);
-  }
-  search_->setPalette(own);
-}
-
 // Who is disabled loses the keyboard.
 void ParameterListWindow::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && search_ != nullptr) ColourPlaceholder();
+  if (event->type() == QEvent::PaletteChange && search_ != nullptr) StylePlaceholders(*this);
   if (event->type() != QEvent::EnabledChange || !isEnabled() || focusWidget() != nullptr) return;
   (lastFocus_ ? lastFocus_.data() : view_)->setFocus();
 }

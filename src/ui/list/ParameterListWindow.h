@@ -92,7 +92,6 @@ class ParameterListWindow final : public QMainWindow {
   QMenu* NewSelectionMenu();
   QMenu* NewExportMenu();
   void OrderTabs();
-  void ColourPlaceholder();
 
   void Refresh();
   void ShowCounts();

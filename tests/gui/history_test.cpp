@@ -671,6 +671,18 @@ TEST_F(HistoryTest, EverythingHasANameAndATurn) {
     EXPECT_TRUE(seen.contains(&In<QWidget>(Window(), name))) << name.toStdString();
 }
 
+TEST_F(HistoryTest, HintsInEmptyBoxesCanBeReadOnDarkPaper) {
+  const QPalette before = QApplication::palette();
+  QPalette dark(QColor(42, 46, 50));
+  dark.setColor(QPalette::Text, Qt::white);
+  dark.setColor(QPalette::PlaceholderText, Qt::black);
+  QApplication::setPalette(dark);
+  Start();
+  Show();
+  EXPECT_EQ(Box(u"search"_s).palette().color(QPalette::PlaceholderText).lightness(), 255);
+  QApplication::setPalette(before);
+}
+
 TEST_F(HistoryTest, TheHelpKeyOpensItsPage) {
   Start();
   Show();

@@ -85,7 +85,7 @@ QWidget* EntryView::NewChangesSide() {
   header.setSortIndicatorClearable(true);
   header.setSortIndicator(-1, Qt::AscendingOrder);
   table_->setSortingEnabled(true);
-  constexpr int digits[] = {6, 14, 26, 12, 12, 12, 8, 16, 8, 8};
+  constexpr int digits[] = {5, 11, 24, 10, 9, 9, 8, 10, 8, 8};
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
   for (int column = 0; column <= Type; ++column)
     header.resizeSection(column, digits[column] * digit_px);

@@ -265,7 +265,7 @@ QWidget* HistoryWindow::NewEntriesSide() {
   table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  constexpr int digits[] = {19, 17, 16, 12, 11, 20, 10, 15};
+  constexpr int digits[] = {19, 17, 15, 12, 11, 18, 10, 14};
   for (int column = 0; column < EntriesModel::Columns; ++column)
     table_->horizontalHeader()->resizeSection(column, digits[column] * digit_px);
   connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { ShowEntry(); });
@@ -380,6 +380,7 @@ void HistoryWindow::Open() {
     connect(completer, qOverload<const QString&>(&QCompleter::activated), this, [this] { TakeParameter(); });
     parameter_->setCompleter(completer);
     StyleBox(*keeps_);
+    StylePlaceholders(*this);
     Reload();
   }
   ShowKeeping();

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace kalivor::ui {
 namespace {
 
-constexpr int kCharacters = 70;
+constexpr int kCharacters = 96;
 constexpr int kRows = 10;
 constexpr int kLongestName = 200;
 
@@ -45,8 +45,8 @@ PlantDialog::PlantDialog(platform::EventGuard guard)
   PrepareTable(*table_);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
   const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  table_->horizontalHeader()->resizeSection(0, 30 * digit_px);
-  table_->horizontalHeader()->resizeSection(1, 20 * digit_px);
+  table_->horizontalHeader()->resizeSection(0, 26 * digit_px);
+  table_->horizontalHeader()->resizeSection(1, 22 * digit_px);
   table_->setMinimumHeight((kRows + 1) * table_->verticalHeader()->defaultSectionSize());
   connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { ShowCommands(); });
   connect(table_, &QTableView::doubleClicked, this, [this] { Choose(); });
@@ -74,6 +74,7 @@ void PlantDialog::Ask(PlantQuestion question) {
       question_.plants, [this](const history::Plant& plant) { return plant.id == question_.proposed; });
   reason_->setText(question_.reason);
   search_->clear();
+  StylePlaceholders(*this);
   ShowPlants();
   FitToContent(*this, kCharacters);
   search_->setFocus();

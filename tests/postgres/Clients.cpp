@@ -64,27 +64,31 @@ CrowdOutcome RunCrowd(const PostgresServer& server, const Crowd& crowd, const QS
   };
   std::atomic<int> rounds = 0;
   std::atomic<int> cuts = 0;
-  ForEach(crowd.clients, [&](int client) {
-    QRandomGenerator random(static_cast<quint32>(crowd.seed * 1000 + static_cast<quint64>(client)));
-    CuttingProxy proxy(server.Port(), [&](int) { return random.bounded(crowd.longest_bytes); });
-    exchange(client, server.OverNetwork(proxy.Port()), rounds);
-    cuts += proxy.Cuts();
-  });
-  outcome.first_s = static_cast<double>(time.elapsed()) * kMillisecond_s;
+  const auto exchangeAll = [&](quint64 phase) {
+    ForEach(crowd.clients, [&](int client) {
+      QRandomGenerator random(
+          static_cast<quint32>(1000 * (2 * crowd.seed + phase) + static_cast<quint64>(client)));
+      CuttingProxy proxy(server.Port(), [&](int) { return random.bounded(crowd.longest_bytes); });
+      exchange(client, server.OverNetwork(proxy.Port()), rounds);
+      cuts += proxy.Cuts();
+    });
+    return static_cast<double>(time.elapsed()) * kMillisecond_s;
+  };
+  outcome.first_s = exchangeAll(0);
   // What the others have sent since.
-  ForEach(crowd.clients, [&](int client) { exchange(client, server.OverNetwork(server.Port()), rounds); });
-  outcome.all_s = static_cast<double>(time.elapsed()) * kMillisecond_s;
+  outcome.all_s = exchangeAll(1);
   outcome.rounds = rounds;
   outcome.cuts = cuts;
 
   const auto there = history::ServerStore::Open(server.AtSocket(), Always);
   outcome.difference += there.failure.text;
   if (there.store) outcome.difference += Difference(made, ContentsOf(*there.store));
-  for (int client = 0; client < crowd.clients; ++client) {
+  ForEach(crowd.clients, [&](int client) {
     const auto store = OpenHistory(file(client));
-    outcome.difference += Difference(made, ContentsOf(*store));
-    outcome.difference += store->Check().join(u'\n');
-  }
+    const QString difference = Difference(made, ContentsOf(*store)) + store->Check().join(u'\n');
+    const std::lock_guard lock(mutex);
+    outcome.difference += difference;
+  });
   return outcome;
 }
 

@@ -19,7 +19,7 @@ struct Crowd {
 struct CrowdOutcome {
   int cuts = 0;        ///< of connections
   int rounds = 0;      ///< begun exchanges, of all
-  double first_s = 0;  ///< until every client had sent all that it has, with cuts
+  double first_s = 0;  ///< until every client had sent all that it has
   double all_s = 0;    ///< until everybody had everything
   QString difference;  ///< between what was made and what clients and server have at the end; "" where there
                        ///< is none

@@ -74,7 +74,7 @@ Contents Read(Source& source, const std::function<void()>& check) {
   for (const history::TableDescription& table : history::Tables()) {
     if (!table.key.isEmpty()) continue;
     QHash<QByteArray, QByteArray>& digests = contents[table.name];
-    const std::vector<QByteArray> ids = source.Ids(table.name);
+    const std::vector<QByteArray> ids = IdsOf(source, table.name);
     check();
     for (std::size_t at = 0; at < ids.size(); at += kBatch) {
       const std::vector<QByteArray> some(
@@ -154,6 +154,20 @@ void FillHistory(Store& store, int entries, quint64 seed, int values) {
       ASSERT_EQ(store.Assign(entry, plant.id, u"Meier"_s), QString());
     }
   }
+}
+
+std::vector<QByteArray> IdsOf(Store& store, QStringView table) {
+  return store.Ids(table);
+}
+
+std::vector<QByteArray> IdsOf(history::ServerStore& store, QStringView table) {
+  std::vector<QByteArray> ids;
+  std::vector<QByteArray> more;
+  do {
+    more = store.IdsAfter(table, ids.empty() ? QByteArray() : ids.back());
+    ids.insert(ids.end(), more.begin(), more.end());
+  } while (!more.empty());
+  return ids;
 }
 
 Contents ContentsOf(Store& store) {

@@ -18,6 +18,10 @@ namespace kalivor::test {
 /// The same seed makes the same, but for ids and times. Some sets are the same for every seed.
 void FillHistory(history::Store& store, int entries, quint64 seed, int values = 20);
 
+/// All ids of a table, in order.
+[[nodiscard]] std::vector<QByteArray> IdsOf(history::Store& store, QStringView table);
+[[nodiscard]] std::vector<QByteArray> IdsOf(history::ServerStore& store, QStringView table);
+
 /// What tables hold: for each table and id a digest of the row (of an entry with its changes). Of sets the id
 /// alone, as it says what the set is, but not how it is stored.
 using Contents = QHash<QStringView, QHash<QByteArray, QByteArray>>;

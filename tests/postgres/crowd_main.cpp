@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   const QCoreApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments();
-  constexpr int kLongest_bytes = 20'000'000;
+  constexpr int kLongest_bytes = 5'000'000;
   const test::Crowd crowd{Option(arguments, u"--clients"_s, 20), Option(arguments, u"--entries"_s, 10'000),
                           static_cast<quint64>(Option(arguments, u"--seed"_s, 1)),
                           Option(arguments, u"--bytes"_s, kLongest_bytes)};

@@ -37,7 +37,7 @@ TEST_F(ServerStoreTest, IsPreparedOnceAndSaysWhatComesNext) {
   const Preparation second = PrepareServer(Local(), Always);
   EXPECT_FALSE(second.failure) << second.failure.text.toStdString();
   EXPECT_NE(second.text, first.text);
-  EXPECT_EQ(store.store->Ids(u"plant"), history->Ids(u"plant"));
+  EXPECT_EQ(test::IdsOf(*store.store, u"plant"), history->Ids(u"plant"));
 }
 
 TEST_F(ServerStoreTest, IsRefusedWhereThereIsNoneOrOneOfAnotherVersion) {
@@ -106,7 +106,7 @@ TEST_F(ServerStoreTest, OfSeveralTablesAllRowsAreAddedOrNone) {
   opened.store->Import(
       {history->Rows(u"plant", history->Ids(u"plant")), history->Rows(u"entry", history->Ids(u"entry"))});
   EXPECT_EQ(opened.store->Failure().kind, ServerFailure::Other);
-  EXPECT_TRUE(opened.store->Ids(u"plant").empty());
+  EXPECT_TRUE(test::IdsOf(*opened.store, u"plant").empty());
   EXPECT_FALSE(opened.store->Failure());
 }
 

@@ -166,11 +166,17 @@ ServerRows ServerStore::Run(const QByteArray& statement, const std::vector<QByte
   return rows;
 }
 
-std::vector<QByteArray> ServerStore::Ids(QStringView table) {
+std::vector<QByteArray> ServerStore::IdsAfter(QStringView table, const QByteArray& after) {
   const TableDescription& description = TableNamed(table);
+  const Column& first = description.columns.front();
+  const QString behind =
+      after.isEmpty() ? QString()
+                      : u"WHERE %1 > $1::%2"_s.arg(first.name, QString::fromUtf8(ServerType(first.type)));
   const ServerRows rows =
-      Run(u"SELECT DISTINCT %1 FROM %2 ORDER BY %1"_s.arg(description.columns.front().name, description.name)
-              .toUtf8());
+      Run(u"SELECT DISTINCT %1 FROM %2 %3 ORDER BY %1 LIMIT %4"_s.arg(first.name, description.name, behind)
+              .arg(kIdsTogether)
+              .toUtf8(),
+          after.isEmpty() ? std::vector<QByteArray>() : std::vector<QByteArray>{after});
   std::vector<QByteArray> ids;
   ids.reserve(static_cast<std::size_t>(rows.Count()));
   for (int row = 0; row < rows.Count(); ++row)

@@ -39,8 +39,11 @@ class ServerStore {
 
   // Each leaves why it did not work in Failure(), and returns nothing then.
 
-  /// Of all rows, in order, each once.
-  [[nodiscard]] std::vector<QByteArray> Ids(QStringView table);
+  /// So many ids at once: few enough for a connection that does not last.
+  static constexpr int kIdsTogether = 10'000;
+
+  /// The next kIdsTogether behind `after` (empty: from the beginning), in order, each once; fewer at the end.
+  [[nodiscard]] std::vector<QByteArray> IdsAfter(QStringView table, const QByteArray& after);
 
   /// Those with these ids, by key; ids that are not there have none.
   [[nodiscard]] TableRows Rows(QStringView table, const std::vector<QByteArray>& ids);

@@ -79,7 +79,14 @@ class ThereSide final : public Side {
   }
 
   std::vector<QByteArray> Ids(QStringView table) override {
-    return Again([table](ServerStore& store) { return store.Ids(table); });
+    std::vector<QByteArray> ids;
+    while (true) {
+      const QByteArray last = ids.empty() ? QByteArray() : ids.back();
+      const std::vector<QByteArray> more =
+          Again([&](ServerStore& store) { return store.IdsAfter(table, last); });
+      ids.insert(ids.end(), more.begin(), more.end());
+      if (more.size() < ServerStore::kIdsTogether) return ids;
+    }
   }
   TableRows Rows(QStringView table, const std::vector<QByteArray>& ids) override {
     return Again([&](ServerStore& store) { return store.Rows(table, ids); });

@@ -13,7 +13,7 @@ enum class ColumnType { Id, Number, Text, Bytes };
 
 struct Column {
   QStringView name;
-  ColumnType type;
+  ColumnType type = ColumnType::Text;
   QStringView constraint = u"NOT NULL";  ///< in words of SQL that both understand
 
   [[nodiscard]] bool MayBeNull() const { return !constraint.startsWith(u"NOT NULL"); }

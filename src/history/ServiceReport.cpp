@@ -104,6 +104,7 @@ QString TimeText(const Stamp& stamp) {
 // Which controller it was is said only where there are several.
 std::vector<TemplateRow> ChangeRows(const ServiceEntry& entry, bool several) {
   std::vector<TemplateRow> rows;
+  rows.reserve(entry.changes.size());
   for (const Change& change : entry.changes) {
     rows.push_back(
         {{TimeText(entry.entry.stamp), KindText(entry.entry.kind),
@@ -115,6 +116,7 @@ std::vector<TemplateRow> ChangeRows(const ServiceEntry& entry, bool several) {
 
 std::vector<TemplateRow> RemarkRows(const std::vector<Remark>& remarks) {
   std::vector<TemplateRow> rows;
+  rows.reserve(remarks.size());
   for (const Remark& remark : remarks)
     rows.push_back({{TimeText(remark.stamp), remark.stamp.technician, remark.text}});
   return rows;

@@ -187,6 +187,7 @@ QString Store::Add(const Observation& observation) {
       const QByteArray image = ValueFileImage(*observation.table, entry.version);
       const std::vector<KnownSet> known = KnownSets(adding, entry);
       std::vector<QByteArray> sets;
+      sets.reserve(known.size());
       for (const KnownSet& each : known)
         sets.push_back(each.set);
       changes = ChangesOf(adding.Database(), observation, image, known);
@@ -201,7 +202,7 @@ QString Store::Add(const Observation& observation) {
 
 QString Store::Describe(Plant& plant, const QString& technician) {
   QUuid id = plant.id;
-  const QString failure = Adding([&](Transaction& adding) {
+  QString failure = Adding([&](Transaction& adding) {
     const Stamp stamp = NextStamp(adding, world_.now(), technician);
     if (id.isNull()) id = NewId(stamp.moment_ms);
     KnowPlant(adding, id, origin_, stamp);
@@ -371,7 +372,7 @@ QString Store::Import(const std::vector<TableRows>& tables) {
       if (!fault.isEmpty()) return u"Eine Zeile ist beschädigt und wird nicht übernommen: "_s + fault;
     }
   QString wrongSet;
-  const QString failure = Adding([&](Transaction& adding) {
+  QString failure = Adding([&](Transaction& adding) {
     // A set may come before the one that it differs from.
     adding.Do(u"PRAGMA defer_foreign_keys = ON"_s);
     for (const TableRows& rows : tables)

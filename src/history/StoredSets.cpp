@@ -79,7 +79,7 @@ std::optional<QByteArray> StoredImage(const QSqlDatabase& database, const QByteA
 
 QByteArray AddSet(Transaction& adding, const QByteArray& image, const std::vector<QByteArray>& alike,
                   const QString& version) {
-  const QByteArray id = SetId(image);
+  QByteArray id = SetId(image);
   bool isThere = false;
   adding.Ask(u"SELECT 1 FROM value_set WHERE id = ?"_s, {id}, [&](const Statement&) { isThere = true; });
   if (isThere || !adding.Works()) return id;

@@ -140,7 +140,7 @@ Preparation PrepareServer(const QString& server, const GoOn& goOn) {
 
 ServerStore::ServerStore(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
-ServerStore::Opened ServerStore::Open(const QString& server, GoOn goOn) {
+ServerStore::Opened ServerStore::Open(const QString& server, const GoOn& goOn) {
   Connection::Opened opened = Connect(server, goOn);
   if (opened.failure) return {nullptr, std::move(opened.failure)};
   const ServerRows version = opened.connection->Run(kVersion);

@@ -35,7 +35,7 @@ class ServerStore {
   };
 
   /// Refuses a server with tables of another version.
-  [[nodiscard]] static Opened Open(const QString& server, GoOn goOn);
+  [[nodiscard]] static Opened Open(const QString& server, const GoOn& goOn);
 
   // Each leaves why it did not work in Failure(), and returns nothing then.
 

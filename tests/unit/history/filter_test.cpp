@@ -62,7 +62,7 @@ TEST_F(FilterTest, PlantKindAndTechnician) {
   EXPECT_FALSE(Passes({.kind = DeedKind::Sent}));
   EXPECT_TRUE(Passes({.technician = u"MEIER"_s}));
   EXPECT_FALSE(Passes({.technician = u"Mei"_s}));
-  entry.plant = {};
+  entry.plant = QUuid();
   EXPECT_TRUE(Passes({.plant = QUuid()}));
 }
 

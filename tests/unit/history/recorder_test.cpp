@@ -97,7 +97,7 @@ TEST_F(RecorderTest, BeforeTheFirstDeedThereIsNoFile) {
 }
 
 TEST_F(RecorderTest, AnEntrySaysWhoDidWhatWhere) {
-  settings.plant = {};
+  settings.plant = QUuid();
   CommandEmpfangen_Click(core);
   const Entry entry = Newest();
   EXPECT_EQ(entry.kind, DeedKind::Received);

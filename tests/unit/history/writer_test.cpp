@@ -160,6 +160,8 @@ TEST_F(WriterTest, DropsWhatCanNeverBeAdded) {
       Told()[0].startsWith(u"Der Verlauf kann nicht geschrieben werden: Der Eintrag passt nicht dazu"_s));
 }
 
+#ifndef Q_OS_WIN
+// Windows does not let anybody remove a file that is open.
 TEST_F(WriterTest, BeginsAnewWhereTheFileIsRemoved) {
   const auto writer = Begin();
   writer->Add(Received(1));
@@ -170,6 +172,7 @@ TEST_F(WriterTest, BeginsAnewWhereTheFileIsRemoved) {
   ASSERT_TRUE(writer->Settle(kLong_ms));
   EXPECT_EQ(Count(), 1u);
 }
+#endif
 
 TEST_F(WriterTest, SaysThatTheFileIsOfANewerProgramAndKeepsNothingForIt) {
   (void)Opened();

@@ -4,7 +4,9 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QHeaderView>
 #include <QPlainTextEdit>
+#include <QSplitter>
 #include <QTableView>
 #include <QTemporaryDir>
 
@@ -256,6 +258,24 @@ TEST_F(HistoryTest, EachFilterShowsItsOwn) {
   EXPECT_EQ(times(), u"02"_s);
   Box(u"parameter"_s).clear();
   EXPECT_EQ(times(), u"04 03 02 01"_s);
+}
+
+TEST_F(HistoryTest, AFilterByParameterFindsWhatIsAddedLater) {
+  AddSome();
+  Start();
+  Show();
+  Box(u"parameter"_s).setText(u"n"_s);
+  QTest::keyClick(&Box(u"parameter"_s), Qt::Key_Return);
+  EXPECT_EQ(Entries().model()->rowCount(), 1);
+  const history::Plant plant = AddPlant(u"Turm"_s);
+  Observation later = Observed(DeedKind::Received, 1500, 1000);
+  later.entry.plant = plant.id;
+  Add(later);
+  later = Observed(DeedKind::SentSafely, 1800, 1000);
+  later.entry.plant = plant.id;
+  Add(later);
+  Window().Update();
+  EXPECT_EQ(Entries().model()->rowCount(), 2);
 }
 
 TEST_F(HistoryTest, WhatIsNoDateIsSaidAndFiltersNothing) {
@@ -629,6 +649,39 @@ TEST_F(HistoryTest, ItRemembersItsPlaceAndItsColumns) {
   Show();
   EXPECT_EQ(Window().size(), size);
   EXPECT_EQ(Entries().columnWidth(0), 123);
+}
+
+TEST_F(HistoryTest, ItRemembersHowItsPartsShareTheRoom) {
+  AddSome();
+  Start();
+  Show();
+  for (const QString& name : {u"sides"_s, u"halves"_s, u"entrySides"_s}) {
+    auto& splitter = In<QSplitter>(Window(), name);
+    const int all = splitter.sizes()[0] + splitter.sizes()[1];
+    splitter.setSizes({all / 2, all - all / 2});
+  }
+  const QList<int> sides = In<QSplitter>(Window(), u"sides"_s).sizes();
+  Window().reject();
+  desktop.reset();
+  Start();
+  Show();
+  EXPECT_EQ(In<QSplitter>(Window(), u"sides"_s).sizes(), sides);
+  for (const QString& name : {u"VerlaufBreiten"_s, u"VerlaufHoehen"_s, u"VerlaufWerteBreiten"_s})
+    EXPECT_EQ(settings.values.value(name).split(u' ').size(), 2) << name.toStdString();
+}
+
+TEST_F(HistoryTest, RowsAreAsHighAsTheFontWants) {
+  AddSome();
+  Start();
+  Show();
+  const int before = Entries().rowHeight(0);
+  QFont font = Window().font();
+  font.setPointSizeF(2 * font.pointSizeF());
+  Window().setFont(font);
+  for (QTableView* table : {&Entries(), &Plants(), &Changes()})
+    EXPECT_GE(table->verticalHeader()->defaultSectionSize(), table->fontMetrics().height())
+        << table->objectName().toStdString();
+  EXPECT_GT(Entries().rowHeight(0), before * 3 / 2);
 }
 
 TEST_F(HistoryTest, EverythingHasANameAndATurn) {

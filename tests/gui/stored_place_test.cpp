@@ -1,4 +1,4 @@
-// The places of the added windows and the columns of their tables among the settings.
+// The places of the added windows, their parts and the columns of their tables among the settings.
 #include "ui/main/StoredPlace.h"
 
 #include <QScreen>
@@ -133,6 +133,37 @@ TEST(StoredColumns, NoColumnGetsTooNarrowToBeTakenHoldOf) {
   Columns columns;
   columns.Load(u"0:1 1:1440 2:1440 3:1440"_s);
   EXPECT_GE(columns.header.sectionSize(0), columns.header.minimumSectionSize());
+}
+
+struct Parted {
+  Parted() {
+    for (int part = 0; part < 2; ++part)
+      splitter.addWidget(new QWidget);
+    splitter.resize(400 + splitter.handleWidth(), 100);
+    splitter.setSizes({300, 100});
+  }
+  QSplitter splitter;
+};
+
+TEST(StoredParts, AreSharedAsBefore) {
+  MemorySettings settings;
+  Parted before;
+  ui::SaveParts(before.splitter, settings, kKey);
+  Parted next;
+  next.splitter.setSizes({200, 200});
+  ui::LoadParts(next.splitter, settings, kKey);
+  EXPECT_EQ(next.splitter.sizes(), (QList<int>{300, 100}));
+}
+
+TEST(StoredParts, WhatCannotBeReadChangesNothing) {
+  for (const QString& text :
+       {QString(), u"x"_s, u"1"_s, u"1 2 3"_s, u"0 4000"_s, u"-5 100"_s, u"1 99999999999"_s}) {
+    MemorySettings settings;
+    settings.values[kKey] = text;
+    Parted parted;
+    ui::LoadParts(parted.splitter, settings, kKey);
+    EXPECT_EQ(parted.splitter.sizes(), (QList<int>{300, 100})) << text.toStdString();
+  }
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "ui/dialogs/Controls.h"
 
 #include <QEvent>
+#include <QScreen>
+#include <QToolButton>
 
 #include "ui/Resources.h"
 
@@ -43,6 +45,12 @@ QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool
   return label;
 }
 
+QLabel* NewCaption(QWidget* parent, const QString& caption, QWidget* field) {
+  auto* label = Named(new QLabel(caption, parent), field->objectName() + u"Label"_s);
+  label->setBuddy(field);
+  return label;
+}
+
 QLabel* NewLargeLabel(QWidget* parent, const QString& name, const QString& text, double factor) {
   QLabel* label = NewLabel(parent, name, text);
   QFont font = label->font();
@@ -62,6 +70,15 @@ QLabel* NewPicture(QWidget* parent, const QString& name, int size, const QString
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName) {
   auto* box = Named(new QLineEdit(parent), name);
   box->setAccessibleName(accessibleName);
+  return box;
+}
+
+QLineEdit* NewSearchBox(QWidget* parent, const QString& name, const QString& accessibleName,
+                        const QString& placeholder) {
+  QLineEdit* box = NewTextBox(parent, name, accessibleName);
+  box->setPlaceholderText(placeholder);
+  box->setClearButtonEnabled(true);
+  box->findChild<QToolButton*>()->setAccessibleName(accessibleName + u" leeren"_s);
   return box;
 }
 
@@ -109,6 +126,11 @@ void SetTabOrder(std::initializer_list<QWidget*> order) {
 
 int Air(const QWidget& dialog) {
   return dialog.fontMetrics().height() / 2;
+}
+
+void ResizeOnScreen(QWidget& window, const QSize& wanted) {
+  constexpr double kMost = 0.9;
+  window.resize(wanted.boundedTo(window.screen()->availableSize() * kMost));
 }
 
 void FitToContent(QDialog& dialog, int characters) {

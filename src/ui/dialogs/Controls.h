@@ -22,6 +22,9 @@ Widget* Named(Widget* widget, const QString& name) {
 /// A label for texts that are not ours: no markup, no access keys. `wraps` lets it have several lines.
 QLabel* NewLabel(QWidget* parent, const QString& name, const QString& text, bool wraps = false);
 
+/// A label whose access key leads to `field`, and whose name is the field's with "Label" behind it.
+QLabel* NewCaption(QWidget* parent, const QString& caption, QWidget* field);
+
 /// A bold label, `factor` times as large as others.
 QLabel* NewLargeLabel(QWidget* parent, const QString& name, const QString& text, double factor);
 
@@ -30,6 +33,10 @@ QLabel* NewPicture(QWidget* parent, const QString& name, int size, const QString
 
 /// A text box with the name that screen readers say.
 QLineEdit* NewTextBox(QWidget* parent, const QString& name, const QString& accessibleName);
+
+/// A text box that says what can be found with it while it is empty, and is emptied by a click.
+QLineEdit* NewSearchBox(QWidget* parent, const QString& name, const QString& accessibleName,
+                        const QString& placeholder);
 
 /// A text box that shows and cannot be typed into. It has the background of the window, so that it looks so.
 QLineEdit* NewReadOnlyBox(QWidget* parent, const QString& name, const QString& accessibleName);
@@ -57,6 +64,9 @@ void SetTabOrder(std::initializer_list<QWidget*> order);
 
 /// Half a line of air, in device-independent pixels, to set a part of a dialog apart.
 int Air(const QWidget& dialog);
+
+/// Makes a window as large as its content wants to be, and no larger than most of the screen.
+void ResizeOnScreen(QWidget& window, const QSize& wanted);
 
 /// Makes the dialog as small as its present texts allow, and as wide as `characters` characters at least.
 void FitToContent(QDialog& dialog, int characters);

@@ -147,8 +147,8 @@ void FindingsWindow::BuildTable() {
   table_ = Named(new QTableView(this), u"Findings"_s);
   table_->setAccessibleName(u"Befunde"_s);
   table_->setModel(sorted_);
-  table_->setItemDelegate(new FindingsDelegate(table_));
   PrepareTable(*table_);
+  table_->setItemDelegate(new FindingsDelegate(table_));
   table_->setWordWrap(true);
   QHeaderView* columns = table_->horizontalHeader();
   columns->setSortIndicatorClearable(true);

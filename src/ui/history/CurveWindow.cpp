@@ -2,7 +2,6 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -15,7 +14,6 @@ namespace kalivor::ui {
 namespace {
 
 constexpr QSizeF kFirstSize(760, 360);
-constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"KurvePlatz"_s;
@@ -111,7 +109,7 @@ CurveWindow::CurveWindow(CurveSurroundings surroundings)
   layout->addWidget(view_, 1);
   layout->addLayout(row);
   SetTabOrder({view_, show_, save, close});
-  resize(sizeHint().boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, sizeHint());
   LoadPlace(*this, surroundings_.settings, PlaceKey());
 }
 

@@ -2,7 +2,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QSplitter>
 #include <QVBoxLayout>
 
 #include "core/ParameterTypes.h"
@@ -24,6 +23,11 @@ constexpr int kLongestRemark = 2000;
 
 const QString& ColumnsKey() {
   static const QString key = u"VerlaufWerteSpalten"_s;
+  return key;
+}
+
+const QString& WidthsKey() {
+  static const QString key = u"VerlaufWerteBreiten"_s;
   return key;
 }
 
@@ -49,24 +53,23 @@ EntryView::EntryView(platform::EventGuard guard, QWidget* parent)
     : QWidget(parent),
       guard_(std::move(guard)),
       head_(NewTextLabel(this, u"entryHead"_s)),
-      more_(NewTextLabel(this, u"entryMore"_s)) {
+      more_(NewTextLabel(this, u"entryMore"_s)),
+      sides_(Named(new QSplitter(this), u"entrySides"_s)) {
   setObjectName(u"entry"_s);
   QFont bold = head_->font();
   bold.setBold(true);
   head_->setFont(bold);
   changesTable_.Show(history::ChangesTable({}, {}, {}, {}));
-  auto* sides = Named(new QSplitter(this), u"entrySides"_s);
-  sides->addWidget(NewChangesSide());
-  sides->addWidget(NewRemarksSide());
-  sides->setStretchFactor(0, 3);
-  sides->setStretchFactor(1, 1);
-  sides->setChildrenCollapsible(false);
-  sides_ = sides;
+  sides_->addWidget(NewChangesSide());
+  sides_->addWidget(NewRemarksSide());
+  sides_->setStretchFactor(0, 3);
+  sides_->setStretchFactor(1, 1);
+  sides_->setChildrenCollapsible(false);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, Air(*parent), 0, 0);
   layout->addWidget(head_);
   layout->addWidget(more_);
-  layout->addWidget(sides, 1);
+  layout->addWidget(sides_, 1);
   layout->addStretch();
 }
 
@@ -78,17 +81,13 @@ QWidget* EntryView::NewChangesSide() {
   sorted_.setSortRole(Qt::UserRole);
   sorted_.setSortLocaleAware(true);
   table_->setModel(&sorted_);
-  table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
   QHeaderView& header = *table_->horizontalHeader();
   header.setSortIndicatorClearable(true);
   header.setSortIndicator(-1, Qt::AscendingOrder);
   table_->setSortingEnabled(true);
-  constexpr int digits[] = {5, 11, 24, 10, 9, 9, 8, 10, 8, 8};
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  for (int column = 0; column <= Type; ++column)
-    header.resizeSection(column, digits[column] * digit_px);
+  SetColumnWidths(*table_, {5, 11, 24, 10, 9, 9, 8, 10, 8, 8});
   // They tell the elements of an array apart, for who exports the table.
   table_->setColumnHidden(Address, true);
   table_->setColumnHidden(Type, true);
@@ -122,8 +121,6 @@ QWidget* EntryView::NewRemarksSide() {
   remark_->setMaxLength(kLongestRemark);
   connect(remark_, &QLineEdit::textChanged, this, [this] { ShowCommands(); });
   connect(remark_, &QLineEdit::returnPressed, this, [this] { AddRemark(); });
-  auto* label = Named(new QLabel(u"Be&merkung:"_s, side), u"remarkLabel"_s);
-  label->setBuddy(remark_);
   addRemark_ = NewButton(side, u"addRemark"_s, u"Hin&zufügen"_s);
   connect(addRemark_, &QPushButton::clicked, this, [this] { AddRemark(); });
   assign_ = NewButton(side, u"assign"_s, u"Anlag&e zuordnen…"_s);
@@ -134,7 +131,7 @@ QWidget* EntryView::NewRemarksSide() {
     });
   });
   auto* row = new QHBoxLayout;
-  row->addWidget(label);
+  row->addWidget(NewCaption(side, u"Be&merkung:"_s, remark_));
   row->addWidget(remark_, 1);
   row->addWidget(addRemark_);
   auto* last = new QHBoxLayout;
@@ -211,15 +208,12 @@ void EntryView::AddRemark() {
 
 void EntryView::Load(const platform::SettingsStore& settings) {
   LoadColumns(*table_->horizontalHeader(), settings, ColumnsKey());
+  LoadParts(*sides_, settings, WidthsKey());
 }
 
 void EntryView::Store(platform::SettingsStore& settings) const {
   SaveColumns(*table_->horizontalHeader(), settings, ColumnsKey());
-}
-
-void EntryView::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && table_ != nullptr) SetRowHeight(*table_);
+  SaveParts(*sides_, settings, WidthsKey());
 }
 
 bool EntryView::eventFilter(QObject* watched, QEvent* event) {

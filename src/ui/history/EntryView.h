@@ -6,6 +6,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
+#include <QSplitter>
 #include <QTableView>
 #include <functional>
 #include <optional>
@@ -17,7 +18,8 @@
 
 namespace kalivor::ui {
 
-/// Keeps the columns of its table in the settings, under "VerlaufWerteSpalten".
+/// Keeps the columns of its table and its two sides in the settings, under "VerlaufWerteSpalten" and
+/// "VerlaufWerteBreiten".
 class EntryView final : public QWidget {
  public:
   explicit EntryView(platform::EventGuard guard, QWidget* parent = nullptr);
@@ -39,7 +41,6 @@ class EntryView final : public QWidget {
   void Store(platform::SettingsStore& settings) const;
 
  protected:
-  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -56,7 +57,7 @@ class EntryView final : public QWidget {
   QSortFilterProxyModel sorted_;
   QLabel* head_;
   QLabel* more_;
-  QWidget* sides_;
+  QSplitter* sides_;
   QTableView* table_ = nullptr;
   QPushButton* curve_ = nullptr;
   QPlainTextEdit* remarks_ = nullptr;

@@ -2,25 +2,15 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QCompleter>
-#include <QDir>
 #include <QHeaderView>
 #include <QMenu>
-#include <QScreen>
-#include <QScrollBar>
 #include <QShortcut>
-#include <QStringListModel>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
-#include "core/ParameterList.h"
-#include "history/DateText.h"
 #include "history/EntryBackup.h"
-#include "history/Proposal.h"
 #include "history/Tables.h"
-#include "platform/qt/ShownText.h"
 #include "ui/dialogs/Controls.h"
 #include "ui/list/CellStyle.h"
 #include "ui/main/StoredPlace.h"
@@ -33,8 +23,6 @@ namespace {
 // The size of the first time: so many characters and lines; no more than most of the screen.
 constexpr int kWidth_digits = 165;
 constexpr int kHeight_lines = 44;
-constexpr double kMostOfScreen = 0.9;
-constexpr int kDate_digits = 13;
 
 const QString& PlaceKey() {
   static const QString key = u"VerlaufPlatz"_s;
@@ -46,6 +34,16 @@ const QString& ColumnsKey() {
   return key;
 }
 
+const QString& WidthsKey() {
+  static const QString key = u"VerlaufBreiten"_s;
+  return key;
+}
+
+const QString& HeightsKey() {
+  static const QString key = u"VerlaufHoehen"_s;
+  return key;
+}
+
 // "1 Eintrag", "12 Einträge"
 QString EntriesCount(qsizetype count) {
   return count == 1 ? u"1 Eintrag"_s : u"%1 Einträge"_s.arg(count);
@@ -53,12 +51,6 @@ QString EntriesCount(qsizetype count) {
 
 QString NameWithPlace(const history::Plant& plant) {
   return plant.place.isEmpty() ? plant.name : plant.name + u", "_s + plant.place;
-}
-
-// What stands in the box for all there are.
-const QString& All() {
-  static const QString text = u"alle"_s;
-  return text;
 }
 
 }  // namespace
@@ -75,14 +67,16 @@ HistoryWindow::HistoryWindow(HistorySurroundings surroundings)
   plantDialog_.SetOwner(*this);
   plantForm_.SetOwner(*this);
   plantForm_.OnDescribe = [this](const history::Plant& plant) { Describe(plant); };
-  plantsTable_.Show({{}, {u"Anlage"_s, u"Ort"_s, u"Einträge"_s}, {}});
+  keeping_ = NewKeeping();
+  plants_ = NewPlants();
+  filters_ = NewFilters();
   sides_ = Named(new QSplitter(this), u"sides"_s);
-  sides_->addWidget(NewPlantsSide());
+  sides_->addWidget(plants_);
   sides_->addWidget(NewEntriesSide());
   sides_->setStretchFactor(1, 1);
   sides_->setChildrenCollapsible(false);
   auto* layout = new QVBoxLayout(this);
-  layout->addLayout(NewKeeping());
+  layout->addWidget(keeping_);
   layout->addSpacing(Air(*this));
   layout->addWidget(sides_, 1);
   layout->addSpacing(Air(*this));
@@ -91,170 +85,60 @@ HistoryWindow::HistoryWindow(HistorySurroundings surroundings)
   for (QPushButton* button : findChildren<QPushButton*>())
     button->setAutoDefault(false);
   OrderTabs();
-  const QSize wanted(fontMetrics().horizontalAdvance(u'0') * kWidth_digits,
-                     fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
-  const int plants_px = plantsView_->horizontalHeader()->length() +
-                        plantsView_->verticalScrollBar()->sizeHint().width() + 2 * plantsView_->frameWidth();
-  sides_->setSizes({plants_px, width() - plants_px});
+  ResizeOnScreen(*this, {fontMetrics().horizontalAdvance(u'0') * kWidth_digits,
+                         fontMetrics().lineSpacing() * kHeight_lines});
+  sides_->setSizes({plants_->WantedWidth(), width() - plants_->WantedWidth()});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
+  LoadParts(*sides_, surroundings_.settings, WidthsKey());
+  LoadParts(*halves_, surroundings_.settings, HeightsKey());
   entry_->Load(surroundings_.settings);
 }
 
 // --- what it is made of ---
 
+// A transfer is not to be disturbed.
+platform::EventGuard HistoryWindow::WhenReady() const {
+  return [this](const std::function<void()>& handler) {
+    if (surroundings_.core.module.BusyDepth == 0) surroundings_.guard(handler);
+  };
+}
+
 QPushButton* HistoryWindow::NewCommand(const QString& name, const QString& caption,
                                        const std::function<void()>& command) {
   QPushButton* button = NewButton(this, name, caption);
-  connect(button, &QPushButton::clicked, this, [this, command] {
-    surroundings_.guard([&] {
-      if (surroundings_.core.module.BusyDepth == 0) command();
-    });
-  });
+  connect(button, &QPushButton::clicked, this, [guard = WhenReady(), command] { guard(command); });
   return button;
 }
 
-QLineEdit* HistoryWindow::NewFilterBox(const QString& name, const QString& accessibleName,
-                                       const QString& placeholder) {
-  QLineEdit* box = NewTextBox(this, name, accessibleName);
-  box->setPlaceholderText(placeholder);
-  box->setClearButtonEnabled(true);
-  box->findChild<QToolButton*>()->setAccessibleName(accessibleName + u" leeren"_s);
-  return box;
-}
-
-QLayout* HistoryWindow::NewKeeping() {
-  about_ = NewLabel(this, u"about"_s, QString(), true);
-  keeps_ = Named(new QCheckBox(u"Verlauf &führen"_s, this), u"keeps"_s);
-  connect(keeps_, &QCheckBox::clicked, this, [this](bool keeps) {
-    surroundings_.guard([&] { Change([keeps](history::HistorySettings& used) { used.keeps = keeps; }); });
-  });
-  keeping_ = new QWidget(this);
-  auto* plantLabel = NewLabel(this, u"plantLabel"_s, u"Anlage:"_s);
-  plant_ = Named(new platform::ElidedLabel(this), u"plant"_s);
-  QPushButton* choose = NewCommand(u"choosePlant"_s, u"Anlage &wählen…"_s, [this] { ChoosePlant(); });
-  technician_ = NewTextBox(this, u"technician"_s, u"Techniker"_s);
-  technician_->setPlaceholderText(u"Name, wenn er im Verlauf stehen soll"_s);
-  connect(technician_, &QLineEdit::editingFinished, this, [this] {
-    surroundings_.guard([this] {
-      const QString name = technician_->text().trimmed();
-      if (name != surroundings_.used().technician)
-        Change([&name](history::HistorySettings& used) { used.technician = name; });
-    });
-  });
-  auto* technicianLabel = Named(new QLabel(u"&Techniker:"_s, this), u"technicianLabel"_s);
-  technicianLabel->setBuddy(technician_);
-  auto* row = new QHBoxLayout(keeping_);
-  row->setContentsMargins({});
-  row->addWidget(plantLabel);
-  row->addWidget(plant_, 1);
-  row->addWidget(choose);
-  row->addSpacing(2 * Air(*this));
-  row->addWidget(technicianLabel);
-  row->addWidget(technician_, 1);
-  auto* first = new QHBoxLayout;
-  first->addWidget(keeps_);
-  first->addSpacing(2 * Air(*this));
-  first->addWidget(keeping_, 1);
-  first->addStretch();
-  doubt_ = NewLabel(this, u"doubt"_s, QString(), true);
-  auto* layout = new QVBoxLayout;
-  layout->addWidget(about_);
-  layout->addLayout(first);
-  layout->addWidget(doubt_);
-  return layout;
-}
-
-QWidget* HistoryWindow::NewPlantsSide() {
-  auto* side = new QWidget;
-  plantSearch_ = NewFilterBox(u"plantSearch"_s, u"Anlagen suchen"_s, u"Name oder Ort"_s);
-  connect(plantSearch_, &QLineEdit::textChanged, this, [this] { ShowPlants(); });
-  auto* label = Named(new QLabel(u"An&lagen:"_s, this), u"plantSearchLabel"_s);
-  label->setBuddy(plantSearch_);
-  auto* top = new QHBoxLayout;
-  top->addWidget(label);
-  top->addWidget(plantSearch_, 1);
-  plantsView_ = Named(new QTableView(side), u"plants"_s);
-  plantsView_->setAccessibleName(u"Anlagen"_s);
-  plantsView_->setModel(&plantsTable_);
-  plantsView_->setItemDelegate(new CellDelegate(plantsView_));
-  PrepareTable(*plantsView_);
-  plantsView_->setSelectionMode(QAbstractItemView::SingleSelection);
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  constexpr int digits[] = {19, 10, 9};
-  for (int column = 0; column < 3; ++column)
-    plantsView_->horizontalHeader()->resizeSection(column, digits[column] * digit_px);
-  plantsView_->setMinimumWidth(24 * digit_px);
-  connect(plantsView_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          [this] { TakeFilter(); });
-  newPlant_ = NewCommand(u"newPlant"_s, u"&Neue Anlage…"_s, [this] { AskForNewPlant({}, {}); });
-  changePlant_ = NewCommand(u"changePlant"_s, u"Än&dern…"_s, [this] {
-    const auto plant =
-        std::ranges::find(entries_.Plants(), filter_.plant.value_or(QUuid()), &history::Plant::id);
-    if (plant != entries_.Plants().end()) plantForm_.Ask(*plant, entries_.Plants());
-  });
-  auto* row = new QHBoxLayout;
-  row->addWidget(newPlant_);
-  row->addWidget(changePlant_);
-  row->addStretch();
-  auto* layout = new QVBoxLayout(side);
-  layout->setContentsMargins({});
-  layout->addLayout(top);
-  layout->addWidget(plantsView_, 1);
-  layout->addLayout(row);
-  return side;
-}
-
-QLayout* HistoryWindow::NewFilterRows() {
-  const auto labelled = [this](QHBoxLayout* row, const QString& caption, QWidget* widget, int stretch) {
-    auto* label = Named(new QLabel(caption, this), widget->objectName() + u"Label"_s);
-    label->setBuddy(widget);
-    row->addWidget(label);
-    row->addWidget(widget, stretch);
+KeepingBar* HistoryWindow::NewKeeping() {
+  auto* keeping = new KeepingBar(surroundings_.guard, this);
+  keeping->OnKeep = [this](bool keeps) {
+    Change([keeps](history::HistorySettings& used) { used.keeps = keeps; });
   };
-  search_ = NewFilterBox(u"search"_s, u"Suche"_s, u"Ergebnis, Bemerkung, Version, PC …"_s);
-  connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
-  connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, search_, [this] {
-    search_->setFocus(Qt::ShortcutFocusReason);
-    search_->selectAll();
-  });
-  parameter_ = NewFilterBox(u"parameter"_s, u"Parameter"_s, u"Name oder Variable"_s);
-  connect(parameter_, &QLineEdit::editingFinished, this, [this] { TakeParameter(); });
-  connect(parameter_, &QLineEdit::textChanged, this, [this](const QString& text) {
-    if (text.isEmpty()) TakeParameter();
-  });
-  kind_ = Named(new QComboBox(this), u"kind"_s);
-  kind_->setAccessibleName(u"Art"_s);
-  kind_->addItem(All());
-  for (const DeedKind kind : history::kKinds)
-    kind_->addItem(history::KindText(kind));
-  connect(kind_, &QComboBox::currentIndexChanged, this, [this] { TakeFilter(); });
-  technicians_ = Named(new QComboBox(this), u"technicians"_s);
-  technicians_->setAccessibleName(u"Techniker der Einträge"_s);
-  technicians_->addItem(All());
-  technicians_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  technicians_->setMinimumContentsLength(14);
-  connect(technicians_, &QComboBox::currentIndexChanged, this, [this] { TakeFilter(); });
-  from_ = NewFilterBox(u"from"_s, u"von"_s, u"TT.MM.JJJJ"_s);
-  to_ = NewFilterBox(u"to"_s, u"bis"_s, u"TT.MM.JJJJ"_s);
-  for (QLineEdit* box : {from_, to_}) {
-    box->setToolTip(u"Ein Tag, ein Monat (3.2026) oder ein Jahr (2026)"_s);
-    box->setMinimumWidth(fontMetrics().horizontalAdvance(u'0') * kDate_digits);
-    connect(box, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
-  }
-  auto* first = new QHBoxLayout;
-  labelled(first, u"Suc&he:"_s, search_, 3);
-  labelled(first, u"&Parameter:"_s, parameter_, 2);
-  auto* second = new QHBoxLayout;
-  labelled(second, u"&Art:"_s, kind_, 0);
-  labelled(second, u"Technike&r:"_s, technicians_, 1);
-  labelled(second, u"&von:"_s, from_, 0);
-  labelled(second, u"&bis:"_s, to_, 0);
-  auto* rows = new QVBoxLayout;
-  rows->addLayout(first);
-  rows->addLayout(second);
-  return rows;
+  keeping->OnTechnician = [this](const QString& name) {
+    if (name != surroundings_.used().technician)
+      Change([&name](history::HistorySettings& used) { used.technician = name; });
+  };
+  keeping->OnChoosePlant = [this] { ChoosePlant(); };
+  return keeping;
+}
+
+PlantsView* HistoryWindow::NewPlants() {
+  auto* plants = new PlantsView(WhenReady());
+  plants->OnChoose = [this] { TakeFilter(); };
+  plants->OnNew = [this] { AskForNewPlant({}, {}); };
+  plants->OnChange = [this](const history::Plant& plant) { plantForm_.Ask(plant, entries_.Plants()); };
+  return plants;
+}
+
+EntryFilterBar* HistoryWindow::NewFilters() {
+  auto* filters = new EntryFilterBar(surroundings_.guard);
+  filters->EntriesWith = [this](const QString& parameter) {
+    return store_ ? store_->EntriesWith(parameter) : std::vector<QUuid>();
+  };
+  filters->OnChange = [this] { TakeFilter(); };
+  return filters;
 }
 
 QWidget* HistoryWindow::NewEntriesSide() {
@@ -262,12 +146,8 @@ QWidget* HistoryWindow::NewEntriesSide() {
   table_ = Named(new QTableView(upper), u"entries"_s);
   table_->setAccessibleName(u"Einträge"_s);
   table_->setModel(&entries_);
-  table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  constexpr int digits[] = {19, 17, 15, 12, 11, 18, 10, 14};
-  for (int column = 0; column < EntriesModel::Columns; ++column)
-    table_->horizontalHeader()->resizeSection(column, digits[column] * digit_px);
+  SetColumnWidths(*table_, {19, 17, 15, 12, 11, 18, 10, 14});
   connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { ShowEntry(); });
   connect(table_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { ShowCommands(); });
   connect(new QShortcut(QKeySequence::Copy, table_, nullptr, nullptr, Qt::WidgetShortcut),
@@ -275,7 +155,7 @@ QWidget* HistoryWindow::NewEntriesSide() {
   count_ = NewLabel(this, u"count"_s, QString(), true);
   auto* layout = new QVBoxLayout(upper);
   layout->setContentsMargins({});
-  layout->addLayout(NewFilterRows());
+  layout->addWidget(filters_);
   layout->addWidget(table_, 1);
   layout->addWidget(count_);
 
@@ -312,12 +192,9 @@ QLayout* HistoryWindow::NewCommandRow() {
   report_->setVisible(static_cast<bool>(surroundings_.report));
   export_ = NewButton(this, u"export"_s, u"A&usgeben"_s);
   auto* menu = Named(new QMenu(export_), u"exportWhat"_s);
-  const auto whenReady = [this](const std::function<void()>& handler) {
-    if (surroundings_.core.module.BusyDepth == 0) surroundings_.guard(handler);
-  };
   const auto add = [&](const QString& name, const QString& caption, const std::function<ListTable()>& table) {
     QMenu* exports = NewExportMenu(
-        menu, surroundings_.exports, whenReady, [this, table] { Copy(table()); }, table);
+        menu, surroundings_.exports, WhenReady(), [this, table] { Copy(table()); }, table);
     exports->setObjectName(name);
     exports->setTitle(caption);
     menu->addMenu(exports);
@@ -337,35 +214,13 @@ QLayout* HistoryWindow::NewCommandRow() {
   return row;
 }
 
+// Each part has put its own in order.
 void HistoryWindow::OrderTabs() {
   const auto in = [this](const QString& name) { return findChild<QWidget*>(name); };
-  SetTabOrder({keeps_,
-               in(u"choosePlant"_s),
-               technician_,
-               plantSearch_,
-               plantsView_,
-               newPlant_,
-               changePlant_,
-               search_,
-               parameter_,
-               kind_,
-               technicians_,
-               from_,
-               to_,
-               table_,
-               in(u"changes"_s),
-               in(u"curve"_s),
-               in(u"remarks"_s),
-               in(u"remark"_s),
-               in(u"addRemark"_s),
-               in(u"assign"_s),
-               compare_,
-               save_,
-               restore_,
-               report_,
-               export_,
-               synchronize_,
-               close_});
+  SetTabOrder({in(u"technician"_s), in(u"plantSearch"_s)});
+  SetTabOrder({in(u"changePlant"_s), in(u"search"_s)});
+  SetTabOrder({in(u"to"_s), table_, in(u"changes"_s)});
+  SetTabOrder({in(u"assign"_s), compare_, save_, restore_, report_, export_, synchronize_, close_});
 }
 
 // --- opening and reading ---
@@ -373,19 +228,13 @@ void HistoryWindow::OrderTabs() {
 void HistoryWindow::Open() {
   const bool first = !isVisible();
   if (first) {
-    parameter_->setCompleter(nullptr);
-    auto* completer = new QCompleter(ParameterNames(), parameter_);
-    completer->setCaseSensitivity(Qt::CaseInsensitive);
-    completer->setFilterMode(Qt::MatchContains);
-    connect(completer, qOverload<const QString&>(&QCompleter::activated), this, [this] { TakeParameter(); });
-    parameter_->setCompleter(completer);
-    StyleBox(*keeps_);
+    filters_->OfferParameters(ParameterNames());
     StylePlaceholders(*this);
     Reload();
   }
   ShowKeeping();
   ShowAboveOwner();
-  if (first) (entries_.All().empty() ? static_cast<QWidget*>(keeps_) : table_)->setFocus();
+  if (first) (entries_.All().empty() ? static_cast<QWidget*>(keeping_) : table_)->setFocus();
 }
 
 bool HistoryWindow::OpenStore() {
@@ -409,8 +258,9 @@ void HistoryWindow::Reload() {
     entries_.SetContent({}, {}, {});
   }
   shownEntry_ = QUuid();
-  ShowTechnicians();
-  ShowPlants();
+  filters_->OfferTechnicians(entries_.All());
+  filters_->FindParameter();
+  plants_->Show(entries_.Plants(), entries_.All());
   GoTo(current);
   ShowKeeping();
 }
@@ -432,27 +282,11 @@ void HistoryWindow::Update() {
 }
 
 void HistoryWindow::ShowKeeping() {
-  const history::HistorySettings used = surroundings_.used();
-  const bool possible = !surroundings_.place.file.isEmpty();
-  keeps_->setEnabled(possible);
-  keeps_->setChecked(used.keeps && possible);
-  keeping_->setVisible(used.keeps);
-  if (!technician_->hasFocus()) technician_->setText(used.technician);
-  const auto plant = std::ranges::find(entries_.Plants(), used.plant, &history::Plant::id);
-  plant_->ShowText(plant == entries_.Plants().end() ? u"keine gewählt"_s : NameWithPlace(*plant));
-  QString about = unreadable_;
-  if (about.isEmpty() && !used.keeps) {
-    about =
-        u"Der Verlauf wird nicht geführt. Eingeschaltet hält er fest, wann welche Werte empfangen, gesendet, "
-        "verglichen, geladen, gespeichert oder zurückgesetzt wurden, an welcher Anlage, von wem und an "
-        "welchem PC. Er steht in %1."_s.arg(QDir::toNativeSeparators(surroundings_.place.file));
-  }
-  about_->setText(about);
-  about_->setVisible(!about.isEmpty());
-  QString doubt;
-  if (used.keeps) (void)ProposedPlant(doubt);
-  doubt_->setText(doubt);
-  doubt_->setVisible(!doubt.isEmpty());
+  Keeping keeping{surroundings_.used(), surroundings_.place.file, unreadable_, {}, {}};
+  const auto plant = std::ranges::find(entries_.Plants(), keeping.used.plant, &history::Plant::id);
+  if (plant != entries_.Plants().end()) keeping.plant = NameWithPlace(*plant);
+  if (keeping.used.keeps) (void)ProposedPlant(keeping.doubt);
+  keeping_->Show(keeping);
 }
 
 QUuid HistoryWindow::ProposedPlant(QString& doubt) {
@@ -469,56 +303,6 @@ QUuid HistoryWindow::ProposedPlant(QString& doubt) {
   return history::ProposedPlant(seen, known);
 }
 
-void HistoryWindow::ShowTechnicians() {
-  QStringList names;
-  for (const history::Entry& entry : entries_.All())
-    if (!entry.stamp.technician.isEmpty() && (names.isEmpty() || names.back() != entry.stamp.technician))
-      names << entry.stamp.technician;
-  names.removeDuplicates();
-  names.sort(Qt::CaseInsensitive);
-  const QString chosen = technicians_->currentText();
-  const QSignalBlocker quiet(technicians_);
-  technicians_->clear();
-  technicians_->addItem(All());
-  technicians_->addItems(names);
-  technicians_->setCurrentIndex(std::max(0, technicians_->findText(chosen)));
-}
-
-void HistoryWindow::ShowPlants() {
-  QHash<QUuid, int> counts;
-  for (const history::Entry& entry : entries_.All())
-    ++counts[entry.plant];
-  const QStringList words = SearchWords(plantSearch_->text());
-  ListTable table{{}, plantsTable_.Table().titles, {}};
-  std::vector<std::optional<QUuid>> rows;
-  const auto add = [&](std::optional<QUuid> id, const QString& name, const QString& place, qsizetype count) {
-    rows.push_back(id);
-    table.rows.push_back({{name}, {place}, {QString::number(count), true}});
-  };
-  if (words.isEmpty()) {
-    add(std::nullopt, u"Alle Anlagen"_s, {}, static_cast<qsizetype>(entries_.All().size()));
-    add(QUuid(), u"Ohne Anlage"_s, {}, counts.value(QUuid()));
-  }
-  for (const history::Plant& plant : entries_.Plants()) {
-    const QString text = Folded(plant.name + u'\n' + plant.place + u'\n' + plant.remark);
-    if (std::ranges::all_of(words, [&](const QString& word) { return text.contains(word); }))
-      add(plant.id, plant.name, plant.place, counts.value(plant.id));
-  }
-  const auto at = std::ranges::find(rows, filter_.plant);
-  const auto row = at == rows.end() ? 0 : static_cast<int>(at - rows.begin());
-  plantsByRow_ = std::move(rows);
-  {
-    const QSignalBlocker quiet(plantsView_->selectionModel());
-    plantsTable_.Show(std::move(table));
-    plantsView_->selectionModel()->reset();
-  }
-  if (plantsByRow_.empty()) {
-    TakeFilter();
-  } else {
-    plantsView_->setCurrentIndex(plantsTable_.index(row, 0));
-  }
-}
-
 // --- filters ---
 
 QStringList HistoryWindow::ParameterNames() const {
@@ -531,38 +315,11 @@ QStringList HistoryWindow::ParameterNames() const {
   return names;
 }
 
-void HistoryWindow::TakeParameter() {
-  surroundings_.guard([this] {
-    QString name = parameter_->text().trimmed();
-    const QStringList known = ParameterNames();
-    const auto same = [&name](const QString& each) { return each.compare(name, Qt::CaseInsensitive) == 0; };
-    if (const auto at = std::ranges::find_if(known, same); at != known.end()) name = *at;
-    filter_.entries.reset();
-    if (!name.isEmpty() && store_) {
-      const std::vector<QUuid> entries = store_->EntriesWith(name);
-      filter_.entries = QSet<QUuid>(entries.begin(), entries.end());
-    }
-    TakeFilter();
-  });
-}
-
 void HistoryWindow::TakeFilter() {
   const QUuid before = shownEntry_;
-  const int plantRow = plantsView_->currentIndex().row();
-  filter_.plant = plantRow >= 0 ? plantsByRow_[static_cast<std::size_t>(plantRow)] : std::nullopt;
-  filter_.kind =
-      kind_->currentIndex() > 0 ? std::optional(history::kKinds[kind_->currentIndex() - 1]) : std::nullopt;
-  filter_.technician = technicians_->currentIndex() > 0 ? technicians_->currentText() : QString();
-  filter_.words = SearchWords(search_->text());
-  wrongDate_.clear();
-  const auto days = [this](const QLineEdit& box) {
-    const std::optional<history::Days> understood = history::DaysOf(box.text());
-    if (!understood) wrongDate_ = box.text();
-    return understood.value_or(history::Days());
-  };
-  filter_.from = days(*from_).first;
-  filter_.to = days(*to_).last;
-  entries_.SetFilter(filter_);
+  history::EntryFilter filter = filters_->Filter();
+  filter.plant = plants_->Chosen();
+  entries_.SetFilter(std::move(filter));
   GoTo(before);
 }
 
@@ -587,8 +344,8 @@ void HistoryWindow::ShowCount() {
     text = u"%1 von %2"_s.arg(QString::number(entries_.rowCount()),
                               all == 1 ? u"1 Eintrag"_s : u"%1 Einträgen"_s.arg(all));
   }
-  if (!wrongDate_.isEmpty())
-    text += u" · „%1“ ist kein Datum: TT.MM.JJJJ, MM.JJJJ oder JJJJ"_s.arg(wrongDate_);
+  if (const QString wrong = filters_->WrongDate(); !wrong.isEmpty())
+    text += u" · „%1“ ist kein Datum: TT.MM.JJJJ, MM.JJJJ oder JJJJ"_s.arg(wrong);
   count_->setText(text);
 }
 
@@ -627,7 +384,6 @@ void HistoryWindow::ShowCommands() {
     button->setEnabled(hasValues);
   report_->setEnabled(entry != nullptr);
   export_->setEnabled(entry != nullptr);
-  changePlant_->setEnabled(filter_.plant && !filter_.plant->isNull());
 }
 
 void HistoryWindow::CompareEntry() {
@@ -707,10 +463,8 @@ void HistoryWindow::ShowCurve(const history::Change& change) {
 
 ListTable HistoryWindow::EntriesTable() const {
   ListTable table = entries_.Table();
-  const int row = plantsView_->currentIndex().row();
-  const QString plant =
-      row < 0 ? QString() : plantsTable_.Table().rows[static_cast<std::size_t>(row)][0].text;
-  table.heading = {u"Verlauf: "_s + plant, u"Stand: "_s + QDate::currentDate().toString(u"dd.MM.yyyy"_s)};
+  table.heading = {u"Verlauf: "_s + plants_->ChosenName(),
+                   u"Stand: "_s + QDate::currentDate().toString(u"dd.MM.yyyy"_s)};
   return table;
 }
 
@@ -795,16 +549,10 @@ void HistoryWindow::AssignTo(const std::vector<history::Entry>& entries, const Q
 void HistoryWindow::hideEvent(QHideEvent* event) {
   SavePlace(*this, surroundings_.settings, PlaceKey());
   SaveColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
+  SaveParts(*sides_, surroundings_.settings, WidthsKey());
+  SaveParts(*halves_, surroundings_.settings, HeightsKey());
   entry_->Store(surroundings_.settings);
   Form::hideEvent(event);
-}
-
-void HistoryWindow::changeEvent(QEvent* event) {
-  Form::changeEvent(event);
-  if (event->type() == QEvent::FontChange) {
-    for (QTableView* table : {table_, plantsView_})
-      if (table != nullptr) SetRowHeight(*table);
-  }
 }
 
 }  // namespace kalivor::ui

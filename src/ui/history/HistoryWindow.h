@@ -1,10 +1,7 @@
 // What was done with which controller, when, and what it changed.
 #pragma once
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QSplitter>
 #include <QTableView>
@@ -17,13 +14,16 @@
 #include "core/Core.h"
 #include "core/ValueSets.h"
 #include "history/HistorySettings.h"
+#include "history/Proposal.h"
 #include "history/ServiceReport.h"
 #include "history/Store.h"
 #include "history/Writer.h"
-#include "platform/qt/ElidedLabel.h"
 #include "ui/history/CurveWindow.h"
+#include "ui/history/EntryFilterBar.h"
 #include "ui/history/EntryView.h"
+#include "ui/history/KeepingBar.h"
 #include "ui/history/PlantDialog.h"
+#include "ui/history/PlantsView.h"
 #include "ui/list/ExportMenu.h"
 
 namespace kalivor::ui {
@@ -51,7 +51,7 @@ struct HistorySurroundings {
 };
 
 /// Reads the history with a connection of its own while it is open. Keeps its place and columns in the
-/// settings, under "VerlaufPlatz", "VerlaufSpalten" and "VerlaufWerteSpalten".
+/// settings, under "VerlaufPlatz", "VerlaufSpalten", "VerlaufBreiten" and "VerlaufHoehen".
 class HistoryWindow final : public Form {
  public:
   explicit HistoryWindow(HistorySurroundings surroundings);
@@ -70,30 +70,26 @@ class HistoryWindow final : public Form {
 
  protected:
   void hideEvent(QHideEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
-  [[nodiscard]] QLayout* NewKeeping();
-  [[nodiscard]] QWidget* NewPlantsSide();
+  [[nodiscard]] platform::EventGuard WhenReady() const;
+  [[nodiscard]] KeepingBar* NewKeeping();
+  [[nodiscard]] PlantsView* NewPlants();
+  [[nodiscard]] EntryFilterBar* NewFilters();
   [[nodiscard]] QWidget* NewEntriesSide();
-  [[nodiscard]] QLayout* NewFilterRows();
   [[nodiscard]] QLayout* NewCommandRow();
   QPushButton* NewCommand(const QString& name, const QString& caption, const std::function<void()>& command);
-  QLineEdit* NewFilterBox(const QString& name, const QString& accessibleName, const QString& placeholder);
   void OrderTabs();
 
   // What is read.
   void Reload();
   [[nodiscard]] bool OpenStore();
   void ShowKeeping();
-  void ShowTechnicians();
-  void ShowPlants();
   void TakeFilter();
   void ShowCount();
   void ShowEntry();
   void ShowCommands();
   [[nodiscard]] QStringList ParameterNames() const;
-  void TakeParameter();
 
   [[nodiscard]] const history::Entry* Current() const;
   [[nodiscard]] std::vector<history::Entry> Chosen() const;
@@ -123,35 +119,18 @@ class HistoryWindow final : public Form {
   qint64 generation_ = -1;  // of the store that is shown
   bool waits_ = false;      // until the writer has come so far
   QUuid shownEntry_;
-  std::vector<std::optional<QUuid>> plantsByRow_;  // nothing: all
-  history::EntryFilter filter_;
-  QString wrongDate_;
   std::function<void(const QUuid& plant)> withPlant_;  // what the plant that is being described is for
 
   EntriesModel entries_;
-  ListTableModel plantsTable_;
   CurveWindow curve_;
   PlantDialog plantDialog_;
   PlantForm plantForm_;
 
-  QLabel* about_ = nullptr;
-  QCheckBox* keeps_ = nullptr;
-  QWidget* keeping_ = nullptr;  // plant and technician
-  platform::ElidedLabel* plant_ = nullptr;
-  QLineEdit* technician_ = nullptr;
-  QLabel* doubt_ = nullptr;
+  KeepingBar* keeping_ = nullptr;
+  PlantsView* plants_ = nullptr;
+  EntryFilterBar* filters_ = nullptr;
   QSplitter* sides_ = nullptr;
   QSplitter* halves_ = nullptr;
-  QLineEdit* plantSearch_ = nullptr;
-  QTableView* plantsView_ = nullptr;
-  QPushButton* newPlant_ = nullptr;
-  QPushButton* changePlant_ = nullptr;
-  QLineEdit* search_ = nullptr;
-  QLineEdit* parameter_ = nullptr;
-  QComboBox* kind_ = nullptr;
-  QComboBox* technicians_ = nullptr;
-  QLineEdit* from_ = nullptr;
-  QLineEdit* to_ = nullptr;
   QTableView* table_ = nullptr;
   QLabel* count_ = nullptr;
   EntryView* entry_ = nullptr;

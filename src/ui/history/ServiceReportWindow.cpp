@@ -3,7 +3,6 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMenu>
-#include <QScreen>
 #include <QShortcut>
 #include <algorithm>
 #include <utility>
@@ -24,7 +23,6 @@ constexpr int kWidth_characters = 150;
 constexpr int kFields_characters = 46;
 constexpr int kHeight_lines = 44;
 constexpr int kLinesOfText = 6;
-constexpr double kMostOfScreen = 0.9;
 constexpr int kRest_ms = 300;
 
 const QString& PlaceKey() {
@@ -45,12 +43,6 @@ QPlainTextEdit* NewTextField(QWidget* parent, const QString& name, const QString
   field->setMinimumHeight(field->fontMetrics().lineSpacing() * 3);
   field->setMaximumHeight(field->fontMetrics().lineSpacing() * kLinesOfText + 2 * field->frameWidth() + 8);
   return field;
-}
-
-QLabel* NewBuddy(QWidget* parent, const QString& caption, QWidget* field) {
-  auto* label = new QLabel(caption, parent);
-  label->setBuddy(field);
-  return label;
 }
 
 QString FolderOf(QString path) {
@@ -87,9 +79,8 @@ ServiceReportWindow::ServiceReportWindow(ServiceReportSurroundings surroundings)
     connect(field, &QPlainTextEdit::textChanged, this, &ServiceReportWindow::UpdateSoon);
   rest_.setSingleShot(true);
   connect(&rest_, &QTimer::timeout, this, [this] { surroundings_.guard([this] { Update(); }); });
-  const QSize wanted(fontMetrics().averageCharWidth() * kWidth_characters,
-                     fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {fontMetrics().averageCharWidth() * kWidth_characters,
+                         fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
 }
 
@@ -108,7 +99,7 @@ QWidget* ServiceReportWindow::NewFields() {
   auto* layout = new QVBoxLayout(fields);
   layout->setContentsMargins(0, 0, 0, 0);
   const auto add = [&](const QString& caption, QWidget* field) {
-    layout->addWidget(NewBuddy(fields, caption, field));
+    layout->addWidget(NewCaption(fields, caption, field));
     layout->addWidget(field);
   };
   add(u"&Titel"_s, title_);

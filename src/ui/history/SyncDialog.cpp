@@ -54,8 +54,7 @@ SyncDialog::SyncDialog(SyncWork work, const platform::EventGuard& guard)
   bar_->setAccessibleName(u"Fortschritt"_s);
   // Errors of a server are to be copied.
   result_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  auto* label = new QLabel(u"&Server:"_s, this);
-  label->setBuddy(server_);
+  QLabel* label = NewCaption(this, u"&Server:"_s, server_);
   auto* top = new QHBoxLayout;
   top->addWidget(label);
   top->addWidget(server_, 1);

@@ -44,8 +44,7 @@ BindingDialog::BindingDialog(platform::PortDirectory& ports, const platform::Eve
   setModal(true);
   for (int number = 1; number <= platform::kLargestPortNumber; ++number)
     number_->addItem(u"COM%1"_s.arg(number));
-  auto* label = new QLabel(u"N&ummer:"_s, this);
-  label->setBuddy(number_);
+  QLabel* label = NewCaption(this, u"N&ummer:"_s, number_);
   auto* top = new QHBoxLayout;
   top->addWidget(label);
   top->addWidget(number_);

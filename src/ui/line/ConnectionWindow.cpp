@@ -2,8 +2,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QScreen>
-#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 
@@ -28,7 +26,6 @@ constexpr int kLook_ms = 500;
 
 // The size of the first time.
 constexpr int kHeight_lines = 36;
-constexpr double kMostOfScreen = 0.9;
 
 enum AnswerColumn { Port, Rate, Address, Version, Known, Echo, Milliseconds, PlantType, AnswerColumns };
 constexpr QStringView kAnswerTitles[] = {u"Schnittstelle", u"Rate", u"Adresse",       u"Version",
@@ -60,16 +57,10 @@ class LineDelegate final : public CellDelegate {
 
 // What both tables have in common.
 void Prepare(QTableView& table, const QString& columns) {
-  table.setItemDelegate(new LineDelegate(&table));
   PrepareTable(table);
+  table.setItemDelegate(new LineDelegate(&table));
   table.setSelectionMode(QAbstractItemView::SingleSelection);
   table.horizontalHeader()->setObjectName(columns);
-}
-
-void SetWidths(QTableView& table, std::initializer_list<int> digits) {
-  int column = 0;
-  for (const int width : digits)
-    table.setColumnWidth(column++, width * table.fontMetrics().horizontalAdvance(u'0'));
 }
 
 QStringList TextsOf(const PortEntry& port, const FoundController& found) {
@@ -144,7 +135,7 @@ void ConnectionWindow::BuildPorts() {
   ports_->setAccessibleName(u"Schnittstellen"_s);
   ports_->setModel(&model_);
   ports_->installEventFilter(this);
-  SetWidths(*ports_, {9, 8, 22, 34, 16, 18, 16});
+  SetColumnWidths(*ports_, {9, 8, 22, 34, 16, 18, 16});
   LoadColumns(*ports_->horizontalHeader(), surroundings_.settings, kPortsKey.toString());
   connect(ports_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { ShowPort(); });
   connect(&model_, &QAbstractItemModel::dataChanged, this, [this] {
@@ -163,7 +154,7 @@ void ConnectionWindow::BuildAnswers() {
     item->setTextAlignment(Aligned(column));
     answersTable_->setHorizontalHeaderItem(column, item);
   }
-  SetWidths(*answersTable_, {30, 9, 10, 14, 12, 8, 16, 20});
+  SetColumnWidths(*answersTable_, {30, 9, 10, 14, 12, 8, 16, 20});
   LoadColumns(*answersTable_->horizontalHeader(), surroundings_.settings, kAnswersKey.toString());
   connect(answersTable_, &QTableWidget::itemSelectionChanged, this, [this] { ShowCommands(); });
   findings_->setAccessibleName(u"Befunde"_s);
@@ -198,10 +189,8 @@ void ConnectionWindow::BuildLayout() {
   layout->addWidget(findings_, 2);
   layout->addLayout(buttons);
   const QMargins margins = layout->contentsMargins();
-  const int width = ports_->horizontalHeader()->length() + ports_->verticalScrollBar()->sizeHint().width() +
-                    2 * ports_->frameWidth() + margins.left() + margins.right();
-  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {WholeWidth(*ports_) + margins.left() + margins.right(),
+                         fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, kPlaceKey.toString());
 }
 

@@ -1,6 +1,5 @@
 #include "ui/line/DiagnosisWindow.h"
 
-#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QTextBrowser>
@@ -19,7 +18,6 @@ namespace {
 
 constexpr int kWidth_characters = 135;
 constexpr int kHeight_lines = 36;
-constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"DiagnosePlatz"_s;
@@ -132,9 +130,8 @@ DiagnosisWindow::DiagnosisWindow(DiagnosisSurroundings surroundings)
     connect(choice, &QCheckBox::toggled, this, guarded(&DiagnosisWindow::Show));
   }
   SetTabOrder({names_, folders_, preview_, again, save, close});
-  const QSize wanted(fontMetrics().averageCharWidth() * kWidth_characters,
-                     fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {fontMetrics().averageCharWidth() * kWidth_characters,
+                         fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
 }
 

@@ -3,11 +3,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
-#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStyledItemDelegate>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "core/ListTable.h"
@@ -29,7 +27,6 @@ constexpr QChar kCarriageReturnSymbol(0x240D);
 // The meaning takes what is left, at first so much more than it needs at least.
 constexpr int kMeaning_digits = 26;
 constexpr int kHeight_lines = 30;
-constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"TelegrammePlatz"_s;
@@ -62,11 +59,9 @@ TelegramsWindow::TelegramsWindow(TelegramsSurroundings surroundings)
   layout->addLayout(NewButtons());
   live_.setInterval(kLive_ms);
   connect(&live_, &QTimer::timeout, this, [this] { Update(); });
-  const int width = table_->horizontalHeader()->length() + table_->verticalScrollBar()->sizeHint().width() +
-                    fontMetrics().horizontalAdvance(u'0') * kMeaning_digits + 8 * table_->frameWidth() +
-                    4 * layout->contentsMargins().left();
-  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  const int width = WholeWidth(*table_) + fontMetrics().horizontalAdvance(u'0') * kMeaning_digits +
+                    6 * table_->frameWidth() + 4 * layout->contentsMargins().left();
+  ResizeOnScreen(*this, {width, fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
 }
@@ -87,17 +82,12 @@ QLayout* TelegramsWindow::NewFilterRow() {
   filter_->addItems({u"alle"_s, u"nur fehlgeschlagene"_s, u"nur wiederholte"_s, u"diese Übertragung"_s});
   filter_->setAccessibleName(u"Zeigen"_s);
   connect(filter_, &QComboBox::currentIndexChanged, this, [this] { TakeFilter(); });
-  auto* filterLabel = Named(new QLabel(u"&Zeigen:"_s, this), u"filterLabel"_s);
-  filterLabel->setBuddy(filter_);
+  QLabel* filterLabel = NewCaption(this, u"&Zeigen:"_s, filter_);
 
-  search_ = NewTextBox(this, u"search"_s, u"Suche"_s);
-  search_->setPlaceholderText(u"Zeichen oder Bedeutung"_s);
-  search_->setClearButtonEnabled(true);
-  search_->findChild<QToolButton*>()->setAccessibleName(u"Suche leeren"_s);
+  search_ = NewSearchBox(this, u"search"_s, u"Suche"_s, u"Zeichen oder Bedeutung"_s);
   connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
   connect(search_, &QLineEdit::returnPressed, this, [this] { Find(1); });
-  auto* searchLabel = Named(new QLabel(u"Suc&he:"_s, this), u"searchLabel"_s);
-  searchLabel->setBuddy(search_);
+  QLabel* searchLabel = NewCaption(this, u"Suc&he:"_s, search_);
   QPushButton* next = NewButton(this, u"findNext"_s, u"&Weitersuchen"_s);
   next->setToolTip(u"F3; rückwärts mit Umschalt+F3"_s);
   connect(next, &QPushButton::clicked, this, [this] { Find(1); });
@@ -127,14 +117,8 @@ void TelegramsWindow::BuildTable() {
   table_->setAccessibleName(u"Telegramme"_s);
   if (!table_->fontMetrics().inFont(kCarriageReturnSymbol)) model_->ShowNames();
   table_->setModel(model_);
-  table_->setItemDelegate(new CellDelegate(table_));
-  PrepareTable(*table_);
-  SetRowHeight(*table_, kRowAir_px / 2);
-  QHeaderView& columns = *table_->horizontalHeader();
-  constexpr int digits[] = {8, 14, 13, 10, 10, 25, 30};
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  for (int column = 0; column < TelegramsModel::Columns; ++column)
-    columns.resizeSection(column, digits[column] * digit_px);
+  PrepareTable(*table_, kRowAir_px / 2);
+  SetColumnWidths(*table_, {8, 14, 13, 10, 10, 25, 30});
 }
 
 QLayout* TelegramsWindow::NewButtons() {
@@ -291,11 +275,6 @@ void TelegramsWindow::hideEvent(QHideEvent* event) {
   SavePlace(*this, surroundings_.settings, PlaceKey());
   SaveColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
   Form::hideEvent(event);
-}
-
-void TelegramsWindow::changeEvent(QEvent* event) {
-  Form::changeEvent(event);
-  if (event->type() == QEvent::FontChange && table_ != nullptr) SetRowHeight(*table_, kRowAir_px / 2);
 }
 
 }  // namespace kalivor::ui

@@ -42,7 +42,6 @@ class TelegramsWindow final : public Form {
  protected:
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
   void BuildTable();

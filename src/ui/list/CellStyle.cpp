@@ -1,6 +1,8 @@
 #include "ui/list/CellStyle.h"
 
+#include <QEvent>
 #include <QHeaderView>
+#include <QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +20,30 @@ QColor OutlineOn(const QPalette& palette) {
   return palette.color(QPalette::Text).darker(120);
 }
 
+// Rows as high as the table's font wants them, plus some air.
+class RowHeight final : public QObject {
+ public:
+  RowHeight(QTableView& table, int air_px) : QObject(&table), table_(table), air_px_(air_px) {
+    table.installEventFilter(this);
+    Set();
+  }
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) Set();
+    return QObject::eventFilter(watched, event);
+  }
+
+ private:
+  void Set() {
+    const int height = table_.fontMetrics().height() + air_px_;
+    table_.verticalHeader()->setMinimumSectionSize(height);
+    table_.verticalHeader()->setDefaultSectionSize(height);
+  }
+
+  QTableView& table_;
+  int air_px_;
+};
+
 }  // namespace
 
 QColor WarningColour(const QPalette& palette) {
@@ -32,7 +58,8 @@ void StyleCell(QStyleOptionViewItem& option) {
   if (IsDark(palette)) palette.setColor(QPalette::Window, OutlineOn(palette));
 }
 
-void PrepareTable(QTableView& table) {
+void PrepareTable(QTableView& table, int air_px) {
+  table.setItemDelegate(new CellDelegate(&table));
   table.setSelectionBehavior(QAbstractItemView::SelectRows);
   table.setEditTriggers(QAbstractItemView::NoEditTriggers);
   table.setTabKeyNavigation(false);
@@ -43,7 +70,7 @@ void PrepareTable(QTableView& table) {
   table.setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   table.verticalHeader()->hide();
   table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  SetRowHeight(table);
+  new RowHeight(table, air_px);
   QHeaderView& columns = *table.horizontalHeader();
   columns.setObjectName(u"columns"_s);
   columns.setSectionsMovable(true);
@@ -51,10 +78,16 @@ void PrepareTable(QTableView& table) {
   columns.setStretchLastSection(true);
 }
 
-void SetRowHeight(QTableView& table, int air_px) {
-  const int height = table.fontMetrics().height() + air_px;
-  table.verticalHeader()->setMinimumSectionSize(height);
-  table.verticalHeader()->setDefaultSectionSize(height);
+void SetColumnWidths(QTableView& table, std::initializer_list<int> digits) {
+  const int digit_px = table.fontMetrics().horizontalAdvance(u'0');
+  int column = 0;
+  for (const int count : digits)
+    table.setColumnWidth(column++, count * digit_px);
+}
+
+int WholeWidth(const QTableView& table) {
+  return table.horizontalHeader()->length() + table.verticalScrollBar()->sizeHint().width() +
+         2 * table.frameWidth();
 }
 
 void StyleBox(QAbstractButton& box) {

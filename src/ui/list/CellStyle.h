@@ -5,6 +5,7 @@
 #include <QStyleOptionViewItem>
 #include <QStyledItemDelegate>
 #include <QTableView>
+#include <initializer_list>
 
 namespace kalivor::ui {
 
@@ -33,11 +34,15 @@ class CellDelegate : public QStyledItemDelegate {
 };
 
 /// What the added tables have in common: whole rows are selected, nothing is edited, the user moves the
-/// columns, Tab leaves the table. Each row is a line of text high, with kRowAir_px.
-void PrepareTable(QTableView& table);
+/// columns, Tab leaves the table, cells look like CellDelegate's. Each row is a line of text high, whatever
+/// the font becomes, plus `air_px`.
+void PrepareTable(QTableView& table, int air_px = kRowAir_px);
 
-/// Makes the rows as high as the font wants them, plus `air_px`.
-void SetRowHeight(QTableView& table, int air_px = kRowAir_px);
+/// Gives the columns, from the first one on, room for so many digits.
+void SetColumnWidths(QTableView& table, std::initializer_list<int> digits);
+
+/// In which all its columns are seen, with a scroll bar beside them; in device-independent pixels.
+[[nodiscard]] int WholeWidth(const QTableView& table);
 
 /// The same as StyleCell() for a check box or radio button outside of tables; to be called whenever its
 /// window is shown.

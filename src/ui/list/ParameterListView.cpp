@@ -291,9 +291,4 @@ void ParameterListView::contextMenuEvent(QContextMenuEvent* event) {
   rowMenu_.popup(byKeyboard ? cell : event->globalPos());
 }
 
-void ParameterListView::changeEvent(QEvent* event) {
-  QTableView::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight(*this);
-}
-
 }  // namespace kalivor::ui

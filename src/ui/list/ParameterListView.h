@@ -49,7 +49,6 @@ class ParameterListView final : public QTableView {
   void keyPressEvent(QKeyEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyboardSearch(const QString& /*search*/) override {}
-  void changeEvent(QEvent* event) override;
 
  private:
   void BuildColumnMenu();

@@ -7,9 +7,6 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QScreen>
-#include <QScrollBar>
-#include <QToolButton>
 
 #include "commands/FileCommands.h"
 #include "commands/ListCommands.h"
@@ -28,7 +25,6 @@ namespace {
 
 // The size of the first time: so many lines, and all columns; no more than most of the screen.
 constexpr int kHeight_lines = 36;
-constexpr double kMostOfScreen = 0.9;
 
 // How long the words about the last command stay.
 constexpr int kNote_ms = 10'000;
@@ -80,10 +76,8 @@ ParameterListWindow::ParameterListWindow(ListWorld world)
     if (now != nullptr && isAncestorOf(now)) lastFocus_ = now;
   });
   const QMargins margins = layout->contentsMargins();
-  const int width = view_->horizontalHeader()->length() + view_->verticalScrollBar()->sizeHint().width() +
-                    2 * view_->frameWidth() + margins.left() + margins.right();
-  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {WholeWidth(*view_) + margins.left() + margins.right(),
+                         fontMetrics().lineSpacing() * kHeight_lines});
 }
 
 // The view asks the model until it is gone.
@@ -101,14 +95,10 @@ QPushButton* ParameterListWindow::NewCommand(const QString& name, const QString&
 }
 
 QLayout* ParameterListWindow::NewSearchRow() {
-  search_ = NewTextBox(this, u"search"_s, u"Suche"_s);
-  search_->setPlaceholderText(u"Name, Gruppe, Variable, Hilfetext oder Adresse"_s);
-  search_->setClearButtonEnabled(true);
+  search_ = NewSearchBox(this, u"search"_s, u"Suche"_s, u"Name, Gruppe, Variable, Hilfetext oder Adresse"_s);
   search_->installEventFilter(this);
   connect(search_, &QLineEdit::textChanged, this, [this] { TakeFilter(); });
-  search_->findChild<QToolButton*>()->setAccessibleName(u"Suche leeren"_s);
-  QLabel* searchLabel = Named(new QLabel(u"&Suche:"_s, this), u"searchLabel"_s);
-  searchLabel->setBuddy(search_);
+  QLabel* searchLabel = NewCaption(this, u"&Suche:"_s, search_);
 
   comparisonBox_ = Named(new ChoiceBox(this), u"comparison"_s);
   comparisonBox_->setAccessibleName(u"Vergleichen mit"_s);
@@ -117,8 +107,7 @@ QLayout* ParameterListWindow::NewSearchRow() {
   comparisonBox_->setMinimumContentsLength(22);
   connect(comparisonBox_, &QComboBox::activated, this,
           [this](int position) { Compare(static_cast<Comparison>(position)); });
-  QLabel* comparisonLabel = Named(new QLabel(u"&Vergleichen mit:"_s, this), u"comparisonLabel"_s);
-  comparisonLabel->setBuddy(comparisonBox_);
+  QLabel* comparisonLabel = NewCaption(this, u"&Vergleichen mit:"_s, comparisonBox_);
   takeOver_ = NewCommand(u"takeOver"_s, u"Werte über&nehmen…"_s, [this] { TakeOverShown(); });
   takeOver_->setToolTip(
       u"Übernimmt die Vergleichswerte der angekreuzten, gezeigten, verschiedenen Parameter in die Werte des PCs."_s);

@@ -24,8 +24,7 @@ SelectionNameDialog::SelectionNameDialog(QWidget* parent)
   setObjectName(u"SelectionName"_s);
   setWindowTitle(u"Auswahl sichern"_s);
   name_->setMaxLength(kLongestSelectionName);
-  QLabel* label = Named(new QLabel(u"&Name der Auswahl:"_s, this), u"selectionNameLabel"_s);
-  label->setBuddy(name_);
+  QLabel* label = NewCaption(this, u"&Name der Auswahl:"_s, name_);
   const OkCancel buttons = NewOkCancel(this, u"Sichern"_s, u"Abbrechen"_s);
   save_ = buttons.ok;
   cancel_ = buttons.cancel;

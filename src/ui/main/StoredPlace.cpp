@@ -42,13 +42,26 @@ int Pixels(const QWidget& widget, int twips) {
   return qRound(twips * widget.screen()->logicalDotsPerInchX() / kTwipsPerInch);
 }
 
-QRect PlaceOf(const QString& text, const QWidget& window) {
-  std::vector<int> numbers;
+// "240 240 9600 6000", as pixels; empty where one of them is no number.
+QList<int> PixelsOf(const QString& text, const QWidget& widget) {
+  QList<int> numbers;
   for (const QString& word : text.split(u' ')) {
     const std::optional<int> number = Number(word);
     if (!number) return {};
-    numbers.push_back(Pixels(window, *number));
+    numbers << Pixels(widget, *number);
   }
+  return numbers;
+}
+
+QString TextOf(const QList<int>& pixels, const QWidget& widget) {
+  QStringList numbers;
+  for (const int number : pixels)
+    numbers << QString::number(Twips(widget, number));
+  return numbers.join(u' ');
+}
+
+QRect PlaceOf(const QString& text, const QWidget& window) {
+  const QList<int> numbers = PixelsOf(text, window);
   return numbers.size() == 4 ? QRect(numbers[0], numbers[1], numbers[2], numbers[3]) : QRect();
 }
 
@@ -97,10 +110,8 @@ void LoadPlace(QWidget& window, const platform::SettingsStore& settings, const Q
 
 void SavePlace(const QWidget& window, platform::SettingsStore& settings, const QString& key) {
   if (window.isMinimized() || window.isMaximized() || window.isFullScreen()) return;
-  QStringList numbers;
-  for (const int pixels : {window.x(), window.y(), window.width(), window.height()})
-    numbers << QString::number(Twips(window, pixels));
-  settings.Save(u"Settings"_s, key, numbers.join(u' '));
+  settings.Save(u"Settings"_s, key,
+                TextOf({window.x(), window.y(), window.width(), window.height()}, window));
 }
 
 void LoadColumns(QHeaderView& header, const platform::SettingsStore& settings, const QString& key) {
@@ -133,6 +144,17 @@ void SaveColumns(const QHeaderView& header, platform::SettingsStore& settings, c
     words << (upwards ? u'>' : u'<') + QString::number(sorted);
   }
   settings.Save(u"Settings"_s, key, words.join(u' '));
+}
+
+void LoadParts(QSplitter& splitter, const platform::SettingsStore& settings, const QString& key) {
+  const QList<int> sizes = PixelsOf(settings.Get(u"Settings"_s, key, {}), splitter);
+  const bool whole =
+      sizes.size() == splitter.count() && std::ranges::all_of(sizes, [](int size) { return size > 0; });
+  if (whole) splitter.setSizes(sizes);
+}
+
+void SaveParts(const QSplitter& splitter, platform::SettingsStore& settings, const QString& key) {
+  settings.Save(u"Settings"_s, key, TextOf(splitter.sizes(), splitter));
 }
 
 }  // namespace kalivor::ui

@@ -1,7 +1,8 @@
-// The places of the added windows and the columns of their tables among the settings.
+// The places of the added windows, their parts and the columns of their tables among the settings.
 #pragma once
 
 #include <QHeaderView>
+#include <QSplitter>
 #include <QWidget>
 
 #include "platform/SettingsStore.h"
@@ -25,5 +26,12 @@ void LoadColumns(QHeaderView& header, const platform::SettingsStore& settings, c
 /// is hidden; at the end ">number" or "<number" for the one that the table is sorted by, upwards or
 /// downwards.
 void SaveColumns(const QHeaderView& header, platform::SettingsStore& settings, const QString& key);
+
+/// Gives the parts of a splitter the sizes that were stored under `key` ("VerlaufBreiten"), in the proportion
+/// that the room allows. What was never stored, cannot be read or has other parts leaves them as they are.
+void LoadParts(QSplitter& splitter, const platform::SettingsStore& settings, const QString& key);
+
+/// Stores the sizes of the parts, in their order, in twips.
+void SaveParts(const QSplitter& splitter, platform::SettingsStore& settings, const QString& key);
 
 }  // namespace kalivor::ui

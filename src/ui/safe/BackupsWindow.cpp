@@ -3,8 +3,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QScreen>
-#include <QScrollBar>
 #include <QStyle>
 #include <QStyledItemDelegate>
 
@@ -21,7 +19,6 @@ enum Column { Time, Controller, PlantType, Address, Values, File, Columns };
 
 // The size of the first time: so many lines, and all columns; no more than most of the screen.
 constexpr int kHeight_lines = 22;
-constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"SicherungenPlatz"_s;
@@ -60,31 +57,25 @@ BackupsWindow::BackupsWindow(BackupsSurroundings surroundings)
   layout->addWidget(table_, 1);
   BuildButtons();
   const QMargins margins = layout->contentsMargins();
-  const int width = table_->horizontalHeader()->length() + table_->verticalScrollBar()->sizeHint().width() +
-                    2 * table_->frameWidth() + margins.left() + margins.right();
-  const QSize wanted(width, fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {WholeWidth(*table_) + margins.left() + margins.right(),
+                         fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   LoadColumns(*table_->horizontalHeader(), surroundings_.settings, ColumnsKey());
 }
 
 void BackupsWindow::BuildTable() {
   table_->setAccessibleName(u"Sicherungen"_s);
-  table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
-  QHeaderView& header = *table_->horizontalHeader();
   constexpr QStringView titles[] = {u"Datum", u"Regler", u"Anlageart", u"Adresse", u"Werte", u"Datei"};
-  constexpr int digits[] = {21, 13, 13, 10, 9, 40};
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
   for (int column = 0; column < Columns; ++column) {
     const QString title = titles[column].toString();
     auto* item = new QTableWidgetItem(IsNumber(column) ? title + kEndOfNumbers : title);
     item->setData(Qt::AccessibleTextRole, title);
     item->setTextAlignment(Aligned(column));
     table_->setHorizontalHeaderItem(column, item);
-    header.resizeSection(column, digits[column] * digit_px);
   }
+  SetColumnWidths(*table_, {21, 13, 13, 10, 9, 40});
   connect(table_, &QTableWidget::itemSelectionChanged, this, [this] { ShowCommands(); });
 }
 

@@ -2,7 +2,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <numeric>
@@ -54,8 +53,8 @@ SafeView::SafeView(SafeModel& model, QWidget* parent) : QTableView(parent), mode
   sorted_.setSortRole(Qt::UserRole);
   sorted_.setSortLocaleAware(true);
   setModel(&sorted_);
-  setItemDelegate(new SafeDelegate(this));
   PrepareTable(*this);
+  setItemDelegate(new SafeDelegate(this));
   QHeaderView& header = *horizontalHeader();
   header.setSortIndicatorClearable(true);
   header.setSortIndicator(-1, Qt::AscendingOrder);
@@ -66,8 +65,7 @@ SafeView::SafeView(SafeModel& model, QWidget* parent) : QTableView(parent), mode
 }
 
 int SafeView::WholeWidth() const {
-  return horizontalHeader()->length() - columnWidth(static_cast<int>(SafeColumn::Mark)) +
-         verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
+  return ui::WholeWidth(*this) - columnWidth(static_cast<int>(SafeColumn::Mark));
 }
 
 void SafeView::ShowColumns(SafePhase phase) {
@@ -110,11 +108,6 @@ void SafeView::keyPressEvent(QKeyEvent* event) {
   } else {
     QTableView::keyPressEvent(event);
   }
-}
-
-void SafeView::changeEvent(QEvent* event) {
-  QTableView::changeEvent(event);
-  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) SetRowHeight(*this);
 }
 
 void SafeView::Load(const platform::SettingsStore& settings) {

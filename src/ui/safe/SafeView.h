@@ -31,7 +31,6 @@ class SafeView final : public QTableView {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
   [[nodiscard]] std::vector<int> HighlightedRows() const;  // as the model counts them

@@ -5,7 +5,6 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScopeGuard>
-#include <QScreen>
 #include <algorithm>
 
 #include "ui/dialogs/Controls.h"
@@ -18,7 +17,6 @@ namespace {
 
 // The size of the first time: so many lines, and all columns; no more than most of the screen.
 constexpr int kHeight_lines = 30;
-constexpr double kMostOfScreen = 0.9;
 
 const QString& PlaceKey() {
   static const QString key = u"SicherPlatz"_s;
@@ -54,9 +52,8 @@ SafeWindow::SafeWindow(SafeSurroundings surroundings)
   layout->addLayout(backupRow);
   BuildButtons();
   const QMargins margins = layout->contentsMargins();
-  const QSize wanted(view_->WholeWidth() + margins.left() + margins.right(),
-                     fontMetrics().lineSpacing() * kHeight_lines);
-  resize(wanted.boundedTo(screen()->availableSize() * kMostOfScreen));
+  ResizeOnScreen(*this, {view_->WholeWidth() + margins.left() + margins.right(),
+                         fontMetrics().lineSpacing() * kHeight_lines});
   LoadPlace(*this, surroundings_.settings, PlaceKey());
   view_->Load(surroundings_.settings);
 }

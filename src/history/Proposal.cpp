@@ -22,8 +22,8 @@ bool IsSuch(const Entry& entry, const SeenController& controller) {
 }
 
 QUuid NamedPlant(const SeenController& controller, const KnownPlants& known) {
-  const QString name = NameIn(controller.texts.value({known.nameParameter, 0}));
-  if (known.nameParameter.isEmpty() || name.isEmpty()) return {};
+  const QString name = NameIn(NameAmong(controller.texts, known.nameParameter));
+  if (name.isEmpty()) return {};
   QUuid named;
   for (const Plant& plant : known.plants) {
     if (NameIn(plant.name) != name) continue;
@@ -53,6 +53,10 @@ Texts TextsOf(const ValueSet& set) {
     if (value.read && TypeOf(value.Typ).kind == ValueKind::Text)
       texts.insert({value.Variable, value.element}, value.value.text.trimmed());
   return texts;
+}
+
+QString NameAmong(const Texts& texts, const QString& nameParameter) {
+  return nameParameter.isEmpty() ? QString() : texts.value({nameParameter, 0});
 }
 
 QUuid ProposedPlant(const SeenController& controller, const KnownPlants& known) {

@@ -14,6 +14,9 @@ namespace kalivor::history {
 using Texts = QHash<std::pair<QString, int>, QString>;
 [[nodiscard]] Texts TextsOf(const ValueSet& set);
 
+/// What a parameter with the plant's name says, given by its variable; "": nothing.
+[[nodiscard]] QString NameAmong(const Texts& texts, const QString& nameParameter);
+
 /// What is known of a controller.
 struct SeenController {
   QString version;

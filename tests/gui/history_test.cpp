@@ -452,6 +452,55 @@ TEST_F(HistoryTest, ANewPlantIsMadeByTypingItsName) {
   EXPECT_FALSE(desktop->recorder.Used().plant.isNull());
 }
 
+TEST_F(HistoryTest, AParameterMayHoldThePlantsName) {
+  Keep();
+  AddPlant(u"Nord"_s);
+  AddPlant(u"SÜD"_s);
+  Start();
+  desktop->module.Par[3].WertText = u"Süd  "_s;
+  Show();
+  Click(Window(), u"choosePlant"_s);
+  auto& dialog = Companion<ui::PlantDialog>();
+  QComboBox& parameter = In<QComboBox>(dialog, u"nameParameter"_s);
+  EXPECT_EQ(parameter.currentText(), u"keinem Parameter"_s);
+  const int text = parameter.findText(u"Name (name)"_s);
+  ASSERT_GT(text, 0);
+  parameter.setCurrentIndex(text);
+  Q_EMIT parameter.activated(text);
+  EXPECT_EQ(settings.values.value(u"Verlauf/Namensparameter"_s), u"name"_s);
+  ASSERT_TRUE(dialog.isVisible());
+  const QTableView& plants = In<QTableView>(dialog, u"plants"_s);
+  EXPECT_EQ(Cell(plants, 0, 0), u"SÜD"_s);
+  EXPECT_EQ(Cell(plants, 0, 2), u"passt zum Regler"_s);
+  EXPECT_EQ(plants.currentIndex().row(), 0);
+}
+
+TEST_F(HistoryTest, APlantThatTheControllerNamesIsNewWithThatName) {
+  Keep();
+  Start();
+  history::HistorySettings used = desktop->recorder.Used();
+  used.nameParameter = u"name"_s;
+  desktop->recorder.Use(used);
+  desktop->module.Par[3].WertText = u"Turm 3"_s;
+  Show();
+  Click(Window(), u"choosePlant"_s);
+  auto& dialog = Companion<ui::PlantDialog>();
+  EXPECT_EQ(In<QComboBox>(dialog, u"nameParameter"_s).currentText(), u"Name (name)"_s);
+  Click(dialog, u"newPlant"_s);
+  EXPECT_EQ(In<QLineEdit>(Companion<ui::PlantForm>(), u"plantName"_s).text(), u"Turm 3"_s);
+}
+
+TEST_F(HistoryTest, AParameterOfOtherDefinitionsStaysTheOneWithTheName) {
+  Keep();
+  Start();
+  history::HistorySettings used = desktop->recorder.Used();
+  used.nameParameter = u"ANDERSWO"_s;
+  desktop->recorder.Use(used);
+  Show();
+  Click(Window(), u"choosePlant"_s);
+  EXPECT_EQ(In<QComboBox>(Companion<ui::PlantDialog>(), u"nameParameter"_s).currentText(), u"ANDERSWO"_s);
+}
+
 TEST_F(HistoryTest, APlantIsDescribedAnew) {
   AddSome();
   Start();

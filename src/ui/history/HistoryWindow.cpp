@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/ParameterTypes.h"
 #include "history/EntryBackup.h"
 #include "history/Tables.h"
 #include "ui/dialogs/Controls.h"
@@ -289,11 +290,14 @@ void HistoryWindow::ShowKeeping() {
   keeping_->Show(keeping);
 }
 
+history::SeenController HistoryWindow::SeenNow() const {
+  const Module1& module = surroundings_.core.module;
+  return {module.VersionList.SelectedText(), module.Adresse, history::TextsOf(TableValues(module))};
+}
+
 QUuid HistoryWindow::ProposedPlant(QString& doubt) {
   if (!store_) return {};
-  const Module1& module = surroundings_.core.module;
-  const history::SeenController seen{module.VersionList.SelectedText(), module.Adresse,
-                                     history::TextsOf(TableValues(module))};
+  const history::SeenController seen = SeenNow();
   const history::HistorySettings used = surroundings_.used();
   const history::KnownPlants known{
       entries_.Plants(), entries_.All(),
@@ -511,12 +515,34 @@ void HistoryWindow::ChoosePlant() {
   };
   plantDialog_.OnChoose = choose;
   plantDialog_.OnNew = [this, choose](const QString& name) { AskForNewPlant(name, choose); };
+  plantDialog_.OnNameParameter = [this](const QString& variable) {
+    Change([&variable](history::HistorySettings& used) { used.nameParameter = variable; });
+    plantDialog_.Renew(WhichPlant());
+  };
+  plantDialog_.Ask(WhichPlant());
+}
+
+PlantQuestion HistoryWindow::WhichPlant() {
   QString doubt;
   const QUuid proposed = ProposedPlant(doubt);
   const QString reason =
       u"Was von jetzt an geschieht, wird unter dieser Anlage aufgezeichnet, bis eine andere gewählt wird."_s;
-  plantDialog_.Ask({doubt.isEmpty() ? reason : doubt + u'\n' + reason, entries_.Plants(),
-                    surroundings_.used().plant, proposed, true});
+  const history::HistorySettings used = surroundings_.used();
+  PlantQuestion question{doubt.isEmpty() ? reason : doubt + u'\n' + reason, entries_.Plants(), used.plant,
+                         proposed, true};
+  const Module1& module = surroundings_.core.module;
+  for (int i = 1; i < module.ParCount; ++i) {
+    const ParameterRecord& record = module.Par[i];
+    if (TypeOf(record.Typ).kind != ValueKind::Text) continue;
+    const QString variable = record.Variable;
+    // An array is one parameter here: its first element counts.
+    if (std::ranges::find(question.nameParameters, variable, &PlantQuestion::NameParameter::variable) ==
+        question.nameParameters.end())
+      question.nameParameters.push_back({variable, u"%1 (%2)"_s.arg(QString(record.Name), variable)});
+  }
+  question.nameParameter = used.nameParameter;
+  question.name = history::NameAmong(SeenNow().texts, used.nameParameter);
+  return question;
 }
 
 void HistoryWindow::Assign() {

@@ -111,7 +111,9 @@ class HistoryWindow final : public Form {
   void Copy(const ListTable& table);
   [[nodiscard]] ListTable EntriesTable() const;
   [[nodiscard]] history::ServiceVisit VisitOf(const std::vector<history::Entry>& entries);
+  [[nodiscard]] history::SeenController SeenNow() const;
   [[nodiscard]] QUuid ProposedPlant(QString& doubt);
+  [[nodiscard]] PlantQuestion WhichPlant();
 
   HistorySurroundings surroundings_;
   std::unique_ptr<history::Store> store_;

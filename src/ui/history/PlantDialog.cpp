@@ -32,21 +32,16 @@ PlantDialog::PlantDialog(platform::EventGuard guard)
   search_->setMaxLength(kLongestName);
   search_->installEventFilter(this);
   connect(search_, &QLineEdit::textChanged, this, [this] { ShowPlants(); });
-  auto* label = Named(new QLabel(u"&Anlage:"_s, this), u"plantSearchLabel"_s);
-  label->setBuddy(search_);
   auto* top = new QHBoxLayout;
-  top->addWidget(label);
+  top->addWidget(NewCaption(this, u"&Anlage:"_s, search_));
   top->addWidget(search_, 1);
 
   table_->setAccessibleName(u"Anlagen"_s);
   model_.Show({{}, {u"Anlage"_s, u"Ort"_s, u"Hinweis"_s}, {}});
   table_->setModel(&model_);
-  table_->setItemDelegate(new CellDelegate(table_));
   PrepareTable(*table_);
   table_->setSelectionMode(QAbstractItemView::SingleSelection);
-  const int digit_px = fontMetrics().horizontalAdvance(u'0');
-  table_->horizontalHeader()->resizeSection(0, 26 * digit_px);
-  table_->horizontalHeader()->resizeSection(1, 22 * digit_px);
+  SetColumnWidths(*table_, {26, 22});
   table_->setMinimumHeight((kRows + 1) * table_->verticalHeader()->defaultSectionSize());
   connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { ShowCommands(); });
   connect(table_, &QTableView::doubleClicked, this, [this] { Choose(); });
@@ -62,23 +57,59 @@ PlantDialog::PlantDialog(platform::EventGuard guard)
   layout->addWidget(reason_);
   layout->addLayout(top);
   layout->addWidget(table_, 1);
+  layout->addWidget(NewNameRow());
   layout->addSpacing(Air(*this));
   layout->addLayout(buttons.row);
-  SetTabOrder({search_, table_, new_, ok_, buttons.cancel});
+  SetTabOrder({search_, table_, nameParameter_, new_, ok_, buttons.cancel});
+}
+
+QWidget* PlantDialog::NewNameRow() {
+  nameRow_ = new QWidget(this);
+  nameParameter_ = Named(new QComboBox(nameRow_), u"nameParameter"_s);
+  nameParameter_->setAccessibleName(u"Name der Anlage steht in"_s);
+  nameParameter_->setToolTip(
+      u"Ein Textparameter des Reglers, der den Namen der Anlage trägt: Nach ihm wird sie dann vorgeschlagen."_s);
+  connect(nameParameter_, &QComboBox::activated, this, [this] {
+    guard_([this] {
+      if (OnNameParameter) OnNameParameter(nameParameter_->currentData().toString());
+    });
+  });
+  auto* row = new QHBoxLayout(nameRow_);
+  row->setContentsMargins({});
+  row->addWidget(NewCaption(nameRow_, u"Name der Anlage &steht in:"_s, nameParameter_));
+  row->addWidget(nameParameter_, 1);
+  return nameRow_;
 }
 
 void PlantDialog::Ask(PlantQuestion question) {
+  search_->clear();
+  StylePlaceholders(*this);
+  Renew(std::move(question));
+  FitToContent(*this, kCharacters);
+  search_->setFocus();
+  ShowAboveOwner();
+}
+
+void PlantDialog::Renew(PlantQuestion question) {
   question_ = std::move(question);
   // The one that is likely stands first.
   std::ranges::stable_partition(
       question_.plants, [this](const history::Plant& plant) { return plant.id == question_.proposed; });
   reason_->setText(question_.reason);
-  search_->clear();
-  StylePlaceholders(*this);
+  ShowNameParameters();
   ShowPlants();
-  FitToContent(*this, kCharacters);
-  search_->setFocus();
-  ShowAboveOwner();
+}
+
+void PlantDialog::ShowNameParameters() {
+  nameRow_->setVisible(!question_.nameParameters.empty());
+  nameParameter_->clear();
+  nameParameter_->addItem(u"keinem Parameter"_s, QString());
+  for (const PlantQuestion::NameParameter& parameter : question_.nameParameters)
+    nameParameter_->addItem(parameter.caption, parameter.variable);
+  const QString& chosen = question_.nameParameter;
+  // It may be one of another controller's definitions.
+  if (nameParameter_->findData(chosen) < 0) nameParameter_->addItem(chosen, chosen);
+  nameParameter_->setCurrentIndex(nameParameter_->findData(chosen));
 }
 
 void PlantDialog::ShowPlants() {
@@ -124,7 +155,8 @@ void PlantDialog::Choose() {
 }
 
 void PlantDialog::AskForNew() {
-  const QString name = search_->text().trimmed();
+  const QString typed = search_->text().trimmed();
+  const QString name = typed.isEmpty() ? question_.name : typed;
   accept();
   guard_([&] {
     if (OnNew) OnNew(name);

@@ -1,6 +1,7 @@
 // Which plant something belongs to.
 #pragma once
 
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -22,6 +23,15 @@ struct PlantQuestion {
   QUuid current = {};      ///< that is chosen now; null: none
   QUuid proposed = {};     ///< that the controller seems to belong to; null: none
   bool mayBeNone = false;  ///< "Ohne Anlage" is an answer as well
+
+  /// A parameter that may hold the plant's name.
+  struct NameParameter {
+    QString variable;
+    QString caption;
+  };
+  std::vector<NameParameter> nameParameters = {};  ///< none: it is not asked which one does
+  QString nameParameter = {};                      ///< variable of the one that does; "": none
+  QString name = {};                               ///< what it says; "": nothing
 };
 
 /// The plants, to be found by typing. No other window takes input while it is open.
@@ -31,15 +41,22 @@ class PlantDialog final : public Form {
 
   void Ask(PlantQuestion question);
 
+  /// Asks something else while it is open; what was typed stays.
+  void Renew(PlantQuestion question);
+
   /// The answer; null: none. Run inside the guard, after the dialog has been closed.
   std::function<void(const QUuid& plant)> OnChoose;
-  /// A plant that is not there yet; `name` is what was typed.
+  /// A plant that is not there yet; `name` is what was typed, or else what the controller says.
   std::function<void(const QString& name)> OnNew;
+  /// Another parameter holds the name; "": none. Run inside the guard, the dialog stays open.
+  std::function<void(const QString& variable)> OnNameParameter;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  [[nodiscard]] QWidget* NewNameRow();
+  void ShowNameParameters();
   void ShowPlants();
   void ShowCommands();
   void Choose();
@@ -52,6 +69,8 @@ class PlantDialog final : public Form {
   QLabel* reason_;
   QLineEdit* search_;
   QTableView* table_;
+  QWidget* nameRow_ = nullptr;
+  QComboBox* nameParameter_ = nullptr;
   QPushButton* new_ = nullptr;
   QPushButton* ok_ = nullptr;
 };

@@ -452,6 +452,19 @@ TEST_F(HistoryTest, ANewPlantIsMadeByTypingItsName) {
   EXPECT_FALSE(desktop->recorder.Used().plant.isNull());
 }
 
+TEST_F(HistoryTest, ANewPlantNeedsNoMoreThanTheNameThatWasTyped) {
+  Keep();
+  Start();
+  Show();
+  Click(Window(), u"choosePlant"_s);
+  QLineEdit& typed = In<QLineEdit>(Companion<ui::PlantDialog>(), u"plantSearch"_s);
+  QTest::keyClicks(&typed, u"Turm"_s);
+  QTest::keyClick(&typed, Qt::Key_Return);
+  QTest::keyClick(&In<QLineEdit>(Companion<ui::PlantForm>(), u"plantName"_s), Qt::Key_Return);
+  Written();
+  EXPECT_EQ(In<QLabel>(Window(), u"plant"_s).accessibleName(), u"Turm"_s);
+}
+
 TEST_F(HistoryTest, AParameterMayHoldThePlantsName) {
   Keep();
   AddPlant(u"Nord"_s);

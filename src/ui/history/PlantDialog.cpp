@@ -248,9 +248,10 @@ void PlantForm::Describe() {
     name_->setFocus();
     return;
   }
+  const bool isNew = plant.id.isNull();
   accept();
   guard_([&] {
-    if (OnDescribe && plant != plant_) OnDescribe(plant);
+    if (OnDescribe && (isNew || plant != plant_)) OnDescribe(plant);
   });
 }
 

@@ -20,6 +20,11 @@ def keys(*names):
     subprocess.run(["xdotool", "key", "--clearmodifiers", *names], check=True)
 
 
+def type_text(text):
+    """The same, letter by letter."""
+    subprocess.run(["xdotool", "type", text], check=True)
+
+
 def value_file(folder, *assignments):
     """A value file of the first controller version: the standard values but for `assignments`."""
     path = os.path.join(folder, "values.qpf")
@@ -286,7 +291,7 @@ class Program:
         value = editor.find("text", "Wert")
         wait_for(lambda: editor.has("active") and value.has("focused"), "focus in the editor")
         keys("ctrl+a")
-        subprocess.run(["xdotool", "type", text], check=True)
+        type_text(text)
         expected = text if expected is None else expected
         wait_for(lambda: value.text == expected, f"{expected!r} in the editor")
 

@@ -82,14 +82,7 @@ class TestEvents final : public platform::Events {
 
 /// A controller of version `version` at the other end of the line.
 struct SimulatedController {
-  SimulatedController(platform::FileSystem& files, const QString& folder, const QString& version) {
-    definitions.Inipath = folder;
-    EXPECT_EQ(sim::LoadDefinitions(definitions, files, version), QString());
-    memory.LoadStandards(definitions);
-    controller = std::make_unique<sim::Controller>(memory, 1, definitions.SelectedVersion().Kennung,
-                                                   *sim::VersionPayload(version));
-    model = std::make_unique<sim::LineModel>(*controller, faults);
-  }
+  SimulatedController(platform::FileSystem& files, const QString& folder, const QString& version);
 
   Module1 definitions;
   sim::Memory memory;
@@ -101,87 +94,22 @@ struct SimulatedController {
 inline const QString kFolder = u"/def/"_s;
 
 /// Three versions; the first and the second have two plant types, the third one.
-inline void AddDefinitions(FakeFileSystem& files) {
-  const QString plantNumber = u"NoRubrik  Anlagenart  0  9  0  -  0  0  int  1E00  ANL  -  -\r\n"_s;
-  const QString parameters =
-      u"Antrieb  Drehzahl  0  30000  1500  1/m  1  0  int  1F00  n  A B  Drehzahl des Motors\\in 1/m\r\n"
-      "Antrieb  Druck  0  99990  1000  mbar  1  1  long  1F02  p  A  -\r\n"
-      "Antrieb  Name  0  0  Anna  -  0  0  string8  1F10  name  A B  Name des\\Antriebs\r\n"
-      "Heizung  Solltemperatur  -100  1000  200  °C  1  0  int  1F20  soll  A B  -\r\n"
-      "Heizung  Zähler  0  120  17  -  0  0  char  1F23  z  B  -\r\n"
-      "Heizung  Vorlauf & Rücklauf  0  100000  1234  -  2  0  long  1F24  vr  A B  -\r\n"
-      "Kurz  Kennwort  0  20  5  -  0  0  str20  1F30  k  A B  -\r\n"_s;
-  files.AddText(kFolder + u"VF.INI"_s,
-                u"Version  Adressen  Definitionen  Anlagen  Kennung\r\n"
-                "AB1-123.4  -  EINS.TXT  A B -  WR\r\n"
-                "AB1-012.0  -  ZWEI.TXT  A B -  WR\r\n"
-                "LFT-020.5  -  DREI.TXT  -  WR\r\n"_s);
-  files.AddText(kFolder + u"/EINS.TXT"_s, u"Kopf\r\n"_s + plantNumber + parameters);
-  files.AddText(kFolder + u"/ZWEI.TXT"_s,
-                u"Kopf\r\n"_s + plantNumber + parameters +
-                    u"Zusatz  Neu  0  100  7  s  0  0  int  1F60  neu  A B  -\r\n"_s);
-  files.AddText(kFolder + u"/DREI.TXT"_s, u"Kopf\r\n"_s + parameters);
-}
+void AddDefinitions(FakeFileSystem& files);
 
 /// Starts with the first version; the controller is of the same. A box that the test does not take fails it.
 class GuiTest : public testing::Test {
  public:
-  ~GuiTest() override {
-    desktop.reset();
-    line.reset();
-  }
+  ~GuiTest() override;
 
  protected:
-  GuiTest() {
-    AddDefinitions(files);
-    settings.values[u"Inipath"_s] = kFolder;
-    UseController(u"AB1-123.4"_s);
-  }
+  GuiTest();
 
   /// The controller to be found by the next Start().
-  void UseController(const QString& version) {
-    desktop.reset();
-    line.reset();
-    far = std::make_unique<SimulatedController>(files, kFolder, version);
-    line = std::make_unique<sim::SimulatedLine>(clock, *far->model);
-  }
+  void UseController(const QString& version);
 
-  [[nodiscard]] ui::World World() {
-    return {settings,
-            box,
-            files,
-            *line,
-            clock,
-            events,
-            u"/programm"_s,
-            {},
-            [this](const QString& text) {
-              if (onPrint) onPrint();
-              printed.append(text);
-            },
-            dialogs,
-            help,
-            ports,
-            {},
-            u"/einstellungen/Auswahlen.json"_s,
-            recovery,
-            {},
-            {},
-            safe,
-            computer,
-            historyStore,
-            {}};
-  }
-
-  void Load(const RunSettings& run = {}) { desktop = std::make_unique<ui::Desktop>(World(), run); }
-
-  void Start(const RunSettings& run = {}) {
-    Load(run);
-    desktop->Start();
-    desktop->main.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&desktop->main));
-    files.reads.clear();
-  }
+  [[nodiscard]] ui::World World();
+  void Load(const RunSettings& run = {});
+  void Start(const RunSettings& run = {});
 
   /// The widget of that name in `window`; fails the test when there is none of that kind.
   template <typename Widget>
@@ -195,59 +123,26 @@ class GuiTest : public testing::Test {
     return In<Widget>(desktop->main, name);
   }
 
-  void Click(QWidget& window, const QString& button) {
-    QTest::mouseClick(&In<QPushButton>(window, button), Qt::LeftButton);
-  }
+  void Click(QWidget& window, const QString& button);
 
-  [[nodiscard]] QString State() { return Main<QLabel>(u"state"_s).text(); }
+  [[nodiscard]] QString State();
   /// As the user sees it once the program lets the window paint.
-  [[nodiscard]] QString ReportText() {
-    QCoreApplication::sendPostedEvents(&desktop->reportDialog, QEvent::User);
-    return In<QPlainTextEdit>(desktop->reportDialog, u"TextBox"_s).toPlainText();
-  }
+  [[nodiscard]] QString ReportText();
   [[nodiscard]] QStringList ReportLines() { return ReportText().trimmed().split(u'\n'); }
 
   [[nodiscard]] platform::TreeView& Tree() { return desktop->main.Tree(); }
-
   /// The number of the node whose key is `key`, 0 when there is none.
-  [[nodiscard]] int Node(const QString& key) {
-    for (int node = 1; node <= Tree().Count(); ++node) {
-      if (Tree().Key(node) == key) return node;
-    }
-    return 0;
-  }
-
+  [[nodiscard]] int Node(const QString& key);
   [[nodiscard]] QTreeView& TreeWidget() { return Main<QTreeView>(u"TreeView"_s); }
-
   /// Makes a node the current one, as the user does with the arrow keys.
-  void GoTo(const QString& key) {
-    TreeWidget().setCurrentIndex(static_cast<platform::QtTreeView&>(Tree()).Index(Node(key)));
-  }
-
+  void GoTo(const QString& key);
   /// Space on a node.
-  void Toggle(const QString& key) {
-    GoTo(key);
-    QTest::keyClick(&TreeWidget(), Qt::Key_Space);
-  }
-
+  void Toggle(const QString& key);
   /// Enter on a node.
-  void Open(const QString& key) {
-    GoTo(key);
-    QTest::keyClick(&TreeWidget(), Qt::Key_Return);
-  }
+  void Open(const QString& key);
 
   /// Idle: everything that an operation changes is as before.
-  void ExpectReady() {
-    EXPECT_EQ(desktop->module.BusyDepth, 0);
-    EXPECT_EQ(State(), u"Ready"_s);
-    EXPECT_TRUE(desktop->main.isEnabled());
-    EXPECT_TRUE(desktop->editors.number.isEnabled());
-    EXPECT_TRUE(desktop->editors.text.isEnabled());
-    EXPECT_FALSE(TreeWidget().isHidden());
-    EXPECT_TRUE(In<QPushButton>(desktop->reportDialog, u"OKButton"_s).isEnabled());
-    EXPECT_FALSE(In<QPushButton>(desktop->reportDialog, u"Command_Abbruch"_s).isEnabled());
-    EXPECT_EQ(desktop->module.Abbruch, kFalse);
-  }
+  void ExpectReady();
 
   FakeFileSystem files;
   MemorySettings settings;

@@ -224,20 +224,10 @@ double RandomStart_s(Random& random) {
   return random.Chance(0.2) ? day_s - random.Fraction() * 20 : random.Fraction() * (day_s - 60);
 }
 
-/// What long work shows goes nowhere; it has to be hidden at the end.
-class NoProgress final : public ProgressForm {
- public:
-  bool visible = false;
-
-  void Show(const QString&) override { visible = true; }
-  void Step(int, int, double) override {}
-  void Hide() override { visible = false; }
-};
-
 /// A program from its start to its end.
 struct Program {
   Pc pc;
-  NoProgress progress;
+  test::PlainProgress progress;
   SafeStore store;
   SafeContext context{pc.core, progress, store};
 

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "core/Forms.h"
+#include "core/Progress.h"
 #include "core/Report.h"
 #include "fakes/FileName.h"
 #include "platform/Events.h"
@@ -28,6 +29,17 @@ class PlainMainForm final : public MainForm {
   void SetEnabled(bool on) override { enabled = on; }
   void ShowState(const QString& text) override { state = text; }
   void ShowAgain() override {}
+};
+
+/// What long work shows.
+class PlainProgress final : public ProgressForm {
+ public:
+  bool shown = false;    ///< ever
+  bool visible = false;  ///< now
+
+  void Show(const QString& /*work*/) override { shown = visible = true; }
+  void Step(int /*done*/, int /*total*/, double /*remaining_s*/) override {}
+  void Hide() override { visible = false; }
 };
 
 /// The report as the user sees it. `operations` counts what was added, whole lines and continuations.

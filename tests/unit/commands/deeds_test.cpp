@@ -1,31 +1,16 @@
 // What is done with values is told once at its end, and what was not done is not told.
 #include <gtest/gtest.h>
 
-#include "commands/SafeCommands.h"
 #include "commands/TransferCommands.h"
 #include "core/Busy.h"
 #include "core/ControllerValues.h"
 #include "core/ValueFiles.h"
-#include "fakes/Installation.h"
+#include "fakes/SafeSite.h"
 
 namespace kalivor::test {
 namespace {
 
 using Outcome = ParameterResult::Outcome;
-
-class NoProgress final : public ProgressForm {
- public:
-  void Show(const QString& /*work*/) override {}
-  void Step(int /*done*/, int /*total*/, double /*remaining_s*/) override {}
-  void Hide() override {}
-};
-
-SafeWorld World() {
-  SafeWorld world;
-  world.stateFolder = u"/zustand"_s;
-  world.take = [](const QString&) { return true; };
-  return world;
-}
 
 /// A deed, and copies of what it pointed to.
 struct ToldDeed {
@@ -34,7 +19,7 @@ struct ToldDeed {
   std::vector<SafeValue> values;
 };
 
-class Deeds : public testing::Test, protected Installation {
+class Deeds : public testing::Test, protected SafeSite {
  protected:
   Deeds() {
     module.Userpath = u"/werte"_s;
@@ -65,9 +50,6 @@ class Deeds : public testing::Test, protected Installation {
   void SpoilTree() { module.Par[1].Zahl1 = 10; }
 
   std::vector<ToldDeed> told;
-  NoProgress progress;
-  SafeStore store{files, World()};
-  SafeContext context{core, progress, store};
 };
 
 TEST_F(Deeds, PlainTransfersAreToldWithTheirResults) {

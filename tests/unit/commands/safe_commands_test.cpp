@@ -5,32 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "core/Busy.h"
-#include "fakes/Installation.h"
+#include "fakes/SafeSite.h"
 
 namespace kalivor::test {
 namespace {
 
-class NoProgress final : public ProgressForm {
- public:
-  bool shown = false;
-
-  void Show(const QString& /*work*/) override { shown = true; }
-  void Step(int /*done*/, int /*total*/, double /*remaining_s*/) override {}
-  void Hide() override {}
-};
-
-SafeWorld World() {
-  SafeWorld world;
-  world.stateFolder = u"/zustand"_s;
-  world.take = [](const QString&) { return true; };
-  return world;
-}
-
-class SafeCommands : public testing::Test, protected Installation {
+class SafeCommands : public testing::Test, protected SafeSite {
  protected:
-  NoProgress progress;
-  SafeStore store{files, World()};
-  SafeContext context{core, progress, store};
   sim::Memory before;
 
   SafeCommands() {

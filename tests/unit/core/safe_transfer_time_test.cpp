@@ -3,6 +3,7 @@
 #include "core/Refresh.h"
 #include "core/SafeTransfer.h"
 #include "fakes/Installation.h"
+#include "fakes/NullForms.h"
 
 namespace kalivor::test {
 namespace {
@@ -10,13 +11,6 @@ namespace {
 constexpr int kParameters = 1999;  // all that a table holds
 // What 26 characters of a read or a write and the pause behind them take.
 constexpr double kExchange_s = 26 * 10 / 9600.0 + 0.020;
-
-class NoForm final : public ProgressForm {
- public:
-  void Show(const QString& /*work*/) override {}
-  void Step(int /*done*/, int /*total*/, double /*remaining_s*/) override {}
-  void Hide() override {}
-};
 
 class NothingKept final : public SafeKeeper {
  public:
@@ -55,7 +49,7 @@ class SafeTransferTime : public testing::Test, protected Installation {
 
   double SafeSend(int expected) {
     return Took([&] {
-      NoForm form;
+      PlainProgress form;
       NothingKept keeper;
       SafeRun run = WantedOfTable(module, SafeKind::Send);
       ReadWords(core, run, form);

@@ -7,32 +7,17 @@
 #include <QTemporaryDir>
 #include <mutex>
 
-#include "commands/SafeCommands.h"
 #include "commands/TransferCommands.h"
 #include "core/ControllerValues.h"
 #include "core/ValueFiles.h"
-#include "fakes/Installation.h"
+#include "fakes/SafeSite.h"
 
 namespace kalivor::history {
 namespace {
 
 using namespace test;
 
-class NoProgress final : public ProgressForm {
- public:
-  void Show(const QString& /*work*/) override {}
-  void Step(int /*done*/, int /*total*/, double /*remaining_s*/) override {}
-  void Hide() override {}
-};
-
-SafeWorld World() {
-  SafeWorld world;
-  world.stateFolder = u"/zustand"_s;
-  world.take = [](const QString&) { return true; };
-  return world;
-}
-
-class RecorderTest : public testing::Test, protected Installation {
+class RecorderTest : public testing::Test, protected SafeSite {
  protected:
   RecorderTest() {
     module.Userpath = u"/werte"_s;
@@ -77,9 +62,6 @@ class RecorderTest : public testing::Test, protected Installation {
   Recorder recorder{{core, host.Exchanges, [](int number) { return u"/dev/ttyS%1"_s.arg(number); }, place,
                      [this](const QString& text) { failures << text; }}};
   QStringList changes;
-  NoProgress progress;
-  SafeStore safeStore{files, World()};
-  SafeContext context{core, progress, safeStore};
 };
 
 TEST_F(RecorderTest, WithoutTheUsersWishNothingIsKept) {

@@ -15,7 +15,6 @@ namespace {
 using history::Change;
 using history::Entry;
 using history::Plant;
-using history::Remark;
 using history::Store;
 
 QString IdText(const QUuid& id) {

@@ -120,11 +120,11 @@ class Scale {
 
 /// Dates at even distances: so many minutes or months each, whichever is not 0.
 struct DateStep {
-  int minutes = 0;
+  qint64 minutes = 0;
   int months = 0;
   QStringView format;
 
-  [[nodiscard]] qint64 Length_ms() const { return minutes * kMinute_ms + months * 30 * kDay_ms; }
+  [[nodiscard]] qint64 Length_ms() const { return minutes * kMinute_ms + months * (30 * kDay_ms); }
 };
 
 constexpr int kDay_min = 24 * 60;

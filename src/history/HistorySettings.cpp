@@ -11,7 +11,7 @@ const QString kPlant = u"Anlage"_s;
 
 struct TextKey {
   QStringView key;
-  QString HistorySettings::*member;
+  QString HistorySettings::*member = nullptr;
 };
 constexpr TextKey kTexts[] = {
     {u"Techniker", &HistorySettings::technician},          {u"Server", &HistorySettings::server},

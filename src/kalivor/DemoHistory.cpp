@@ -18,7 +18,7 @@ namespace {
 /// A value that a visit leaves, as it is stored.
 struct Left {
   QStringView variable;
-  qint32 number;
+  qint32 number = 0;
 };
 
 /// What somebody has done, so many days ago.
@@ -36,7 +36,7 @@ struct Visit {
 struct VisitedPlant {
   QStringView name;
   QStringView place;
-  int address;
+  int address = 0;
 };
 constexpr std::array kPlants{VisitedPlant{u"Ärztehaus Nordflügel", u"Heizzentrale Haus 01", 1},
                              VisitedPlant{u"Turnhalle Seematt", u"Untergeschoss", 2}};
@@ -139,7 +139,7 @@ class Years {
       table.SetNumber(index, left.number, ValueSource::Edited);
     }
     observation.table = std::make_shared<const ParameterTable>(table);
-    if (!store_->Add(std::move(observation)).isEmpty()) return false;
+    if (!store_->Add(observation).isEmpty()) return false;
     if (visit.remark.isEmpty()) return true;
     const QUuid entry = store_->Entries().front().id;
     return store_->AddRemark(entry, visit.remark.toString(), visit.technician.toString()).isEmpty();

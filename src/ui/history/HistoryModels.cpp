@@ -1,5 +1,6 @@
 #include "ui/history/HistoryModels.h"
 
+#include <QTextDocument>
 #include <algorithm>
 #include <numeric>
 

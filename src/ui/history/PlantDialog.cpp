@@ -93,8 +93,8 @@ void PlantDialog::Ask(PlantQuestion question) {
 void PlantDialog::Renew(PlantQuestion question) {
   question_ = std::move(question);
   // The one that is likely stands first.
-  std::ranges::stable_partition(
-      question_.plants, [this](const history::Plant& plant) { return plant.id == question_.proposed; });
+  std::stable_partition(question_.plants.begin(), question_.plants.end(),
+                        [this](const history::Plant& plant) { return plant.id == question_.proposed; });
   reason_->setText(question_.reason);
   ShowNameParameters();
   ShowPlants();

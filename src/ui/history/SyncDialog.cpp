@@ -138,7 +138,8 @@ void SyncDialog::Start(const std::function<QString(const QString& server)>& work
     } catch (const std::bad_alloc&) {
       result = u"Der Arbeitsspeicher reicht nicht aus."_s;
     }
-    QMetaObject::invokeMethod(this, [this, result, exchanges] { End(result, exchanges); });
+    QMetaObject::invokeMethod(
+        this, [this, result, exchanges] { End(result, exchanges); }, Qt::QueuedConnection);
   });
 }
 

@@ -406,6 +406,7 @@ TEST_F(HistoryTest, ARemarkIsAddedWithItsAuthorAndTime) {
   const QString remarks = In<QPlainTextEdit>(Window(), u"remarks"_s).toPlainText();
   EXPECT_TRUE(remarks.endsWith(u"Anna: Pumpe war <b>defekt</b>"_s)) << remarks.toStdString();
   EXPECT_EQ(Box(u"remark"_s).text(), QString());
+  EXPECT_EQ(Cell(Entries(), 2, ui::EntriesModel::Remarks), u"Pumpe war <b>defekt</b>"_s);
   Box(u"search"_s).setText(u"defekt"_s);
   EXPECT_EQ(Entries().model()->rowCount(), 1);
 }

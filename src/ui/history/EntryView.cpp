@@ -133,8 +133,8 @@ QWidget* EntryView::NewRemarksSide() {
   auto* row = new QHBoxLayout;
   row->addWidget(NewCaption(side, u"Be&merkung:"_s, remark_));
   row->addWidget(remark_, 1);
-  row->addWidget(addRemark_);
   auto* last = new QHBoxLayout;
+  last->addWidget(addRemark_);
   last->addStretch();
   last->addWidget(assign_);
   auto* layout = new QVBoxLayout(side);

@@ -123,8 +123,17 @@ QString EntriesModel::Text(const history::Entry& entry, int column) const {
     case Changes:
       return QString::number(entry.changes);
     default:
-      return history::RemarksText(entry, RemarksOf(entry.id));
+      return Said(entry);
   }
+}
+
+// What was remarked, without who said it when: that is in the tip, and below the table.
+QString EntriesModel::Said(const history::Entry& entry) const {
+  QStringList texts{entry.remark};
+  for (const history::Remark& remark : RemarksOf(entry.id))
+    texts << remark.text;
+  texts.removeAll(QString());
+  return texts.join(u'\n');
 }
 
 QVariant EntriesModel::data(const QModelIndex& index, int role) const {
@@ -132,8 +141,11 @@ QVariant EntriesModel::data(const QModelIndex& index, int role) const {
   switch (role) {
     case Qt::DisplayRole:
       return OneLine(Text(At(index.row()), index.column()));
-    case Qt::ToolTipRole:
-      return ToolTip(Text(At(index.row()), index.column()));
+    case Qt::ToolTipRole: {
+      const history::Entry& entry = At(index.row());
+      return ToolTip(index.column() == Remarks ? history::RemarksText(entry, RemarksOf(entry.id))
+                                               : Text(entry, index.column()));
+    }
     case Qt::TextAlignmentRole:
       return QVariant(Aligned(index.column() == Changes));
     default:

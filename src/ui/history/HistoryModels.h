@@ -44,6 +44,7 @@ class EntriesModel final : public QAbstractTableModel {
 
  private:
   [[nodiscard]] QString Text(const history::Entry& entry, int column) const;
+  [[nodiscard]] QString Said(const history::Entry& entry) const;
   void Refilter();
 
   std::vector<history::Entry> entries_;

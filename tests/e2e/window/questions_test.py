@@ -18,6 +18,7 @@ PLANT_QUESTION = (
     "Die Anlageart auf dem Regler stimmt nicht mit derjenigen auf dem PC überein.\n\nBitte wählen Sie:"
 )
 WATCHED_S = 2
+WATCHES = 6
 MOST_TICKS = 1
 
 
@@ -93,11 +94,13 @@ class Questions(Scenario):
 
     def test_a_waiting_question_takes_no_processor_time(self):
         program, report, dialog, pc, _ = self.ask_for_version()
-        # Drawing the question is not yet waiting.
-        time.sleep(WATCHED_S)
-        before = program.processor_ticks()
-        time.sleep(WATCHED_S)
-        self.assertLessEqual(program.processor_ticks() - before, MOST_TICKS)
+        # Drawing the question, on a busy machine later than usual, is not yet waiting.
+        ticks = []
+        while not ticks or (ticks[-1] > MOST_TICKS and len(ticks) < WATCHES):
+            before = program.processor_ticks()
+            time.sleep(WATCHED_S)
+            ticks.append(program.processor_ticks() - before)
+        self.assertLessEqual(ticks[-1], MOST_TICKS, ticks)
         self.answer(program, dialog, pc)
         self.assertEqual(report.wait_for_end(), "Senden..\nSenden abgebrochen\n")
 

@@ -15,7 +15,8 @@ options="-std=c++20 -Wall -Wextra -Wconversion -Wshadow -Werror -DKALIVOR_VERSIO
   -DQT_NO_CAST_FROM_ASCII -DQT_NO_CAST_TO_ASCII -DQT_NO_FOREACH -I. -isystem$2 -isystem$2/QtCore -isystem$2/QtNetwork
   -isystem$2/QtSql"
 # What all of them include, read once.
-printf '#include <%s>\n' QByteArray QHash QList QString QStringList functional memory optional vector >"$work/common.h"
+printf '#include <%s>\n' QByteArray QHash QList QString QStringList functional memory optional vector \
+  core/Core.h history/Store.h platform/FileSystem.h >"$work/common.h"
 # shellcheck disable=SC2086
 "$compiler" $options -x c++-header "$work/common.h" -o "$work/common.h.gch"
 for folder in platform platform/plain platform/win32 platform/net base comm core check diagnosis commands history history/server print/pages cli kalivor sim; do

@@ -17,7 +17,7 @@ class PlantsView final : public QWidget {
  public:
   explicit PlantsView(platform::EventGuard guard, QWidget* parent = nullptr);
 
-  /// The plants, with how many of the entries each has. Who is chosen stays chosen while he is there.
+  /// The plants, with how many of the entries each has. The one that is chosen stays so while it is there.
   void Show(std::vector<history::Plant> plants, const std::vector<history::Entry>& entries);
 
   /// Nothing: the entries of all; a null id: those without a plant.

@@ -56,7 +56,7 @@ ui::World GuiTest::World() {
   return {settings,
           box,
           files,
-          *line,
+          otherLine != nullptr ? *otherLine : *line,
           clock,
           events,
           u"/programm"_s,

@@ -160,6 +160,7 @@ class GuiTest : public testing::Test {
   history::StoreWorld historyStore;        ///< no history can be kept
   std::unique_ptr<SimulatedController> far;
   std::unique_ptr<sim::SimulatedLine> line;
+  platform::SerialControl* otherLine = nullptr;  ///< in place of `line`
   std::unique_ptr<ui::Desktop> desktop;
 };
 

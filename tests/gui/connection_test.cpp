@@ -40,28 +40,11 @@ class ConnectionTest : public GuiTest {
     ports.entries = {PortEntry{1, u"/dev/ttyS0"_s}, Adapter(2, u"/dev/ttyUSB0"_s, u"A1"_s),
                      Adapter(3, u"/dev/ttyUSB1"_s, u"A2"_s)};
     lines.lines[u"/dev/ttyUSB0"_s] = line.get();
+    otherLine = &lines;
   }
 
   void StartHere() {
-    const ui::World world = World();
-    desktop = std::make_unique<ui::Desktop>(ui::World{world.settings,
-                                                      world.box,
-                                                      world.files,
-                                                      lines,
-                                                      world.clock,
-                                                      world.events,
-                                                      world.programFolder,
-                                                      {},
-                                                      world.printText,
-                                                      world.dialogs,
-                                                      world.help,
-                                                      world.ports,
-                                                      {},
-                                                      world.selectionsFile,
-                                                      world.recovery,
-                                                      {},
-                                                      {},
-                                                      world.safe});
+    Load();
     desktop->Start();
     TakeBoxes();
     desktop->main.show();

@@ -112,6 +112,16 @@ class Manual(unittest.TestCase):
         for chapter, target, place in links:
             self.assertIn(f"[#{place}]\n", self.chapters.get(target, ""), f"{chapter} to {target}#{place}")
 
+    def test_names_no_place_twice(self):
+        """The book has all chapters in one."""
+        places = [(place, chapter) for chapter, text in self.chapters.items()
+                  for place in re.findall(r"(?m)^\[#([^\]]+)\]$", text)]
+        self.assertGreater(len(places), 50)
+        chapters = {}
+        for place, chapter in places:
+            self.assertNotIn(place, chapters, f"{chapter} and {chapters.get(place)}")
+            chapters[place] = chapter
+
     def test_binds_every_chapter_into_the_book_and_the_index(self):
         for chapter in set(self.chapters) - {"index.adoc", "handbuch.adoc", "gemeinsam.adoc"}:
             self.assertIn(f"include::{chapter}[", self.chapters["handbuch.adoc"])

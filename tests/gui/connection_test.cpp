@@ -402,7 +402,7 @@ TEST_F(ConnectionTest, EveryControlHasANameAndF1ItsPage) {
             u"angekreuzt"_s);
   EXPECT_EQ(ui::ManualPageOf(Ports()), u"verbindung"_s);
   EXPECT_EQ(ui::ManualPageOf(desktop->connection->Progress()), u"verbindung"_s);
-  EXPECT_EQ(ui::ManualPageOf(Binding()), u"verbindung#zuordnen"_s);
+  EXPECT_EQ(ui::ManualPageOf(Binding()), u"verbindung#binden"_s);
 }
 
 }  // namespace

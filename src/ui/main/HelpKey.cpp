@@ -31,7 +31,7 @@ const QHash<QString, QString>& Pages() {
                                              {u"BackupsWindow"_s, u"sichersenden#sicherungen"_s},
                                              {u"ConnectionWindow"_s, u"verbindung"_s},
                                              {u"SearchProgress"_s, u"verbindung"_s},
-                                             {u"BindingDialog"_s, u"verbindung#zuordnen"_s},
+                                             {u"BindingDialog"_s, u"verbindung#binden"_s},
                                              {u"FindingsWindow"_s, u"definitionen"_s},
                                              {u"DiagnosisWindow"_s, u"diagnose"_s},
                                              {u"TelegramsWindow"_s, u"telegrammfenster"_s},

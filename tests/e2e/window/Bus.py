@@ -140,8 +140,13 @@ class Control:
         self.do("Press")
 
     def focus(self):
-        Atspi.Component.grab_focus(self._accessible)
-        wait_for(lambda: self.has("focused"), f"focus in {self.name!r}")
+        """A menu that is still closing gives the keyboard back to where it was, so it is asked for until it stays."""
+
+        def focused():
+            Atspi.Component.grab_focus(self._accessible)
+            return self.has("focused")
+
+        wait_for(focused, f"focus in {self.name!r}")
 
 
 class FocusListener:

@@ -219,13 +219,20 @@ class Program:
         # The toolkit takes a menu's letter after an earlier menu for the end of that one, and wants it again.
         wait_for(lambda: self._open_menu(stroke), "an open menu")
         keys(*item)
+        # A letter chooses an item.
+        if len(item[-1]) == 1:
+            self._menu_becomes(False)
 
     def _open_menu(self, stroke):
         keys(stroke)
+        return self._menu_becomes(True)
+
+    def _menu_becomes(self, is_open):
+        """Whether one is open soon, or none any more."""
         menus = self.main.find("menu bar").children
         end = time.monotonic() + MENU_S
         while time.monotonic() < end:
-            if any(menu.find_all("menu item") for menu in menus):
+            if any(menu.find_all("menu item") for menu in menus) == is_open:
                 return True
         return False
 

@@ -144,6 +144,14 @@ class HistoryTest : public GuiTest {
     throw std::runtime_error("no such dialog");
   }
 
+  /// Chooses the plant of what is done from now on by its name alone.
+  void TypePlant(const QString& name) {
+    Click(Window(), u"choosePlant"_s);
+    QLineEdit& typed = In<QLineEdit>(Companion<ui::PlantDialog>(), u"plantSearch"_s);
+    QTest::keyClicks(&typed, name);
+    QTest::keyClick(&typed, Qt::Key_Return);
+  }
+
   QTemporaryDir folder_;
   QDateTime now_{QDate(2026, 3, 1), QTime(9, 30)};
 };
@@ -437,10 +445,7 @@ TEST_F(HistoryTest, ANewPlantIsMadeByTypingItsName) {
   Keep();
   Start();
   Show();
-  Click(Window(), u"choosePlant"_s);
-  QLineEdit& typed = In<QLineEdit>(Companion<ui::PlantDialog>(), u"plantSearch"_s);
-  QTest::keyClicks(&typed, u"Turm 3"_s);
-  QTest::keyClick(&typed, Qt::Key_Return);
+  TypePlant(u"Turm 3"_s);
   auto& form = Companion<ui::PlantForm>();
   ASSERT_TRUE(form.isVisible());
   EXPECT_EQ(form.windowTitle(), u"Neue Anlage"_s);
@@ -457,10 +462,7 @@ TEST_F(HistoryTest, ANewPlantNeedsNoMoreThanTheNameThatWasTyped) {
   Keep();
   Start();
   Show();
-  Click(Window(), u"choosePlant"_s);
-  QLineEdit& typed = In<QLineEdit>(Companion<ui::PlantDialog>(), u"plantSearch"_s);
-  QTest::keyClicks(&typed, u"Turm"_s);
-  QTest::keyClick(&typed, Qt::Key_Return);
+  TypePlant(u"Turm"_s);
   QTest::keyClick(&In<QLineEdit>(Companion<ui::PlantForm>(), u"plantName"_s), Qt::Key_Return);
   Written();
   EXPECT_EQ(In<QLabel>(Window(), u"plant"_s).accessibleName(), u"Turm"_s);
